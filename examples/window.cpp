@@ -37,7 +37,7 @@ static void onInput(OrvView*, const OrvEvent& e, void*) {
 }
 
 static void onExpose(OrvView* v, const Orv2dRegion* r, void*) {
-  printf("Expose        %u rectangle(s) on %s\n", r ? (unsigned)r->count() : 0u, v->name);
+  printf("Expose        %u rectangle(s) on %s\n", r ? (unsigned)r->count : 0u, v->name);
   fflush(stdout);
 }
 

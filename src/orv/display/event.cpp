@@ -287,6 +287,8 @@ void OrvViewManageEvent(OrvView* view, void* xevent) {
       return;
     }
     case OrvDestroyed:
+      // The server has already destroyed the window.
+      view->ownsWindow = 0;
       delete view;
       return;
     default:

@@ -306,7 +306,7 @@ void OrvView::setBackground(OrvColor* color) {
   OrvRelease(backgroundMakeUp);
   backgroundMakeUp = 0;
   if (color && director->defaultMakeUp) {
-    backgroundMakeUp = director->makeUp(director->defaultForeground, color, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1,
+    backgroundMakeUp = director->makeUp(director->defaultForeground, color, 0, 0, 0, 0, 0, 0, OrvArcPieSlice, 0, 0, 0, 1, 1,
                                         4, 4, 1, 2, 0);
     OrvCount(backgroundMakeUp);
   }
@@ -392,7 +392,7 @@ void OrvView::erase(const Orv2dRect& r, int exposures) {
 
 void OrvView::erase(const Orv2dRegion* region, int exposures) {
   if (!region) return erase(exposures);
-  for (unsigned short i = 0; i < region->count(); i++) erase(region->rectangle(i), exposures);
+  for (unsigned short i = 0; i < region->count; i++) erase(region->rectangle(i), exposures);
 }
 
 void OrvView::erase(int exposures) {
