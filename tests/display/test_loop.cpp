@@ -2,6 +2,9 @@
 // descriptors, sleeping and the clock, grabs, and the X error handler.
 #include <gtest/gtest.h>
 
+#include "orv/director.h"
+#include "orv/view.h"
+
 #include <X11/Xlib.h>
 #include <errno.h>
 #include <fcntl.h>
@@ -15,8 +18,6 @@
 #include <string>
 #include <vector>
 
-#include "orv/director.h"
-#include "orv/view.h"
 #include "orv_xtest.h"
 
 namespace {

@@ -1,6 +1,10 @@
 // Views and decoded events on a real X server, with input made by XTest.
 #include <gtest/gtest.h>
 
+#include "orv/director.h"
+#include "orv/region.h"
+#include "orv/view.h"
+
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -11,9 +15,6 @@
 #include <string>
 #include <vector>
 
-#include "orv/director.h"
-#include "orv/region.h"
-#include "orv/view.h"
 #include "orv_xtest.h"
 
 namespace {

@@ -1,6 +1,9 @@
 // Views: window creation, window-manager properties, geometry, the default
 // handlers and the application callbacks.
 #include "orv/view.h"
+#include "orv/director.h"
+#include "orv/makeup.h"
+#include "orv/resource.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -8,10 +11,6 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-
-#include "orv/director.h"
-#include "orv/makeup.h"
-#include "orv/resource.h"
 
 // Shared by 2D and 3D views, so names stay unique in the process.
 static int viewCounter = 0;
