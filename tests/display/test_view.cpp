@@ -63,6 +63,7 @@ void listen(OrvView* v, Log* log) {
 
 // A director, a mapped top-level view that hears everything, a raw connection.
 struct Fixture {
+  OrvTestInputLock lock;
   OrvDirector* d;
   OrvView* v;
   Display* raw;
@@ -73,6 +74,7 @@ struct Fixture {
     listen(v, &log);
     raw = OrvTestOpenDisplay();
     OrvTestWaitViewable(raw, v->window());
+    XRaiseWindow(raw, v->window());
     OrvTestRunFor(30);  // the first expose and the map
     log = Log();
   }
@@ -230,6 +232,7 @@ TEST(View, ChildrenAndDestruction) {
 
 TEST(View, ForeignWindowsAreWrappedNotDestroyed) {
   REQUIRE_X();
+  OrvTestInputLock lock;
   OrvDirector d("foreign", 0, 0, 0);
   Display* raw = OrvTestOpenDisplay();
   Window w = XCreateSimpleWindow(raw, DefaultRootWindow(raw), 44, 55, 120, 90, 0, 0, 0);
