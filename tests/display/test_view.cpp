@@ -685,3 +685,84 @@ TEST(View, GLWindowSharesTheRootContext) {
   delete v;
   XCloseDisplay(raw);
 }
+
+TEST(View, BackgroundCursorGhostIconAndBackingBitmap) {
+  REQUIRE_X();
+  Fixture f("looks", Orv2dRect(150, 650, 120, 90));
+  OrvDirector* d = f.d;
+  OrvView* v = f.v;
+  Window w = v->window();
+  ASSERT_NE(d->defaultBackground, nullptr);
+  EXPECT_EQ(v->background, d->defaultBackground);
+  ASSERT_NE(v->backgroundMakeUp, nullptr);
+  EXPECT_EQ(v->backgroundMakeUp->foreground(), d->defaultBackground);
+  EXPECT_EQ(v->backgroundMakeUp->background(), d->defaultForeground);
+  ASSERT_NE(v->ghostMakeUp, nullptr);
+  EXPECT_EQ(v->ghostMakeUp->mode, (OrvDrawMode)OrvXorMode);
+
+  // A new background: counted once, sent to X, and the background make-up follows.
+  OrvColor* red = d->color("red");
+  ASSERT_NE(red, nullptr);
+  OrvCount(red);
+  int held = red->count;
+  v->setBackground(red);
+  EXPECT_EQ(red->count, held + 2) << "held by the view and by its background make-up";
+  v->setBackground(red);
+  EXPECT_EQ(red->count, held + 2) << "the current colour changes nothing";
+  EXPECT_EQ(v->backgroundMakeUp->foreground(), red);
+  v->erase(0);
+  XSync((Display*)d->display, False);
+  EXPECT_EQ(OrvTestRGB(f.raw, w, 5, 5), 0xFF0000u);
+
+  OrvCursor* cross = d->cursor("cross");
+  ASSERT_NE(cross, nullptr);
+  int c0 = cross->count;
+  v->setCursor(cross);
+  v->setCursor(cross);
+  EXPECT_EQ(cross->count, c0 + 1);
+  v->setCursor(0);
+  EXPECT_EQ(cross->count, c0);
+  EXPECT_EQ(v->cursor, nullptr);
+
+  OrvBitmap* icon = new OrvBitmap(d->rootCanvas, 16, 16, 1);
+  v->iconBitmap(icon, 0);
+  EXPECT_EQ(icon->lockCount, 1u);
+  XSync((Display*)d->display, False);
+  XWMHints* hints = XGetWMHints(f.raw, w);
+  ASSERT_NE(hints, nullptr);
+  EXPECT_TRUE(hints->flags & IconPixmapHint);
+  EXPECT_FALSE(hints->flags & IconMaskHint);
+  EXPECT_EQ(hints->icon_pixmap, (Pixmap)icon->drawable);
+  XFree(hints);
+
+  // The backing bitmap: the view's size, painted with the background, rebuilt on resize.
+  v->useBitmap(1);
+  ASSERT_NE(v->bitmap, nullptr);
+  EXPECT_EQ(v->bitmap->width, 120u);
+  EXPECT_EQ(v->bitmap->height, 90u);
+  EXPECT_EQ(v->bitmap->depth, v->depth);
+  XSync((Display*)d->display, False);
+  EXPECT_EQ(OrvTestRGB(f.raw, v->bitmap->drawable, 60, 45), 0xFF0000u);
+  XResizeWindow(f.raw, w, 140, 100);
+  ASSERT_TRUE(f.runUntil([&] { return v->width == 140; }));
+  EXPECT_EQ(v->bitmap->width, 140u);
+  EXPECT_EQ(v->bitmap->height, 100u);
+  // With a backing bitmap an expose leaves the window to the subclass.
+  GC gc = XCreateGC(f.raw, w, 0, 0);
+  XSetForeground(f.raw, gc, 0x00FF00);
+  XFillRectangle(f.raw, w, gc, 0, 0, 140, 100);
+  XFreeGC(f.raw, gc);
+  f.log = Log();
+  XEvent e;
+  memset(&e, 0, sizeof e);
+  e.type = Expose;
+  e.xexpose.window = w;
+  e.xexpose.width = 50;
+  e.xexpose.height = 50;
+  XSendEvent(f.raw, w, False, ExposureMask, &e);
+  ASSERT_TRUE(f.runUntil([&] { return f.log.exposes.size() == 1; }));
+  EXPECT_EQ(OrvTestRGB(f.raw, w, 10, 10), 0x00FF00u);
+  v->useBitmap(0);
+  EXPECT_EQ(v->bitmap, nullptr);
+  OrvRelease(red);
+}
