@@ -197,7 +197,7 @@ TEST_P(Resources, PatternsOfStartUp) {
   free(bits);
   EXPECT_EQ(d->pattern("no such pattern"), nullptr);
   // A new pattern goes to the head of the list with a count of 1.
-  unsigned char data[2] = {0xF0, 0x0F};
+  unsigned char data[16] = {0xF0, 0x0F};  // a pattern keeps width times height bytes
   OrvPattern* mine = d->pattern("mine", 16, 1, data);
   EXPECT_EQ(d->patterns->first->value, mine);
   EXPECT_EQ(d->pattern("mine"), mine);
