@@ -766,3 +766,86 @@ TEST(View, BackgroundCursorGhostIconAndBackingBitmap) {
   EXPECT_EQ(v->bitmap, nullptr);
   OrvRelease(red);
 }
+
+TEST(View, DecodingOfTheRemainingKinds) {
+  REQUIRE_X();
+  Fixture f("decode", Orv2dRect(420, 40, 80, 60));
+  XEvent e;
+  OrvEvent out;
+  memset(&e, 0, sizeof e);
+  e.xany.display = (Display*)f.d->display;
+  e.xany.window = f.v->window();
+  e.type = VisibilityNotify;
+  e.xvisibility.state = VisibilityPartiallyObscured;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvVisibility);
+  EXPECT_EQ(out.button, VisibilityPartiallyObscured);
+  EXPECT_EQ(out.window, f.v->window());
+  e.type = FocusIn;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvFocusIn);
+  e.type = FocusOut;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvFocusOut);
+  memset(&e, 0, sizeof e);
+  e.type = GraphicsExpose;
+  e.xgraphicsexpose.display = (Display*)f.d->display;
+  e.xgraphicsexpose.drawable = f.v->window();
+  e.xgraphicsexpose.x = 3;
+  e.xgraphicsexpose.y = 4;
+  e.xgraphicsexpose.width = 5;
+  e.xgraphicsexpose.height = 6;
+  e.xgraphicsexpose.count = 2;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvExpose);
+  EXPECT_EQ(out.width, 5);
+  EXPECT_EQ(out.count, 2);
+  // A configure sent by a client carries its flag and no root position.
+  memset(&e, 0, sizeof e);
+  e.type = ConfigureNotify;
+  e.xconfigure.display = (Display*)f.d->display;
+  e.xconfigure.window = e.xconfigure.event = f.v->window();
+  e.xconfigure.send_event = True;
+  e.xconfigure.x = 7;
+  e.xconfigure.width = 80;
+  e.xconfigure.height = 60;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvConfigure);
+  EXPECT_EQ(out.button, 1);
+  EXPECT_EQ(out.globalX, 0);
+  e.xconfigure.send_event = False;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.button, 0);
+  EXPECT_EQ(out.globalX, 420 + 1);
+  EXPECT_EQ(out.globalY, 40 + 1);
+}
+
+TEST(View, SlowMotionSkippingTakesTheNewestOfTheSameWindow) {
+  REQUIRE_X();
+  Fixture f("skip", Orv2dRect(520, 420, 200, 150));
+  Display* dpy = (Display*)f.d->display;
+  Window w = f.v->window();
+  OrvTestMoveIn(f.raw, w, 5, 5);
+  f.runUntil([&] { return f.log.countType(OrvPointerMoved) > 0; });
+  for (int i = 1; i <= 6; i++) OrvTestMoveIn(f.raw, w, 5 + 10 * i, 5 + i);
+  XSync(f.raw, False);
+  XSync(dpy, False);
+  XEvent x;
+  do XNextEvent(dpy, &x);
+  while (x.type != MotionNotify);
+  OrvEvent e;
+  OrvInstanceDecodeEvent(f.d, &x, e);
+  EXPECT_EQ(e.x, 15);
+  OrvFastSkipMotionEvents(0);
+  EXPECT_EQ(OrvSkipMotionEvents(f.v, e, &x), 1);
+  EXPECT_EQ(e.type, OrvPointerMoved);
+  EXPECT_EQ(e.x, 65);
+  EXPECT_EQ(e.y, 11);
+  EXPECT_EQ(x.xmotion.x, 65);
+  EXPECT_EQ(OrvSkipMotionEvents(f.v, e, &x), 0) << "nothing left to skip";
+  orv_compress_drag_events = 0;
+  EXPECT_EQ(OrvSkipMotionEvents(f.v, e, &x), 0);
+  EXPECT_EQ(OrvFastSkipMotionEvents(f.v, e), 0);
+  orv_compress_drag_events = 1;
+  OrvFastSkipMotionEvents(1);
+}
