@@ -5,5 +5,8 @@
 #include <orv/base.h>
 #include <orv/geometry.h>
 #include <orv/region.h>
+#include <orv/event.h>
+#include <orv/director.h>
+#include <orv/view.h>
 
 #endif
