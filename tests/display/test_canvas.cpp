@@ -418,3 +418,48 @@ TEST_P(Canvas, DrawsOnAViewToo) {
 }
 
 }  // namespace
+
+// GL after the library headers.
+#include <GL/gl.h>
+#include <GL/glx.h>
+
+namespace {
+
+TEST(CanvasGL, CopiesBetweenBackAndFrontBuffers) {
+  const char* name = getenv("DISPLAY");
+  if (!name || !*name) GTEST_SKIP() << "no DISPLAY";
+  static Display* keeper = XOpenDisplay(name);
+  (void)keeper;
+  OrvDirector* d = new OrvDirector("gltest", name, 0, 0);
+  Display* dpy = (Display*)d->display;
+  OrvView* v = d->rootContext ? new OrvView(d, Orv2dRect(10, 10, 80, 60), "gl", OrvViewGL) : 0;
+  if (!v || !v->glContext) {
+    delete v;
+    delete d;
+    GTEST_SKIP() << "no GL on this screen";
+  }
+  ASSERT_TRUE(OrvTestWaitViewable(dpy, v->window()));
+  glXMakeCurrent(dpy, (GLXDrawable)v->window(), (GLXContext)v->glContext);
+  glDrawBuffer(GL_FRONT);
+  glClearColor(0, 0, 1, 1);
+  glClear(GL_COLOR_BUFFER_BIT);
+  glDrawBuffer(GL_BACK);
+  glClearColor(1, 0, 0, 1);
+  glClear(GL_COLOR_BUFFER_BIT);
+  glEnable(GL_DEPTH_TEST);
+  EXPECT_EQ(_OrvBitBlit_(v, Orv2dRect(10, 10, 20, 20), 1, 0), 1u);
+  EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST)) << "restored";
+  EXPECT_EQ(_OrvBitBlit_(v, Orv2dRect(200, 200, 5, 5), 1, 0), 0u) << "outside the view";
+  glFinish();
+  XSync(dpy, False);
+  // Window rows count from the top: the copied square lies at 10..29 in both directions.
+  EXPECT_EQ(OrvTestRGB(dpy, v->window(), 15, 15), 0xFF0000u);
+  EXPECT_EQ(OrvTestRGB(dpy, v->window(), 28, 28), 0xFF0000u);
+  EXPECT_EQ(OrvTestRGB(dpy, v->window(), 50, 40), 0x0000FFu);
+  EXPECT_EQ(OrvTestRGB(dpy, v->window(), 15, 32), 0x0000FFu);
+  glXMakeCurrent(dpy, None, 0);
+  delete v;
+  delete d;
+}
+
+}  // namespace
