@@ -8,5 +8,8 @@
 #include <orv/event.h>
 #include <orv/director.h>
 #include <orv/view.h>
+#include <orv/canvas.h>
+#include <orv/resource.h>
+#include <orv/makeup.h>
 
 #endif
