@@ -371,6 +371,41 @@ TEST_P(Canvas, ClipStringPlacesAndClips) {
   delete a;
 }
 
+TEST_P(Canvas, ClipBitmapAndTextWithBitmap) {
+  OrvBitmap* b = sheet(120, 60);
+  OrvMakeUp* red = paint("red");
+  OrvBitmap* icon = new OrvBitmap(d->rootCanvas, 8, 8, 1);
+  unsigned char ones[8] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+  icon->setBits(Orv2dRect(0, 0, 8, 8), ones, 8, 8, 0);
+  // Centred in 10..49 by 10..29: the icon covers 26..33 by 16..23.
+  b->clipBitmap(red, Orv2dRect(10, 10, 40, 20), icon, OrvCenter, 1);
+  EXPECT_EQ(pixel(b, 26, 16), px("red"));
+  EXPECT_EQ(pixel(b, 33, 23), px("red"));
+  EXPECT_EQ(pixel(b, 25, 16), px("white"));
+  EXPECT_EQ(pixel(b, 34, 23), px("white"));
+  b->clipBitmap(red, Orv2dRect(60, 10, 40, 20), icon, OrvRight, 1);
+  EXPECT_EQ(pixel(b, 99, 20), px("red")) << "right-aligned";
+  EXPECT_EQ(pixel(b, 91, 20), px("white"));
+  // A text with its icon on the left: the icon first, then the text.
+  OrvBitmap* t = sheet(120, 40);
+  OrvMakeUp* black = paint("black");
+  t->clipStringBitmap(black, Orv2dRect(0, 0, 120, 40), "Ok", icon, 0, 0, OrvLeft, OrvLeft);
+  EXPECT_EQ(pixel(t, 0, 16), px("black")) << "the icon at the left edge";
+  Orv2dRect box = black->font()->bbox("Ok", 0, 0);
+  EXPECT_GT(countPixels(t, Orv2dRect(8, 0, box.w + 1, 40), px("black")), 5) << "the text after it";
+  EXPECT_EQ(countPixels(t, Orv2dRect(9 + box.w + 1, 0, 120 - 10 - box.w, 40), px("black")), 0);
+  // Labels split at newlines; a last line without one counts.
+  unsigned long count = 0;
+  char** labels = OrvTextToLabels("a\nbc\n\nd", count);
+  ASSERT_EQ(count, 4u);
+  EXPECT_STREQ(labels[1], "bc");
+  EXPECT_STREQ(labels[2], "");
+  EXPECT_STREQ(labels[3], "d");
+  delete t;
+  delete icon;
+  delete b;
+}
+
 TEST_P(Canvas, ReliefRectangleAndDiamond) {
   OrvBitmap* b = sheet(100, 60);
   OrvMakeUp* frame = paint("black");
