@@ -244,6 +244,13 @@ TEST_P(Resources, CursorsByName) {
   ASSERT_NE(wait, nullptr) << "the clock under its new name";
   EXPECT_NE(wait->internal(d->rootCanvas), 0u);
   EXPECT_EQ(wait->count, 1);
+  // A canvas with resources of its own makes the wait cursor under that name too.
+  OrvCanvas* own = new OrvCanvas(d, 10, 10, (void*)d->rootCanvas->drawable);
+  own->sharesRootResources = 0;
+  EXPECT_NE(wait->internal(own), 0u);
+  EXPECT_EQ(wait->internals.length(), 2u);
+  delete own;
+  EXPECT_EQ(wait->internals.length(), 1u);
   OrvCursor* hand = d->cursor("hand2");
   ASSERT_NE(hand, nullptr);
   EXPECT_EQ(d->cursor("hand2"), hand);
