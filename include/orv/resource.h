@@ -78,6 +78,12 @@ public:
   virtual float transparency() const;
 };
 
+// Three shades of a base colour for relief edges: lit, shaded and pressed. A shade
+// the director cannot give is replaced by its default foreground.
+void OrvComputeReliefColors(const OrvColor* base, OrvColor*& first, OrvColor*& second,
+                            OrvColor*& third);
+
+
 class OrvPattern : public OrvResource {
 public:
   unsigned char* data;  // width times height bytes

@@ -17,6 +17,34 @@ namespace {
 class Resources : public OrvScreenTest {};
 ORV_ON_BOTH_SCREENS(Resources);
 
+TEST_P(Resources, ReliefColoursAreShadesOfTheBase) {
+  // A light base: the lit edge loses saturation and gains value, capped at 1.
+  OrvColor* base = d->color(0.8f, 0.4f, 0.4f);
+  OrvColor *lit = 0, *shaded = 0, *pressed = 0;
+  OrvComputeReliefColors(base, lit, shaded, pressed);
+  ASSERT_TRUE(lit && shaded && pressed);
+  float h, s, v;
+  OrvRGBToHSV(lit->red, lit->green, lit->blue, h, s, v);
+  EXPECT_NEAR(v, 1.0f, 1e-4);
+  EXPECT_NEAR(s, 0.5f * 0.7f, 1e-3);
+  EXPECT_NEAR(h, 0.0f, 1e-3);
+  OrvRGBToHSV(shaded->red, shaded->green, shaded->blue, h, s, v);
+  EXPECT_NEAR(v, 0.8f * 0.7142857f, 1e-3);
+  EXPECT_NEAR(s, 0.5f, 1e-3);
+  OrvRGBToHSV(pressed->red, pressed->green, pressed->blue, h, s, v);
+  EXPECT_NEAR(v, 0.8f * 0.8695652f, 1e-3);
+  // A dark base brightens the lit edge by 1.6 and saturates the shaded one.
+  OrvColor* dark = d->color(0.0f, 0.2f, 0.4f);
+  OrvComputeReliefColors(dark, lit, shaded, pressed);
+  OrvRGBToHSV(lit->red, lit->green, lit->blue, h, s, v);
+  EXPECT_NEAR(v, 0.64f, 1e-3);
+  EXPECT_NEAR(s, 1.0f, 1e-3);
+  OrvRGBToHSV(shaded->red, shaded->green, shaded->blue, h, s, v);
+  EXPECT_NEAR(v, 0.25f, 1e-3);
+  EXPECT_NEAR(s, 1.0f, 1e-3) << "saturation times 1.42 is capped at 1";
+  EXPECT_EQ(d->color(lit->red, lit->green, lit->blue), lit) << "shades come from the colour table";
+}
+
 TEST_P(Resources, ColoursByNameValueAndAlias) {
   OrvColor* red = d->color("red");
   ASSERT_NE(red, nullptr);

@@ -5,6 +5,7 @@
 
 #include "orv/canvas.h"
 #include "orv/director.h"
+#include "orv/region.h"
 #include "orv/resource.h"
 
 // Xlib after the library headers: its macros (Above, Below, None) would break them.
@@ -109,6 +110,18 @@ OrvColor* OrvDirector::colorHSV(float h, float s, float v, unsigned long flag) {
   float r, g, b;
   OrvHSVToRGB(h, s, v, r, g, b);
   return color(r, g, b, flag);
+}
+
+void OrvComputeReliefColors(const OrvColor* base, OrvColor*& first, OrvColor*& second,
+                            OrvColor*& third) {
+  OrvReliefShades shades;
+  OrvComputeReliefShades(base->red, base->green, base->blue, shades);
+  OrvDirector* d = base->director;
+  OrvColor** out[3] = {&first, &second, &third};
+  for (int i = 0; i < 3; i++) {
+    OrvColor* c = d->colorHSV(shades.h, shades.s[i], shades.v[i], 0);
+    *out[i] = c ? c : d->defaultForeground;
+  }
 }
 
 OrvColor* OrvDirector::colorHLS(float h, float l, float s, unsigned long flag) {
