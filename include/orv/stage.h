@@ -1,0 +1,158 @@
+// OrvStage: a window that shows 2D actors in numbered layers and repaints
+// what changed, once per outermost nest of beginDrawing/flushDrawing.
+#ifndef ORV_STAGE_H
+#define ORV_STAGE_H
+
+#include <orv/base.h>
+#include <orv/geometry.h>
+#include <orv/region.h>
+#include <orv/view.h>
+
+#include <iosfwd>
+
+class OrvActor;
+class OrvStageLayer;
+class OrvAccelerator;
+class OrvProducer;
+class OrvCallback;
+class OrvExitCallback;
+class OrvBitmap;
+class OrvCanvas;
+class OrvMakeUp;
+class OrvStage;
+
+// Observer of a stage's drawing cycle and contents. Every default does
+// nothing; a hook whose deletedByStage() is true dies with its stage.
+class OrvStageHook {
+public:
+  OrvStage* stage;
+
+  OrvStageHook();
+  virtual ~OrvStageHook();
+  virtual void beforeDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
+  virtual void afterDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
+  virtual void producer(OrvProducer* newProducer, OrvProducer* oldProducer);
+  virtual void transformer(const Orv2dMatrix* newMatrix, const Orv2dMatrix* oldMatrix);
+  virtual void contents();
+  virtual void stageResized();
+  virtual void afterCopy(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
+  virtual void invalidateActorCall(const OrvActor*);
+  virtual unsigned long deletedByStage() const;
+};
+
+// Dots at regular steps in stage coordinates, drawn under the layers.
+class OrvStageGrid {
+public:
+  OrvMakeUp* makeUp;
+  Orv2dPoint origin;
+  unsigned long spacingX, spacingY;
+  unsigned long everyX, everyY;
+  unsigned long active;
+  unsigned long snapping;
+
+  OrvStageGrid(OrvMakeUp*, const Orv2dPoint& origin, unsigned long spacingX,
+               unsigned long spacingY, unsigned long snapping, unsigned long active,
+               unsigned long everyX, unsigned long everyY);
+  virtual ~OrvStageGrid();
+  virtual Orv2dPoint snap(const Orv2dPoint&);
+  virtual void draw(OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion&);
+};
+
+// Switches of the drawing cycle: hooks are told only while both are set.
+extern unsigned int OrvAllowCallContentsChanged;
+extern unsigned int OrvAllowHooksUpdated;
+
+class OrvStage : public OrvView {
+public:
+  OrvList layers;          // OrvStageLayer*, drawn in list order
+  OrvList selections;      // OrvActor*, in order of selection
+  Orv2dRegion invalidated; // what the flush of the outermost nest repaints
+  unsigned int nesting;
+  Orv2dMatrix* transformer; // null means identity; owned
+  OrvList accelerators;
+  OrvProducer* producer;
+  OrvList producers;
+  OrvActor* pressedActor;
+  OrvKey* fromKey;
+  OrvKey* toKey;
+  OrvActor* pointerActor;
+  OrvActor* focusActor;
+  OrvActor* highlightedActor;
+  unsigned long focusEnabled;
+  unsigned long highlightEnabled;
+  OrvActor* grabActor;
+  unsigned long resizeContents;
+  OrvAList callbacks;
+  OrvList hooks;           // OrvStageHook*
+  OrvStageGrid* grid;      // owned
+  unsigned long destroying;
+  OrvExitCallback* exitCallback;
+
+  // Drawing cycle
+  OrvStage(OrvDirector*, const Orv2dRect&, const char* title, unsigned int style,
+           unsigned long visible);
+  OrvStage(OrvView* parent, const Orv2dRect&, unsigned long visible);
+  OrvStage(OrvDirector*, void* parentWindow, const Orv2dRect&, unsigned long visible);
+  OrvStage(OrvDirector*, void* window);
+  ~OrvStage() override;
+
+  const char* className() const override;
+  void handleExpose(const Orv2dRegion*) override;
+  void handleInput(const OrvEvent&) override;
+  void handleResize(const Orv2dRect& oldRect, const Orv2dRect& newRect) override;
+
+  virtual void drawAll(const Orv2dRegion*, unsigned long erase);
+  virtual void draw(OrvActor*, unsigned long erase);
+  virtual void fitToContents();
+  virtual void applyResize(float fx, float fy);
+  virtual OrvActor* getFocus() const;
+  virtual void setFocus(OrvActor*);
+  virtual void drawFocus(OrvCanvas*, const Orv2dMatrix*);
+
+  void beginDrawing();
+  void flushDrawing(unsigned long erase);
+  void abortDrawing();
+  void invalidate(const OrvActor*, unsigned long withLinks);
+  void invalidate(const Orv2dRect&);
+  void invalidate(const Orv2dRegion&);
+  void useDoubleBuffer(unsigned long on);
+  OrvBitmap* hasDoubleBuffer() const;
+  void bufferedDraw(const Orv2dRect&);
+  void bufferedDraw(const Orv2dRegion&);
+  void bufferedDraw(OrvBitmap* target, const Orv2dPoint& at);
+
+  void addTransformer(const Orv2dMatrix&);
+  void toStage(const Orv2dMatrix*);
+  const Orv2dMatrix* toStage() const;
+  void translate(long dx, long dy);
+  void zoom(const Orv2dPoint&, float sx, float sy);
+  void fitTransformerToContents();
+  Orv2dRect contentsBBox(const Orv2dMatrix*) const;
+  Orv2dRect bboxSelections(const Orv2dMatrix*) const;
+  unsigned long clean(OrvActor*, unsigned long deleteIt);
+  void empty(unsigned long deleteActors);
+
+  void install(OrvStageHook*);
+  void remove(OrvStageHook*);
+  void setGrid(OrvStageGrid*);
+  Orv2dPoint snapToGrid(const Orv2dPoint&) const;
+
+  void beforeDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
+  void afterDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
+  void afterCopy(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
+  void producerChanged(OrvProducer* newProducer, OrvProducer* oldProducer);
+  void transformerChanged(const Orv2dMatrix* newMatrix, const Orv2dMatrix* oldMatrix);
+  void stageResized();
+  void invalidateActorCall(const OrvActor*);
+  void contentsChanged();
+
+  // Layers and membership
+
+private:
+  void init();
+  void collapseInvalidated();
+  void paintContents(OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
+  void transformerReplaced(const Orv2dMatrix* oldMatrix);
+};
+
+#endif
