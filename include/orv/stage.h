@@ -20,6 +20,8 @@ class OrvBitmap;
 class OrvCanvas;
 class OrvMakeUp;
 class OrvStage;
+class OrvScene;
+class OrvTheater;
 
 // Observer of a stage's drawing cycle and contents. Every default does
 // nothing; a hook whose deletedByStage() is true dies with its stage.
@@ -98,7 +100,6 @@ public:
 
   const char* className() const override;
   void handleExpose(const Orv2dRegion*) override;
-  void handleInput(const OrvEvent&) override;
   void handleResize(const Orv2dRect& oldRect, const Orv2dRect& newRect) override;
 
   virtual void drawAll(const Orv2dRegion*, unsigned long erase);
@@ -106,7 +107,6 @@ public:
   virtual void fitToContents();
   virtual void applyResize(float fx, float fy);
   virtual OrvActor* getFocus() const;
-  virtual void setFocus(OrvActor*);
   virtual void drawFocus(OrvCanvas*, const Orv2dMatrix*);
 
   void beginDrawing();
@@ -120,6 +120,8 @@ public:
   void bufferedDraw(const Orv2dRect&);
   void bufferedDraw(const Orv2dRegion&);
   void bufferedDraw(OrvBitmap* target, const Orv2dPoint& at);
+  // Grid, visible layers and focus on a canvas, as every repaint paints them.
+  void paintLayers(OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
 
   void addTransformer(const Orv2dMatrix&);
   void toStage(const Orv2dMatrix*);
@@ -151,7 +153,6 @@ public:
 private:
   void init();
   void collapseInvalidated();
-  void paintContents(OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*);
   void transformerReplaced(const Orv2dMatrix* oldMatrix);
 };
 
