@@ -150,6 +150,45 @@ public:
 
   // Layers and membership
 
+  // Event routing
+  void handleInput(const OrvEvent& event) override;
+  void handleQuit() override;
+  virtual void setFocus(OrvActor* actor);
+  virtual void moveFocusAfter();
+  virtual void moveFocusBefore();
+  virtual void callCallback(OrvActor* actor) const;
+  virtual void cut();
+  virtual void copy();
+  virtual void paste(const Orv2dPoint& where, unsigned long select);
+  virtual int dispatchToAccelerators(const OrvEvent& event);
+  virtual int dispatchToActors(const OrvEvent& event);
+  virtual OrvActor* getHighlighted() const;
+  virtual void setHighlighted(const Orv2dPoint& point, OrvActor* actor);
+  // For a stage with focus handling off and no focus actor.
+  int nofocusDispatch(const OrvEvent& event);
+  void sendFocusIn(OrvActor* actor);
+  void sendFocusOut(OrvActor* actor);
+  void add(OrvAccelerator* accelerator);
+  unsigned long remove(OrvAccelerator* accelerator);
+  void removeAccelerators(unsigned long deleteThem);
+  // A key or modifiers of 0 matches anything.
+  void deleteAccelerators(OrvEventType type, unsigned short key, unsigned short modifiers);
+  // The default table: zoom, scroll, select, delete, cut, copy, paste...
+  void installAccelerators(unsigned long readOnly);
+  // Counted; a later registration under a name shadows the earlier one.
+  void registerCallback(const char* name, OrvCallback* callback);
+  OrvCallback* getCallback(const char* name) const;
+  void removeCallback(const char* name);
+  void onExit(OrvExitCallback* callback);
+  void setProducer(OrvProducer* producer);
+  // Like setProducer, without init() and without telling the hooks.
+  void pushProducer(OrvProducer* producer);
+  void remove(OrvProducer* producer);
+  OrvProducer* getProducer() const;
+  // Drops callbacks, the exit callback and accelerators; the destructor's share.
+  void releaseInput();
+
+
 private:
   void init();
   void collapseInvalidated();
