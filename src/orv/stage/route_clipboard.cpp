@@ -8,7 +8,12 @@
 #include "orv/actor.h"
 #include "orv/director.h"
 #include "orv/stage.h"
+#if __has_include("orv/stream.h")
 #include "orv/stream.h"
+#define ORV_HAVE_STREAM 1
+#else
+#define ORV_HAVE_STREAM 0
+#endif
 
 // The selections as persistent text; empty without a selection.
 static std::string OrvSelectionsText(OrvStage* stage) {
@@ -16,8 +21,10 @@ static std::string OrvSelectionsText(OrvStage* stage) {
     OrvActor** selected = stage->selections(count);
     if (!selected) return std::string();
     std::ostringstream text;
+#if ORV_HAVE_STREAM
     OrvOStream out(text);
     out.write(count, selected, 1);
+#endif
     free(selected);
     return text.str();
 }
@@ -58,10 +65,14 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     deSelect();
     if (privateNest) abortDrawing();
 
+    unsigned count = 0;
+#if ORV_HAVE_STREAM
     std::istringstream in(text);
     OrvIStream reader(director, in);
-    unsigned count = 0;
     OrvActor** actors = reader.read(count, 1);
+#else
+    OrvActor** actors = 0;
+#endif
     if (!actors || !count) {
         drawAll(nullptr, 1);
         return;
