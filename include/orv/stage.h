@@ -67,7 +67,7 @@ extern unsigned int OrvAllowHooksUpdated;
 class OrvStage : public OrvView {
 public:
   OrvList layers;          // OrvStageLayer*, drawn in list order
-  OrvList selections;      // OrvActor*, in order of selection
+  OrvList selectionList;   // OrvActor*, in order of selection (selections() copies it)
   Orv2dRegion invalidated; // what the flush of the outermost nest repaints
   unsigned int nesting;
   Orv2dMatrix* transformer; // null means identity; owned
@@ -149,6 +149,33 @@ public:
   void contentsChanged();
 
   // Layers and membership
+  // The layer numbered n; with create, the missing layers up to n are made.
+  OrvStageLayer* layer(unsigned int n, unsigned long create = 0) const;
+  OrvStageLayer* getLayer(const OrvActor* actor) const;
+  void append(OrvActor* actor, unsigned int layer = 0);
+  void insert(OrvActor* actor, unsigned int layer = 0);
+  void remove(OrvActor* actor, unsigned long deleteIt);
+  void remove(OrvActor** actors, unsigned int n, unsigned long deleteIt);
+  unsigned long pop(OrvActor* actor);
+  unsigned long push(OrvActor* actor);
+  unsigned long makeLayer(OrvActor* actor, unsigned short n);
+  unsigned long isVisible(const OrvActor* actor) const;
+  // Hit test from the highest layer down; a null matrix means the transformer.
+  OrvActor* contains(const Orv2dPoint& point, const Orv2dMatrix* matrix = 0,
+                     unsigned long withRole = 0, const char* type = 0) const;
+  OrvActor* containsDragger(const Orv2dPoint& point, const Orv2dMatrix* matrix = 0,
+                            unsigned long withRole = 0, const char* type = 0) const;
+  void apply(void (*function)(OrvActor*, void*), void* data);
+  void applyToSelections(void (*function)(OrvActor*, void*), void* data);
+  void makeSelected(OrvActor* actor);
+  void deSelect();
+  OrvActor* selection(unsigned int n) const;
+  // New arrays with room for count+1 pointers, null when empty; the caller frees them.
+  OrvActor** selections(unsigned int& count) const;
+  OrvActor** objects(unsigned int& count) const;
+  OrvActor* object(const char* name) const;
+  unsigned int cardinal() const;
+  unsigned long isLink(const OrvActor* actor) const;
 
   // Event routing
   void handleInput(const OrvEvent& event) override;
@@ -187,7 +214,6 @@ public:
   OrvProducer* getProducer() const;
   // Drops callbacks, the exit callback and accelerators; the destructor's share.
   void releaseInput();
-
 
 private:
   void init();
