@@ -211,6 +211,7 @@ public:
     // 6. copying and identity of the class
     virtual OrvActor* copy() const;
     virtual OrvClassInfo* classInfo() const;
+    virtual void write(OrvOStream& stream) const;
     virtual Orv2dPoint beforeMappingBalloon(const Orv2dPoint& point);
 
     // 7. 2D geometry, focus and handles; all answer in the transformed space

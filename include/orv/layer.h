@@ -153,10 +153,13 @@ public:
 
     OrvIndexedSet(OrvDirector* director, unsigned short max = 0, OrvMakeUp* makeUp = 0);
     OrvIndexedSet(const OrvIndexedSet& source);
+    explicit OrvIndexedSet(OrvIStream& stream);
     ~OrvIndexedSet() override;
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     void map(OrvActorFunction function, void* data) override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;

@@ -26,9 +26,12 @@ public:
     OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0,
                  unsigned short radius = 0);
     OrvRectangle(const OrvRectangle& source);
+    explicit OrvRectangle(OrvIStream& stream);
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -52,9 +55,12 @@ public:
     OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0,
                        unsigned short radius = 0);
     OrvFilledRectangle(const OrvFilledRectangle& source);
+    explicit OrvFilledRectangle(OrvIStream& stream);
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     unsigned long isFilled() const override { return 1; }
 
     static OrvClassInfo* _classInfo;
@@ -70,9 +76,12 @@ public:
 
     OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = 0);
     OrvLine(const OrvLine& source);
+    explicit OrvLine(OrvIStream& stream);
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -93,9 +102,12 @@ public:
     OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = 0,
                  unsigned long arrows = OrvArrowAtEnd);
     OrvArrowLine(const OrvArrowLine& source);
+    explicit OrvArrowLine(OrvIStream& stream);
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
@@ -118,10 +130,13 @@ public:
 
     Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points, OrvMakeUp* makeUp = 0);
     Orv2dPolyline(const Orv2dPolyline& source);
+    explicit Orv2dPolyline(OrvIStream& stream);
     ~Orv2dPolyline() override;
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -150,9 +165,12 @@ public:
     Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points, unsigned long filled = 0,
                  OrvMakeUp* makeUp = 0);
     Orv2dPolygon(const Orv2dPolygon& source);
+    explicit Orv2dPolygon(OrvIStream& stream);
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
 
@@ -171,9 +189,12 @@ public:
 
     OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0);
     OrvEllipse(const OrvEllipse& source);
+    explicit OrvEllipse(OrvIStream& stream);
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -192,9 +213,12 @@ class OrvFilledEllipse : public OrvEllipse {
 public:
     OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0);
     OrvFilledEllipse(const OrvFilledEllipse& source);
+    explicit OrvFilledEllipse(OrvIStream& stream);
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     unsigned long isFilled() const override { return 1; }
 
     static OrvClassInfo* _classInfo;
@@ -209,9 +233,12 @@ public:
     OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end, unsigned long filled = 0,
            OrvMakeUp* makeUp = 0);
     OrvArc(const OrvArc& source);
+    explicit OrvArc(OrvIStream& stream);
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     unsigned long isFilled() const override { return filled; }
     float startAngle() const override { return start; }
     float endAngle() const override { return end; }
@@ -237,10 +264,13 @@ public:
     OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment = OrvLeft,
              OrvMakeUp* makeUp = 0);
     OrvLabel(const OrvLabel& source);
+    explicit OrvLabel(OrvIStream& stream);
     ~OrvLabel() override;
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -265,10 +295,13 @@ public:
 
     OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point, OrvMakeUp* makeUp = 0);
     OrvIcon(const OrvIcon& source);
+    explicit OrvIcon(OrvIStream& stream);
     ~OrvIcon() override;
 
     OrvActor* copy() const override;
     OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;

@@ -105,6 +105,12 @@ public:
   virtual void drawAll(const Orv2dRegion*, unsigned long erase);
   virtual void draw(OrvActor*, unsigned long erase);
   virtual void fitToContents();
+  // The stage's actors in the text format, and back; reading appends the
+  // actors read, in `layer` unless it is -1, and gives the saved size.
+  virtual void save(std::ostream& out);
+  virtual void save(const char* file);
+  virtual unsigned long read(const char* file, Orv2dRect& size, int layer);
+  virtual unsigned long read(std::istream& in, Orv2dRect& size, int layer);
   virtual void applyResize(float fx, float fy);
   virtual OrvActor* getFocus() const;
   virtual void drawFocus(OrvCanvas*, const Orv2dMatrix*);

@@ -8,7 +8,7 @@
 #include "orv/role.h"
 #include "orv/stage.h"
 
-ORV_DEFINE_CLASS_INIT(OrvActor, "Root", 0)
+ORV_DEFINE_CLASS_INIT(OrvActor, "Root", OrvActor::read)
 
 OrvKey* OrvActor::_inVirtualStage = 0;
 Orv2dDragger OrvActor::_default2dDragger;

@@ -3,7 +3,7 @@
 #include "orv/canvas.h"
 #include "orv/layer.h"
 
-ORV_DEFINE_CLASS_INIT(OrvIndexedSet, "OrvActor", 0)
+ORV_DEFINE_CLASS_INIT(OrvIndexedSet, "OrvActor", OrvIndexedSet::read)
 
 OrvIndexedSet::OrvIndexedSet(OrvDirector* director, unsigned short max, OrvMakeUp* m)
     : OrvActor(director, m), quadtree(new OrvQuadtree(max ? max : OrvDefaultQuadtreeMax, 0)) {}

@@ -6,9 +6,9 @@
 #include "orv/shapes.h"
 #include "shapes_geometry.h"
 
-ORV_DEFINE_CLASS_INIT(OrvEllipse, "OrvActor", 0)
-ORV_DEFINE_CLASS_INIT(OrvFilledEllipse, "OrvEllipse", 0)
-ORV_DEFINE_CLASS_INIT(OrvArc, "OrvEllipse", 0)
+ORV_DEFINE_CLASS_INIT(OrvEllipse, "OrvActor", OrvEllipse::read)
+ORV_DEFINE_CLASS_INIT(OrvFilledEllipse, "OrvEllipse", OrvFilledEllipse::read)
+ORV_DEFINE_CLASS_INIT(OrvArc, "OrvEllipse", OrvArc::read)
 
 OrvEllipse::OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp)
     : OrvActor(director, makeUp), rect(rect) {}

@@ -7,7 +7,7 @@
 #include "orv/shapes.h"
 #include "shapes_geometry.h"
 
-ORV_DEFINE_CLASS_INIT(OrvIcon, "OrvActor", 0)
+ORV_DEFINE_CLASS_INIT(OrvIcon, "OrvActor", OrvIcon::read)
 
 // The bit order in which the server hands out one-bit images, found once by
 // writing a known pixel and reading it back: 1 for least significant first.

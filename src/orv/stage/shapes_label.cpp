@@ -8,7 +8,7 @@
 #include "orv/shapes.h"
 #include "shapes_geometry.h"
 
-ORV_DEFINE_CLASS_INIT(OrvLabel, "OrvActor", 0)
+ORV_DEFINE_CLASS_INIT(OrvLabel, "OrvActor", OrvLabel::read)
 
 static char* copyText(const char* text) {
     if (!text) text = "";

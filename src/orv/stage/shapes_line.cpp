@@ -4,8 +4,8 @@
 #include "orv/shapes.h"
 #include "shapes_geometry.h"
 
-ORV_DEFINE_CLASS_INIT(OrvLine, "OrvActor", 0)
-ORV_DEFINE_CLASS_INIT(OrvArrowLine, "OrvLine", 0)
+ORV_DEFINE_CLASS_INIT(OrvLine, "OrvActor", OrvLine::read)
+ORV_DEFINE_CLASS_INIT(OrvArrowLine, "OrvLine", OrvArrowLine::read)
 
 OrvLine::OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp)
     : OrvActor(director, makeUp), from(from), to(to) {}

@@ -8,8 +8,8 @@
 #include "orv/shapes.h"
 #include "shapes_geometry.h"
 
-ORV_DEFINE_CLASS_INIT(Orv2dPolyline, "OrvActor", 0)
-ORV_DEFINE_CLASS_INIT(Orv2dPolygon, "Orv2dPolyline", 0)
+ORV_DEFINE_CLASS_INIT(Orv2dPolyline, "OrvActor", Orv2dPolyline::read)
+ORV_DEFINE_CLASS_INIT(Orv2dPolygon, "Orv2dPolyline", Orv2dPolygon::read)
 
 static Orv2dPoint* copyPoints(unsigned int n, const Orv2dPoint* source) {
     Orv2dPoint* points = (Orv2dPoint*)malloc((n ? n : 1) * sizeof(Orv2dPoint));

@@ -6,8 +6,8 @@
 #include "orv/shapes.h"
 #include "shapes_geometry.h"
 
-ORV_DEFINE_CLASS_INIT(OrvRectangle, "OrvActor", 0)
-ORV_DEFINE_CLASS_INIT(OrvFilledRectangle, "OrvRectangle", 0)
+ORV_DEFINE_CLASS_INIT(OrvRectangle, "OrvActor", OrvRectangle::read)
+ORV_DEFINE_CLASS_INIT(OrvFilledRectangle, "OrvRectangle", OrvFilledRectangle::read)
 
 OrvRectangle::OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp, unsigned short radius)
     : OrvActor(director, makeUp), rect(rect), radius(radius) {}
