@@ -193,3 +193,19 @@ TEST(OrvKey, InternedByName) {
     EXPECT_EQ(OrvGetKey("orv-test-kye", 0), nullptr);
     EXPECT_EQ(OrvGetKey(nullptr, 1), nullptr);
 }
+
+TEST(OrvHashTable, ZeroBucketsTrap) {
+    // A programming error, not a reported failure: the modulo by zero traps.
+    EXPECT_DEATH(
+        {
+            OrvHashTable table(0);
+            table.put(P(0), P(1));
+        },
+        "");
+    EXPECT_DEATH(
+        {
+            OrvStringHashTable table(0);
+            table.get("x");
+        },
+        "");
+}

@@ -1,0 +1,34 @@
+// The director's GL root context, whose display lists every GL view shares.
+#include <GL/gl.h>
+#include <GL/glx.h>
+#include <X11/Xlib.h>
+
+#include "orv/director.h"
+
+const int* OrvDirector::get3dRendererConfig() const {
+  static const int config[] = {GLX_RGBA, GLX_DOUBLEBUFFER, GLX_RED_SIZE, 1, GLX_GREEN_SIZE, 1,
+                               GLX_BLUE_SIZE, 1, GLX_DEPTH_SIZE, 1, 0};
+  return config;
+}
+
+void OrvDirector::initContext() {
+  Display* dpy = (Display*)display;
+  XVisualInfo* vi = glXChooseVisual(dpy, DefaultScreen(dpy), const_cast<int*>(get3dRendererConfig()));
+  if (!vi) {
+    OrvPrint("OrvDirector::initContext : Can't find a visual.\n");
+    rootContext = 0;
+    return;
+  }
+  rootContext = glXCreateContext(dpy, vi, 0, True);
+  XFree(vi);
+}
+
+void OrvDirector::closeContext() {
+  if (!rootContext) return;
+  Display* dpy = (Display*)display;
+  // The marker lists live in the share group and go with its last context.
+  markerLists = 0;
+  glXDestroyContext(dpy, (GLXContext)rootContext);
+  glXMakeCurrent(dpy, None, 0);
+  rootContext = 0;
+}
