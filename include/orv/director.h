@@ -8,6 +8,7 @@
 #include "orv/base.h"
 #include "orv/geometry.h"
 #include "orv/event.h"
+#include "orv/makeup.h"
 
 class OrvCanvas;
 class OrvView;
@@ -43,14 +44,14 @@ public:
   OrvStringHashTable* vfonts;
   OrvMakeUpHashTable* makeUps;
   OrvTextureHashTable* textures;
-  OrvAList colorNames;
+  OrvAList colorNames;         // further names of colours: name, colour
   OrvList* bitmaps;
   OrvList* cursors;
   OrvList* patterns;
   OrvList* lineStyles;
   OrvList* environments;
   OrvMakeUp* defaultMakeUp;
-  OrvMakeUp* wideMakeUp;
+  OrvMakeUp* wideMakeUp;       // the default make-up with line width 4
   OrvRasterFont* defaultFont;
   OrvVectorialFont* defaultVectorialFont;
   OrvColor* defaultBackground;
@@ -64,13 +65,95 @@ public:
   OrvTotalMakeUp* tmpMakeUpObject;
   void* tmpTextureObject;
   OrvEnvironment* defaultEnvironment;
+  OrvMakeUp* balloonMakeUp;    // the default make-up on "wheat" in Helvetica 10
+  unsigned long makeUpLookups, makeUpCreations;
 
-  // Makes the tables above and the default resources (called by init()).
+  // Makes the default resources (called by init()).
   void initResources();
   // Creates the empty tables (called by initSlots()).
   void initResourceSlots();
   // Releases every table and what lies in it; only after close() began.
   void closeResources();
+
+  // Colours: by name ("#RGB", "#RRGGBB", "#RRRRGGGGBBBB" or an X name), by value, by HSV or HLS.
+  virtual OrvColor* color(const char* name, unsigned long flag = 0);
+  virtual OrvColor* color(float r, float g, float b, unsigned long flag = 0);
+  virtual OrvColor* colorHSV(float h, float s, float v, unsigned long flag = 0);
+  virtual OrvColor* colorHLS(float h, float l, float s, unsigned long flag = 0);
+  // Raster fonts: "%family-size-BIU[-foundry]" or an X font name.
+  virtual OrvRasterFont* font(const char* name);
+  virtual OrvRasterFont* systemFont(const char* name);
+  virtual OrvRasterFont* font(const char* family, unsigned short size, OrvFontStyle style,
+                              const char* foundry = 0);
+  virtual OrvPattern* pattern(const char* name) const;
+  virtual OrvPattern* pattern(const char* name, unsigned long width, unsigned long height,
+                              const unsigned char* data);
+  virtual OrvCursor* cursor(const char* name);
+  virtual OrvMakeUp* makeUp(OrvColor* background, OrvColor* foreground, OrvLineStyle* lineStyle,
+                            unsigned short lineWidth, OrvPattern* pattern, OrvRasterFont* font,
+                            OrvBitmap* colorPattern, OrvFillStyle fillStyle, OrvArcMode arcMode,
+                            OrvFillRule fillRule, OrvVectorialFont* vfont, unsigned long distinguish,
+                            unsigned long smooth, OrvCullingMode cull, OrvFaceStyle frontStyle,
+                            OrvFaceStyle backStyle, OrvMarkerType markerType,
+                            unsigned short markerScale, OrvTexture* texture);
+  virtual OrvMakeUp* makeUpBackground(const OrvMakeUp* base, OrvColor* color);
+  virtual OrvMakeUp* makeUpForeground(const OrvMakeUp* base, OrvColor* color);
+  virtual OrvMakeUp* makeUpPattern(const OrvMakeUp* base, OrvPattern* pattern);
+  virtual OrvMakeUp* makeUpLineStyle(const OrvMakeUp* base, OrvLineStyle* lineStyle);
+  virtual OrvMakeUp* makeUpLineWidth(const OrvMakeUp* base, unsigned short width);
+  virtual OrvMakeUp* makeUpFont(const OrvMakeUp* base, OrvRasterFont* font);
+  virtual OrvMakeUp* makeUpColorPattern(const OrvMakeUp* base, OrvBitmap* colorPattern);
+  virtual OrvMakeUp* makeUpFillStyle(const OrvMakeUp* base, OrvFillStyle fillStyle);
+  virtual OrvMakeUp* makeUpArcMode(const OrvMakeUp* base, OrvArcMode arcMode);
+  virtual OrvMakeUp* makeUpFillRule(const OrvMakeUp* base, OrvFillRule fillRule);
+  virtual OrvMakeUp* makeUpSmooth(const OrvMakeUp* base, unsigned long smooth);
+  virtual OrvMakeUp* makeUpDistinguish(const OrvMakeUp* base, unsigned long distinguish);
+  virtual OrvMakeUp* makeUpCull(const OrvMakeUp* base, OrvCullingMode cull);
+  virtual OrvMakeUp* makeUpFrontStyle(const OrvMakeUp* base, OrvFaceStyle style);
+  virtual OrvMakeUp* makeUpBackStyle(const OrvMakeUp* base, OrvFaceStyle style);
+  virtual OrvMakeUp* makeUpMarkerType(const OrvMakeUp* base, OrvMarkerType type);
+  virtual OrvMakeUp* makeUpMarkerScale(const OrvMakeUp* base, unsigned short scale);
+  virtual OrvMakeUp* makeUpVectorialFont(const OrvMakeUp* base, OrvVectorialFont* vfont);
+  virtual OrvMakeUp* makeUpTexture(const OrvMakeUp* base, OrvTexture* texture);
+  virtual OrvLineStyle* lineStyle(unsigned short count, const unsigned char* dashes,
+                                  unsigned short offset = 0, unsigned short pattern = 0xFFFF);
+  virtual OrvLineStyle* lineStyle(const char* name) const;
+  virtual OrvCursor* positionToCursor(OrvPosition position);
+  virtual OrvBitmap* bitmap(const char* name) const;
+  virtual OrvBitmap* readBitmap(const OrvCanvas* canvas, const char* file);
+  virtual OrvBitmap* readAsciiBitmap(const OrvCanvas* canvas, const char* file);
+
+  OrvColor* nearestColor(unsigned short r, unsigned short g, unsigned short b, unsigned* distance) const;
+  void addColorName(OrvColor* color, const char* name);
+  void removeColorNames(OrvColor* color);
+  void remove(OrvColor* color);
+  void colorTable(unsigned short* r, unsigned short* g, unsigned short* b, const OrvCanvas* canvas) const;
+  void indexToRGB(unsigned pixel, float& r, float& g, float& b) const;
+  unsigned long numberOfColors() const;
+  // Puts a font in the table and realises it, loading the X font `loadName`.
+  int addFont(OrvRasterFont* font, const char* loadName = 0);
+  const int* fontSizes(const char* family, OrvFontStyle style, int& count, const char* foundry = 0) const;
+
+  OrvMakeUp* copyMakeUp(const OrvMakeUp* base);
+  OrvMakeUp* tmpMakeUp();
+  void addMakeUp(OrvMakeUp* makeUp);
+  void remove(OrvMakeUp* makeUp);
+  // Plain X graphic contexts of depth 1 and 8 for a canvas, made at first use.
+  unsigned long defaultDepth1MakeUp(const OrvCanvas* canvas);
+  unsigned long defaultDepth8MakeUp(const OrvCanvas* canvas);
+  // The shared off-screen bitmap, at least width by height.
+  OrvBitmap* screenBuffer(unsigned long width, unsigned long height);
+
+protected:
+  void initFonts();
+  void initColors();
+  void initPatterns();
+  void initLineStyles();
+  void initCursors();
+  OrvRasterFont* font(const char* family, unsigned short size, const char* resolution, OrvFontStyle style,
+                      const char* foundry);
+
+public:
   // ----- end of named resources and make-ups ------------------------------
 
   OrvList* timers;
