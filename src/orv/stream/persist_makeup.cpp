@@ -149,17 +149,18 @@ OrvIStream& OrvIStream::operator>>(OrvMakeUp*& m) {
     return *this;
   }
   if (!director) return *this;
-  OrvRasterFont* rasterFont = director->font(font);
+  // An empty name (a word of zero bytes) means the default, as a null does.
+  OrvRasterFont* rasterFont = font[0] ? director->font(font) : nullptr;
   OrvPattern* fillPattern = pattern[0] ? director->pattern(pattern) : nullptr;
   OrvBitmap* bitmap = nullptr;
   if (colorPattern[0]) {
     bitmap = director->bitmap(colorPattern);
     if (!bitmap) bitmap = director->readBitmap(director->rootCanvas, colorPattern);
   }
-  OrvLineStyle* style = director->lineStyle(lineStyle);
+  OrvLineStyle* style = lineStyle[0] ? director->lineStyle(lineStyle) : nullptr;
   // Vector fonts come with the 3D records; a 2D make-up keeps the default.
   OrvMakeUp* made = director->makeUp(background, foreground, style, (unsigned short)lineWidth, fillPattern, rasterFont,
-                                     bitmap, (OrvFillStyle)fillStyle, (OrvArcMode)arcMode, (OrvFillRule)fillRule, nullptr, distinguish,
+                                     bitmap, (OrvFillStyle)fillStyle, arcMode ? OrvArcChord : OrvArcPieSlice, (OrvFillRule)fillRule, nullptr, distinguish,
                                      smooth, (OrvCullingMode)cull, (OrvFaceStyle)frontStyle, (OrvFaceStyle)backStyle,
                                      (OrvMarkerType)markerType, (unsigned short)markerScale, nullptr);
   if (!made) return *this;
