@@ -29,6 +29,20 @@ using testing::internal::GetCapturedStdout;
 
 namespace {
 
+// The X server resets when its last client leaves, and a connection asked
+// for during the reset is refused: one connection is held for the whole run.
+class HoldDisplay : public ::testing::Environment {
+public:
+  Display* held = nullptr;
+  void SetUp() override {
+    if (getenv("DISPLAY")) held = XOpenDisplay(nullptr);
+  }
+  void TearDown() override {
+    if (held) XCloseDisplay(held);
+  }
+};
+::testing::Environment* const holdDisplay = ::testing::AddGlobalTestEnvironment(new HoldDisplay);
+
 std::string dataFile(const char* name) {
   const char* dir = getenv("ORV_TEST_DATA");
   return std::string(dir ? dir : "tests/data") + "/stream/" + name;

@@ -11,6 +11,8 @@
 #include <cstring>
 #include <iomanip>
 
+#include "scan.h"
+
 OrvIStream::OrvIStream(OrvDirector* d, std::istream& in)
     : director(d), stream(in), makeUps(), textures(), objects(nullptr), objectCount(0), defaultSize(),
       faults(0), objectCapacity(0) {
@@ -20,6 +22,41 @@ OrvIStream::OrvIStream(OrvDirector* d, std::istream& in)
 OrvIStream::~OrvIStream() {
   clean();
   delete[] objects;
+}
+
+// Values as the typed items hold them: members separated by blanks.
+template <class T>
+static bool scanValue(std::istream& in, T& value) {
+  return OrvScanNumber(in, value);
+}
+static bool scanValue(std::istream& in, Orv2dRect& r) {
+  int x, y;
+  unsigned w, h;
+  if (!OrvScanNumber(in, x) || !OrvScanNumber(in, y) || !OrvScanNumber(in, w) || !OrvScanNumber(in, h)) return false;
+  r = Orv2dRect(x, y, w, h);
+  return true;
+}
+static bool scanValue(std::istream& in, Orv2dPoint& p) {
+  int x, y;
+  if (!OrvScanNumber(in, x) || !OrvScanNumber(in, y)) return false;
+  p = Orv2dPoint(x, y);
+  return true;
+}
+static bool scanValue(std::istream& in, Orv3dRect& r) {
+  return OrvScanNumber(in, r.x) && OrvScanNumber(in, r.y) && OrvScanNumber(in, r.w) && OrvScanNumber(in, r.h);
+}
+static bool scanValue(std::istream& in, Orv3dPoint& p) {
+  return OrvScanNumber(in, p.x) && OrvScanNumber(in, p.y) && OrvScanNumber(in, p.z);
+}
+static bool scanValue(std::istream& in, Orv3dVector& v) {
+  return OrvScanNumber(in, v.x) && OrvScanNumber(in, v.y) && OrvScanNumber(in, v.z);
+}
+static bool scanValue(std::istream& in, Orv4dPoint& p) {
+  return OrvScanNumber(in, p.x) && OrvScanNumber(in, p.y) && OrvScanNumber(in, p.z) && OrvScanNumber(in, p.w);
+}
+static bool scanValue(std::istream& in, Orv3dVolume& v) {
+  return OrvScanNumber(in, v.x) && OrvScanNumber(in, v.y) && OrvScanNumber(in, v.z) && OrvScanNumber(in, v.w) &&
+         OrvScanNumber(in, v.h) && OrvScanNumber(in, v.d);
 }
 
 // Empties an association list: deleting the first item deletes the rest.
@@ -49,42 +86,41 @@ void OrvIStream::nextItem() {
   // Comments and separators may alternate any number of times; a loop keeps
   // a long run of them from deepening the stack.
   for (;;) {
-    int c = stream.peek();
+    int c = OrvScanPeek(stream);
     while (c == '%') {
       while (c != '\n' && c != std::char_traits<char>::eof()) {
-        stream.get();
-        c = stream.peek();
+        OrvScanGet(stream);
+        c = OrvScanPeek(stream);
       }
     }
     if (c != ' ' && c != '\t' && c != '\n') return;
     while (c == ' ' || c == '\t' || c == '\n') {
-      stream.get();
-      c = stream.peek();
+      OrvScanGet(stream);
+      c = OrvScanPeek(stream);
     }
     if (c != '%') return;
   }
 }
 
 void OrvIStream::word(char* buffer) {
-  buffer[0] = 0;
-  stream >> std::setw(1024) >> buffer;
+  OrvScanWord(stream, buffer, 1024);
 }
 
 unsigned long OrvIStream::header(unsigned long is2d) {
   char c = 0;
-  stream >> c;
+  OrvScanChar(stream, c);
   if (c != '%') OrvError("OrvIStream : header error\n");
   char text[1024];
   word(text);
   unsigned version = 0;
-  stream >> version;
+  OrvScanNumber(stream, version);
   // The rest of the first line: the date, which nobody reads.
   for (int i = 0; i < 1024; i++) {
-    int n = stream.peek();
+    int n = OrvScanPeek(stream);
     if (n == '\n' || n == std::char_traits<char>::eof()) break;
-    stream.get();
+    OrvScanGet(stream);
   }
-  for (int n = stream.peek(); n == ' ' || n == '\n'; n = stream.peek()) stream.get();
+  for (int n = OrvScanPeek(stream); n == ' ' || n == '\n'; n = OrvScanPeek(stream)) OrvScanGet(stream);
   word(text);
   nextItem();
   char dimension[1024];
@@ -119,9 +155,9 @@ OrvActor** OrvIStream::read(unsigned& count, unsigned long is2d) {
   if (is2d) {
     nextItem();
     word(text);
-    stream >> c;
+    OrvScanChar(stream, c);
     Orv2dRect size;
-    stream >> size;
+    scanValue(stream, size);
     if (c != '=') return (OrvActor**)(uintptr_t)OrvError("## OrvIStream : size error\n");
     if (strcmp(text, "defaultSize"))
       return (OrvActor**)(uintptr_t)OrvError("%s (%s %s)\n", "## OrvIStream : size error", "defaultSize", text);
@@ -130,9 +166,9 @@ OrvActor** OrvIStream::read(unsigned& count, unsigned long is2d) {
   nextItem();
   word(text);
   c = 0;
-  stream >> c;
+  OrvScanChar(stream, c);
   unsigned n = 0;
-  stream >> n;
+  OrvScanNumber(stream, n);
   if (c != '=') return (OrvActor**)(uintptr_t)OrvError("## OrvIStream : cardinal error\n");
   if (strcmp(text, "cardinal"))
     return (OrvActor**)(uintptr_t)OrvError("%s (%s %s)\n", "## OrvIStream : cardinal error", "cardinal", text);
@@ -177,12 +213,12 @@ OrvActor* OrvIStream::read() {
   nextItem();
   word(name);
   unsigned number = 0;
-  stream >> number;  // objects are known by their position, not by this
+  OrvScanNumber(stream, number);  // objects are known by their position, not by this
   OrvClassInfo* info = OrvGetClassInfo(name);
   if (!info) fault("OrvIStream : Class %s not found ...\n", name);
   nextItem();
   char c = 0;
-  stream >> c;
+  OrvScanChar(stream, c);
   if (c != '{') return (OrvActor*)(uintptr_t)fault("## OrvIStream: Bad separator.\n");
   if (!info || !info->readFunction) return nullptr;
   unsigned long before = faults;
@@ -190,7 +226,7 @@ OrvActor* OrvIStream::read() {
   if (!actor) return nullptr;
   nextItem();
   c = 0;
-  stream >> c;
+  OrvScanChar(stream, c);
   if (c != '}') {
     fault("OrvIStream : bad separator.\n");
     dropObject(actor);
@@ -207,7 +243,7 @@ OrvActor* OrvIStream::read() {
 
 OrvActor* OrvIStream::readIndex() {
   unsigned number = 0;
-  stream >> number;
+  OrvScanNumber(stream, number);
   if (!objects || number == 0 || number > objectCount) return nullptr;
   return objects[number - 1];
 }
@@ -233,7 +269,7 @@ int _OrvReadItem_(OrvIStream& in, char* buffer, const char* key, unsigned long& 
   in.word(buffer);
   if (strcmp(buffer, key)) return in.fault("%s (%s %s)\n", "OrvIStream: Definition error.", key, buffer);
   unsigned long v = 0;
-  if (!(in.stream >> v)) return 0;
+  if (!OrvScanNumber(in.stream, v)) return 0;
   value = v;
   return 1;
 }
@@ -243,7 +279,7 @@ int _OrvReadItem_(OrvIStream& in, char* buffer, const char* key, long& value) {
   in.word(buffer);
   if (strcmp(buffer, key)) return in.fault("%s (%s %s)\n", "OrvIStream: Definition error.", key, buffer);
   long v = 0;
-  if (!(in.stream >> v)) return 0;
+  if (!OrvScanNumber(in.stream, v)) return 0;
   value = v;
   return 1;
 }
@@ -274,7 +310,7 @@ static OrvIStream& readTyped(OrvIStream& in, const char* key, const char* messag
     return in;
   }
   T v{};
-  if (in.stream >> v) value = v;
+  if (scanValue(in.stream, v)) value = v;
   return in;
 }
 
@@ -310,7 +346,7 @@ OrvIStream& OrvIStream::operator>>(Orv3dMatrix& m) {
   }
   float values[16];
   for (int i = 0; i < 16; i++)
-    if (!(stream >> values[i])) return *this;
+    if (!OrvScanNumber(stream, values[i])) return *this;
   for (int i = 0; i < 16; i++) m.m[i] = values[i];
   return *this;
 }
@@ -343,5 +379,5 @@ void OrvIStream::readPosition(unsigned long& position) {
     return;
   }
   unsigned long v = 0;
-  if (stream >> v) position = v;
+  if (OrvScanNumber(stream, v)) position = v;
 }

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "line.h"
+
 static const char* const tabs = "\t\t\t\t\t\t\t\t\t\t";
 
 OrvOStream::OrvOStream(std::ostream& out)
@@ -33,15 +35,15 @@ const char* OrvOStream::indent() const {
 }
 
 std::ostream& OrvOStream::key(const char* name) {
-  stream << indent() << name << (strlen(name) < 8 ? "\t\t" : "\t");
+  _OrvLine_(stream).add(indent()).add(name).add(strlen(name) < 8 ? "\t\t" : "\t");
   return stream;
 }
 
 void OrvOStream::writeComments(const char* text, unsigned long line) {
   if (line)
-    stream << indent() << "% " << text << '\n';
+    _OrvLine_(stream).add(indent()).add("% ").add(text).add('\n');
   else
-    stream << "\t% " << text;
+    _OrvLine_(stream).add("\t% ").add(text);
 }
 
 void OrvOStream::header(unsigned long is2d) {
@@ -92,19 +94,20 @@ void OrvOStream::write(unsigned n, const OrvActor* const* actors, unsigned long 
 }
 
 void OrvOStream::write(const OrvActor* actor) {
-  stream << indent() << actor->className() << ' ';
+  const char* name = actor->className();
+  _OrvLine_(stream).add(indent()).add(name ? name : "").add(' ');
   writeIndex(actor);
-  stream << " {" << '\n';
+  _OrvLine_(stream).add(" {\n");
   indentation++;
   actor->write(*this);
   indentation--;
-  stream << indent() << '}' << '\n';
+  _OrvLine_(stream).add(indent()).add("}\n");
 }
 
 void OrvOStream::writeIndex(const OrvActor* actor) {
   uintptr_t number = 0;
   if (actor && numberKey) number = (uintptr_t)const_cast<OrvActor*>(actor)->getUserProperty(numberKey);
-  stream << ' ' << (unsigned long)number << ' ';
+  _OrvLine_(stream).add(' ').add((unsigned long)number).add(' ');
 }
 
 static unsigned long findIn(OrvHashTable*& table, unsigned& counter, unsigned& number, const void* object) {
@@ -129,54 +132,70 @@ unsigned long OrvOStream::find(unsigned& number, const OrvTexture* texture) {
 
 // Typed items.
 
+// Indentation, key, a tab: the start of every typed item.
+static _OrvLine_& start(_OrvLine_& line, const OrvOStream& out, const char* key) {
+  return line.add(out.indent()).add(key).add('\t');
+}
+
 OrvOStream& OrvOStream::operator<<(const Orv2dRect& r) {
-  stream << indent() << "rect2d\t" << r << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "rect2d").add((long)r.x).add(' ').add((long)r.y).add(' ').add((unsigned long)r.w);
+  line.add(' ').add((unsigned long)r.h).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(const Orv2dPoint& p) {
-  stream << indent() << "point2d\t" << p << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "point2d").add((long)p.x).add(' ').add((long)p.y).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(unsigned short v) {
-  stream << indent() << "usData\t" << v << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "usData").add((unsigned long)v).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(short v) {
-  stream << indent() << "sData\t" << v << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "sData").add((long)v).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(unsigned int v) {
-  stream << indent() << "uiData\t" << v << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "uiData").add((unsigned long)v).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(int v) {
-  stream << indent() << "iData\t" << v << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "iData").add((long)v).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(unsigned long v) {
-  stream << indent() << "ulData\t" << v << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "ulData").add(v).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(long v) {
-  stream << indent() << "lData\t" << v << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "lData").add(v).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(float v) {
-  stream << indent() << "fData\t" << v << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "fData").add((double)v).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(double v) {
-  stream << indent() << "dData\t" << v << '\n';
+  _OrvLine_ line(stream);
+  start(line, *this, "dData").add(v).add('\n');
   return *this;
 }
 OrvOStream& OrvOStream::operator<<(const char* label) {
-  stream << indent() << "label\t";
+  _OrvLine_(stream).add(indent()).add("label\t");
   OrvWriteString(stream, label);
-  stream << '\n';
+  _OrvLine_(stream).add('\n');
   return *this;
 }
 void OrvOStream::writePosition(unsigned long position) {
-  stream << indent() << "position " << position << '\n';
+  _OrvLine_(stream).add(indent()).add("position ").add(position).add('\n');
 }
 OrvOStream& OrvOStream::operator<<(const Orv3dRect& r) {
   stream << indent() << "rect3d\t" << r << '\n';

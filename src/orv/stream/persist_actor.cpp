@@ -7,12 +7,15 @@
 
 #include <cstring>
 
+#include "line.h"
+
 OrvActor* OrvActor::read(OrvIStream& stream) { return new OrvActor(stream); }
 
 void OrvActor::write(OrvOStream& out) const {
   out.writeComments("OrvActor class", 1);
   out << makeUp;
-  out.key("layer") << layer << '\n';
+  out.key("layer");
+  _OrvLine_(out.stream).add((unsigned long)layer).add('\n');
   // The written flags: never selected; the announcements of attachments and
   // balloons are set only where such data follows, which is never here.
   uint32_t written = flags;
@@ -21,8 +24,9 @@ void OrvActor::write(OrvOStream& out) const {
   written &= ~((uint32_t)1 << OrvBalloonFollowsBit);
   char digits[32];
   for (int i = 0; i < 31; i++) digits[i] = (written >> (i + 1)) & 1 ? '1' : '0';
-  digits[31] = 0;
-  out.key("properties") << digits << '\n';
+  digits[31] = '\n';
+  out.key("properties");
+  out.stream.rdbuf()->sputn(digits, 32);
   if (getProperty(OrvHasNameBit)) {
     out.key("name");
     OrvWriteString(out.stream, getName());

@@ -11,6 +11,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "line.h"
+#include "scan.h"
+
 // Names are bare words; an absent one is the word "None".
 static const char* nameOrNone(const char* name) { return name && *name ? name : "None"; }
 
@@ -43,7 +46,8 @@ OrvIStream& OrvIStream::operator>>(OrvColor*& color) {
     if (stream && director) color = director->color(name, 0);
   } else if (!strcmp(key, "color")) {
     float r = 0, g = 0, b = 0;
-    if (stream >> r >> g >> b && director) color = director->color(r, g, b, 0);
+    if (OrvScanNumber(stream, r) && OrvScanNumber(stream, g) && OrvScanNumber(stream, b) && director)
+      color = director->color(r, g, b, 0);
   } else {
     fault("OrvIStream: Definition error (ColorMaterial %s)\n", key);
   }
@@ -54,7 +58,7 @@ OrvOStream& OrvOStream::operator<<(const OrvMakeUp* m) {
   if (!m) return *this;
   unsigned number = 0;
   if (find(number, m)) {
-    stream << indent() << "makeUp\t\t.USE " << number << '\n';
+    _OrvLine_(stream).add(indent()).add("makeUp\t\t.USE ").add((unsigned long)number).add('\n');
     return *this;
   }
   stream << indent() << "makeUp " << number << " {" << '\n';
@@ -103,7 +107,7 @@ OrvIStream& OrvIStream::operator>>(OrvMakeUp*& m) {
   word(buffer);
   if (!strcmp(buffer, ".USE")) {
     unsigned number = 0;
-    stream >> number;
+    OrvScanNumber(stream, number);
     OrvMakeUp* known = (OrvMakeUp*)makeUps.get((void*)(uintptr_t)number);
     if (!known) {
       // Not a failure of the file: the holder falls back to its default.
@@ -116,7 +120,7 @@ OrvIStream& OrvIStream::operator>>(OrvMakeUp*& m) {
   int number = atoi(buffer);
   nextItem();
   char c = 0;
-  stream >> c;
+  OrvScanChar(stream, c);
   if (c != '{') {
     fault("OrvIStream : Makeup, bad begin separator.\n");
     return *this;
@@ -143,7 +147,7 @@ OrvIStream& OrvIStream::operator>>(OrvMakeUp*& m) {
     return *this;
   nextItem();
   c = 0;
-  stream >> c;
+  OrvScanChar(stream, c);
   if (c != '}') {
     fault("## OrvIStream: Bad end separator.\n");
     return *this;

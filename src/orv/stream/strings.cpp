@@ -4,23 +4,32 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "scan.h"
+
 void OrvWriteString(std::ostream& out, const char* text, unsigned length, unsigned long terminate) {
   if (!text) text = "";
   if (length == 0) length = (unsigned)strlen(text);
-  out << '"';
+  std::streambuf* sink = out.rdbuf();
+  sink->sputc('"');
+  // Plain runs go out whole; only the escaped characters are spelt out.
+  unsigned run = 0;
   for (unsigned i = 0; i < length; i++) {
-    char c = text[i];
-    switch (c) {
-      case '\\': out << "\\\\"; break;
-      case '"': out << "\\\""; break;
-      case '\n': out << "\\n"; break;
-      case '\r': out << "\\r"; break;
-      case 23: out << "\\027"; break;
-      default: out << c; break;
+    const char* escape = nullptr;
+    switch (text[i]) {
+      case '\\': escape = "\\\\"; break;
+      case '"': escape = "\\\""; break;
+      case '\n': escape = "\\n"; break;
+      case '\r': escape = "\\r"; break;
+      case 23: escape = "\\027"; break;
+      default: continue;
     }
+    sink->sputn(text + run, i - run);
+    sink->sputn(escape, (std::streamsize)strlen(escape));
+    run = i + 1;
   }
-  out << '"';
-  if (terminate) out << '\0';
+  sink->sputn(text + run, length - run);
+  sink->sputc('"');
+  if (terminate) sink->sputc('\0');
 }
 
 // One buffer for the process, doubled as needed; a result lives until the
@@ -43,32 +52,37 @@ char* OrvReadString(std::istream& in) {
   unsigned at = 0;
   storeChar(at, 0);
   at = 0;
-  for (int c = in.peek(); c == ' ' || c == '\n'; c = in.peek()) in.get();
+  for (int c = OrvScanPeek(in); c == ' ' || c == '\n'; c = OrvScanPeek(in)) OrvScanGet(in);
   char quote;
-  in >> quote;  // the opening quote, taken as it is
+  OrvScanChar(in, quote);  // the opening quote, taken as it is
   // A stream that ends inside the string leaves it failed: the caller sees
   // the stream's state and the object is not kept.
+  std::streambuf* source = in.rdbuf();
+  const int eof = std::char_traits<char>::eof();
   while (in) {
-    int c = in.get();
-    if (c == std::char_traits<char>::eof()) break;
+    int c = source->sbumpc();
+    if (c == eof) {
+      in.setstate(std::ios::eofbit | std::ios::failbit);
+      break;
+    }
     if (c == '"') break;
     if (c == '\\') {
-      int n = in.peek();
+      int n = source->sgetc();
       if (n == '\\' || n == '"') {
-        in.get();
+        source->sbumpc();
         c = n;
       } else if (n == 'n') {
-        in.get();
+        source->sbumpc();
         c = '\n';
       } else if (n == 'r') {
-        in.get();
+        source->sbumpc();
         c = '\r';
       } else if (n == '0') {
-        in.get();
-        if (in.peek() == '2') {
-          in.get();
-          if (in.peek() == '7') {
-            in.get();
+        source->sbumpc();
+        if (source->sgetc() == '2') {
+          source->sbumpc();
+          if (source->sgetc() == '7') {
+            source->sbumpc();
             c = 23;
           }
         }
