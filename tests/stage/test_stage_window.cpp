@@ -43,6 +43,7 @@ public:
   unsigned long atDraw = 0, atCopy = 0;
   const OrvCanvas* target = nullptr;
   WindowWatch(Display* d, unsigned long w) : dpy(d), window(w) {}
+  unsigned long deletedByStage() const override { return 1; }
   void afterDraw(const OrvCanvas* c, const Orv2dMatrix*, const Orv2dRegion*) override {
     target = c;
     XSync(dpy, False);

@@ -345,11 +345,12 @@ void OrvStage::applyResize(float, float) {}
 
 OrvStage::~OrvStage() {
   destroying = 1;
-  // Layers go first, with their actors, so no actor outlives its stage.
+  // Layers go first, with their actors, so no actor outlives its stage. A
+  // layer is emptied while it is still listed, so that each actor finds it.
   while (layers.first) {
     OrvStageLayer* layer = (OrvStageLayer*)layers.first->value;
-    layers.remove(layer);
     layer->empty(1);
+    layers.remove(layer);
     delete layer;
   }
   OrvList copy;
