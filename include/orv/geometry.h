@@ -395,8 +395,11 @@ Orv2dMatrix OrvCompute2dMatrix(const Orv2dRect& from, const Orv2dRect& to);
 struct Orv3dMatrix {
     float m[16];
 
-    // Identity when non-zero, all zeros when zero.
-    explicit Orv3dMatrix(unsigned long identity = 1);
+    Orv3dMatrix() : Orv3dMatrix(1ul) {}
+    // Identity when non-zero, all zeros when zero. The int form keeps a
+    // literal 0 from being read as a null float array.
+    explicit Orv3dMatrix(unsigned long identity);
+    explicit Orv3dMatrix(int identity) : Orv3dMatrix((unsigned long)(identity != 0)) {}
     Orv3dMatrix(const float& m00, const float& m01, const float& m02, const float& m03,
                 const float& m10, const float& m11, const float& m12, const float& m13,
                 const float& m20, const float& m21, const float& m22, const float& m23,

@@ -298,6 +298,11 @@ TEST_F(Curve, PointInArc) {
     EXPECT_TRUE(OrvPointInArc(Orv2dPoint(3, 67), r, 190, 210));
     EXPECT_FALSE(OrvPointInArc(Orv2dPoint(85, 85), r, 0, 270));
     EXPECT_TRUE(OrvPointInArc(Orv2dPoint(3, 50), r, 0, 270));
+    // A half turn takes the branch of 180 or more: both ends are in.
+    EXPECT_TRUE(OrvPointInArc(Orv2dPoint(3, 50), r, 0, 180));
+    EXPECT_TRUE(OrvPointInArc(Orv2dPoint(97, 50), r, 0, 180));
+    EXPECT_TRUE(OrvPointInArc(Orv2dPoint(50, 3), r, 0, 180));
+    EXPECT_FALSE(OrvPointInArc(Orv2dPoint(50, 97), r, 0, 180));
 
     // An ellipse: the y distance is scaled by rx/ry.
     const Orv2dRect e(0, 0, 100, 50);

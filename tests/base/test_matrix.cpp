@@ -292,6 +292,8 @@ static void expectNear(const Orv3dMatrix& a, const Orv3dMatrix& b, float tol) {
 TEST(Matrix3d, ConstructionCopyAndPrint) {
     Orv3dMatrix id;
     Orv3dMatrix zero(0ul);
+    EXPECT_EQ(Orv3dMatrix(0), zero);
+    EXPECT_EQ(Orv3dMatrix(7), id);
     for (int i = 0; i < 16; i++) {
         EXPECT_EQ(id.m[i], i % 5 == 0 ? 1.0f : 0.0f);
         EXPECT_EQ(zero.m[i], 0.0f);
