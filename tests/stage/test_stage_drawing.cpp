@@ -45,8 +45,8 @@ TEST_P(StageChangeTest, MoveRepaintsOldAndNewBoxesOnly) {
   checkTargets();
   EXPECT_EQ(background, rgb(15, 15));  // old place erased
   EXPECT_EQ(0xff0000ul, rgb(65, 15));  // new place red
-  EXPECT_EQ(0xff0000ul, rgb(75, 20));  // the mover lies on top of the neighbour
-  EXPECT_EQ(0x0000fful, rgb(85, 30));  // the neighbour outside the mover stays
+  EXPECT_EQ(0x0000fful, rgb(75, 20));  // the neighbour, appended later, stays on top
+  EXPECT_EQ(0xff0000ul, rgb(75, 12));  // the mover where the neighbour is not
   EXPECT_EQ(0x0000fful, rgb(155, 105));
   // The repainted region was the two boxes.
   EXPECT_EQ(0u, stage->nesting);
@@ -140,16 +140,21 @@ TEST_F(StageTest, NestedSettersRepaintOnce) {
 
 TEST_F(StageTest, FlushWithoutNestReportsAndAbortForgets) {
   TestBox* a = box(10, 10, 20, 20);
-  resetCounts({a});
+  TestBox* far = box(150, 100, 20, 20, blue);
+  stage->beginDrawing();
+  stage->invalidate(Orv2dRect(5, 5, 10, 10));
+  stage->flushDrawing(1);
+  resetCounts({a, far});
   testing::internal::CaptureStdout();
   stage->flushDrawing(1);
   EXPECT_EQ("OrvStage::flushDrawing : 'beginDrawing' must be call before'flushDrawing'.\n",
             testing::internal::GetCapturedStdout());
-  // What the region still held (a's box from its append) is painted again.
+  // What the region still held is painted again.
   EXPECT_EQ(1, stage->drawAlls);
   EXPECT_EQ(1, a->draws);
+  EXPECT_EQ(0, far->draws);
 
-  resetCounts({a});
+  resetCounts({a, far});
   stage->beginDrawing();
   stage->beginDrawing();
   stage->beginDrawing();
@@ -231,6 +236,8 @@ TEST_F(StageTest, HooksSeeTheCycle) {
   OrvAllowHooksUpdated = 0;
   a->moveTo(30, 30);
   OrvAllowHooksUpdated = 1;
+  EXPECT_EQ(1, hook->before);
+  a->moveTo(40, 30);
   EXPECT_EQ(2, hook->before);
 
   OrvStage other(director, Orv2dRect(0, 0, 50, 50), "other", 0, 0);
