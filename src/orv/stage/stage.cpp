@@ -345,6 +345,7 @@ void OrvStage::applyResize(float, float) {}
 
 OrvStage::~OrvStage() {
   destroying = 1;
+  releaseInput();
   // Layers go first, with their actors, so no actor outlives its stage. A
   // layer is emptied while it is still listed, so that each actor finds it.
   while (layers.first) {
