@@ -4,6 +4,7 @@
 // Xlib calls as the floor, and the same actors inside one OrvIndexedSet.
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -55,19 +56,26 @@ struct Item {
   int x, y, w, h;
 };
 
-std::vector<Item> makeItems(unsigned n) {
+// A free column at the right edge of the window, where the mover of the
+// walk benchmarks lies alone.
+const int kFreeColumn = 960;
+
+// n items of the given kinds (-1: all three in turn) spread over `scale`
+// times the window in each direction, the free column excepted.
+std::vector<Item> makeItems(unsigned n, int kind, double scale) {
   std::vector<Item> items;
   items.reserve(n);
   unsigned seed = 12345;
   auto next = [&seed]() {
     seed = seed * 1103515245u + 12345u;
-    return (seed >> 8) & 0xffff;
+    return (seed >> 8) & 0xffffff;
   };
+  unsigned spanX = (unsigned)((kFreeColumn - 30) * scale), spanY = (unsigned)((kHeight - 30) * scale);
   for (unsigned i = 0; i < n; i++) {
     Item it;
-    it.kind = (int)(i % 3);
-    it.x = (int)(next() % (kWidth - 40));
-    it.y = (int)(next() % (kHeight - 20)) + 12;
+    it.kind = kind < 0 ? (int)(i % 3) : kind;
+    it.x = (int)(next() % spanX);
+    it.y = (int)(next() % spanY) + 14;
     it.w = 4 + (int)(next() % 16);
     it.h = 4 + (int)(next() % 12);
     items.push_back(it);
@@ -108,21 +116,23 @@ OrvActor* makeActor(World& w, const Item& it) {
 }
 
 // A mapped stage of the benchmark's size, with the actors in two layers or
-// inside one indexed set.
+// inside one indexed set, and one small mover on top.
 struct Scene {
   OrvStage* stage = nullptr;
   std::vector<Item> items;
-  OrvActor* small = nullptr;  // the actor that moves
+  std::vector<OrvActor*> actors;
+  OrvActor* mover = nullptr;
 
-  Scene(unsigned n, bool indexed) {
+  Scene(unsigned n, bool indexed, int kind = -1, double scale = 1.0, Orv2dPoint moverAt = Orv2dPoint(970, 400)) {
     World& w = World::get();
-    items = makeItems(n);
+    items = makeItems(n, kind, scale);
     stage = new OrvStage(w.director, Orv2dRect(0, 0, kWidth, kHeight), "bench", 0, 1);
     w.sync();
     OrvIndexedSet* set = indexed ? new OrvIndexedSet(w.director, 0, nullptr) : nullptr;
     stage->beginDrawing();
     for (unsigned i = 0; i < n; i++) {
       OrvActor* a = makeActor(w, items[i]);
+      actors.push_back(a);
       if (set)
         set->quadtree->add(a);
       else
@@ -132,13 +142,32 @@ struct Scene {
       set->invalidateBox();
       stage->append(set, 0);
     }
-    small = new BenchRect(w.director, Orv2dRect(500, 400, 6, 6), w.makeUps[0]);
-    stage->append(small, 1);
+    mover = new BenchRect(w.director, Orv2dRect(moverAt.x, moverAt.y, 6, 6), w.makeUps[0]);
+    stage->append(mover, 1);
     stage->abortDrawing();
     stage->drawAll(nullptr, 1);
     w.sync();
   }
   ~Scene() { delete stage; }
+
+  // Moves the mover two pixels right and back, one nest each time.
+  void move(bool right) {
+    static const Orv2dMatrix toRight(Orv2dPoint(2, 0)), toLeft(Orv2dPoint(-2, 0));
+    mover->beginDrawing(1);
+    mover->apply2d(right ? toRight : toLeft);
+    mover->flushDrawing(1);
+  }
+  // What a move has to draw, counted apart: the mover and the actors whose
+  // boxes meet its old and new places (which overlap, so the region is one
+  // rectangle), grown by the one pixel of the repaint.
+  unsigned overlapping() const {
+    Orv2dRect b = mover->bbox2d(nullptr);
+    Orv2dRect span(b.x - 1, b.y - 1, b.w + 4, b.h + 2);
+    unsigned k = 1;
+    for (OrvActor* a : actors)
+      if (a->bbox2dToStage(nullptr).intersects(span)) k++;
+    return k;
+  }
 };
 
 void setCounters(benchmark::State& state, long draws, unsigned n) {
@@ -158,7 +187,8 @@ void BM_FullRepaint(benchmark::State& state) {
   setCounters(state, gDraws, n);
 }
 
-// The same primitives through plain Xlib, one GC per kind, then a sync.
+// The same primitives through plain Xlib, one GC per kind, the labels in the
+// font the library's default make-up uses, then a sync.
 void BM_XlibFloor(benchmark::State& state) {
   unsigned n = (unsigned)state.range(0);
   Scene scene(n, false);
@@ -171,8 +201,12 @@ void BM_XlibFloor(benchmark::State& state) {
     gcs[i] = XCreateGC(dpy, win, 0, nullptr);
     XSetForeground(dpy, gcs[i], pixels[i]);
   }
-  XFontStruct* font = XLoadQueryFont(dpy, "fixed");
-  if (font) XSetFont(dpy, gcs[2], font->fid);
+  char** missing = nullptr;
+  int missingCount = 0;
+  char* defaultString = nullptr;
+  XFontSet fontSet = XCreateFontSet(dpy, "-*-courier-medium-r-normal--12-*-*-*-*-*-*-*,fixed", &missing,
+                                    &missingCount, &defaultString);
+  if (missing) XFreeStringList(missing);
   for (auto _ : state) {
     XClearWindow(dpy, win);
     for (const Item& it : scene.items) {
@@ -180,38 +214,60 @@ void BM_XlibFloor(benchmark::State& state) {
         XFillRectangle(dpy, win, gcs[0], it.x, it.y, it.w, it.h);
       else if (it.kind == 1)
         XDrawLine(dpy, win, gcs[1], it.x, it.y, it.x + it.w, it.y + it.h);
+      else if (fontSet)
+        XmbDrawString(dpy, win, fontSet, gcs[2], it.x, it.y, "abc", 3);
       else
         XDrawString(dpy, win, gcs[2], it.x, it.y, "abc", 3);
     }
     XSync(dpy, False);
   }
-  if (font) XFreeFont(dpy, font);
+  if (fontSet) XFreeFontSet(dpy, fontSet);
   for (int i = 0; i < 3; i++) XFreeGC(dpy, gcs[i]);
   state.counters["actors"] = n;
 }
 
-// One small actor moves by two pixels and back: one nest each.
-void BM_MoveOne(benchmark::State& state) {
+// One small actor alone in the free column moves by two pixels: the cost is
+// the walk over every actor of the layers, none of which is drawn.
+void BM_MoveOneAlone(benchmark::State& state) {
   unsigned n = (unsigned)state.range(0);
-  Scene scene(n, false);
+  int kind = (int)state.range(1);
+  Scene scene(n, false, kind);
   World& w = World::get();
-  Orv2dMatrix right(Orv2dPoint(2, 0)), left(Orv2dPoint(-2, 0));
   gDraws = 0;
-  bool toRight = true;
+  bool right = true;
   for (auto _ : state) {
-    scene.small->beginDrawing(1);
-    scene.small->apply2d(toRight ? right : left);
-    scene.small->flushDrawing(1);
+    scene.move(right);
     w.sync();
-    toRight = !toRight;
+    right = !right;
   }
   setCounters(state, gDraws, n);
+  state.counters["kind"] = kind;
 }
 
-// An expose of 20 by 20 pixels on a stage whose actors sit in one indexed set.
-void BM_IndexedExpose(benchmark::State& state) {
+// The same move amid the actors: only those it overlaps are drawn.
+void BM_MoveOneCrowded(benchmark::State& state) {
   unsigned n = (unsigned)state.range(0);
-  Scene scene(n, true);
+  Scene scene(n, false, -1, 1.0, Orv2dPoint(500, 400));
+  World& w = World::get();
+  unsigned expected = scene.overlapping();
+  gDraws = 0;
+  bool right = true;
+  for (auto _ : state) {
+    scene.move(right);
+    w.sync();
+    right = !right;
+  }
+  setCounters(state, gDraws, n);
+  state.counters["overlapping"] = expected;
+}
+
+// An expose of 20 by 20 pixels. The actors fill a world that grows with
+// their number, so that the exposed spot holds as many at 10^3 as at 10^5;
+// in one indexed set the cost then stays flat, in plain layers it grows.
+void exposeBench(benchmark::State& state, bool indexed) {
+  unsigned n = (unsigned)state.range(0);
+  double scale = sqrt((double)n / 1000.0);
+  Scene scene(n, indexed, -1, scale);
   World& w = World::get();
   Orv2dRegion region(Orv2dRect(300, 300, 20, 20), 25);
   gDraws = 0;
@@ -221,26 +277,18 @@ void BM_IndexedExpose(benchmark::State& state) {
   }
   setCounters(state, gDraws, n);
 }
-
-// The same expose with the actors in plain layers: the walk over all of them.
-void BM_LayerExpose(benchmark::State& state) {
-  unsigned n = (unsigned)state.range(0);
-  Scene scene(n, false);
-  World& w = World::get();
-  Orv2dRegion region(Orv2dRect(300, 300, 20, 20), 25);
-  gDraws = 0;
-  for (auto _ : state) {
-    scene.stage->handleExpose(&region);
-    w.sync();
-  }
-  setCounters(state, gDraws, n);
-}
+void BM_IndexedExpose(benchmark::State& state) { exposeBench(state, true); }
+void BM_LayerExpose(benchmark::State& state) { exposeBench(state, false); }
 
 }  // namespace
 
 BENCHMARK(BM_FullRepaint)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_XlibFloor)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BM_MoveOne)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_MoveOneAlone)
+    ->Args({1000, -1})->Args({10000, -1})->Args({100000, -1})
+    ->Args({100000, 0})->Args({100000, 1})->Args({100000, 2})
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_MoveOneCrowded)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_LayerExpose)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_IndexedExpose)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 
