@@ -116,6 +116,11 @@ TEST_F(StageTest, TransformerMapsPicturesAndHits) {
   EXPECT_EQ(background, rgb(65, 65));
   EXPECT_TRUE(a->contains2d(Orv2dPoint(55, 55), stage->toStage()));
   EXPECT_FALSE(a->contains2d(Orv2dPoint(65, 65), stage->toStage()));
+  // The stage's own hit test goes through the transformer too.
+  EXPECT_EQ(a, stage->contains(Orv2dPoint(55, 55)));
+  EXPECT_EQ(nullptr, stage->contains(Orv2dPoint(65, 65)));
+  EXPECT_EQ(nullptr, stage->contains(Orv2dPoint(160, 110)));  // far's own place, now elsewhere
+  EXPECT_EQ(far, stage->contains(Orv2dPoint(310, 210)));
 
   stage->translate(10, 5);
   EXPECT_EQ(2, hook->transformers);
