@@ -1,13 +1,13 @@
 // OrvStage: construction, the nest of beginDrawing/flushDrawing, invalidation
 // and the single repaint routine drawAll.
-#include <orv/stage.h>
+#include "orv/stage.h"
 
-#include <orv/actor.h>
-#include <orv/layer.h>
-#include <orv/canvas.h>
-#include <orv/director.h>
-#include <orv/makeup.h>
-#include <orv/producer.h>
+#include "orv/actor.h"
+#include "orv/canvas.h"
+#include "orv/director.h"
+#include "orv/layer.h"
+#include "orv/makeup.h"
+#include "orv/producer.h"
 
 unsigned int OrvAllowCallContentsChanged = 1;
 unsigned int OrvAllowHooksUpdated = 1;
