@@ -2,16 +2,16 @@
 // and the cost of the wait step with 100 running timers. Needs $DISPLAY.
 #include <benchmark/benchmark.h>
 
+#include "orv/director.h"
+#include "orv/region.h"
+#include "orv/view.h"
+
 #include <X11/Xlib.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include <vector>
-
-#include "orv/director.h"
-#include "orv/region.h"
-#include "orv/view.h"
 
 namespace {
 

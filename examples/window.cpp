@@ -4,16 +4,16 @@
 //   window                      interactive: close the window to quit
 //   window --selftest OUT.ppm   drives itself with XTest input, writes a
 //                               screenshot of the window and exits
+#include "orv/director.h"
+#include "orv/region.h"
+#include "orv/view.h"
+
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 #include <stdio.h>
 #include <string.h>
-
-#include "orv/director.h"
-#include "orv/region.h"
-#include "orv/view.h"
 
 static const char* typeName(OrvEventType t) {
   static const char* const names[] = {"?",           "KeyUp",        "KeyDown",       "ButtonDown",
@@ -37,7 +37,7 @@ static void onInput(OrvView*, const OrvEvent& e, void*) {
 }
 
 static void onExpose(OrvView* v, const Orv2dRegion* r, void*) {
-  printf("Expose        %u rectangle(s) on %s\n", r ? (unsigned)r->count() : 0u, v->name);
+  printf("Expose        %u rectangle(s) on %s\n", r ? (unsigned)r->count : 0u, v->name);
   fflush(stdout);
 }
 

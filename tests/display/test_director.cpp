@@ -2,6 +2,9 @@
 // path, X resources, close, the list of directors, pointer and clipboard.
 #include <gtest/gtest.h>
 
+#include "orv/director.h"
+#include "orv/view.h"
+
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
@@ -13,8 +16,6 @@
 
 #include <string>
 
-#include "orv/director.h"
-#include "orv/view.h"
 #include "orv_xtest.h"
 
 namespace {

@@ -1,6 +1,10 @@
 // Views and decoded events on a real X server, with input made by XTest.
 #include <gtest/gtest.h>
 
+#include "orv/director.h"
+#include "orv/region.h"
+#include "orv/view.h"
+
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -11,9 +15,6 @@
 #include <string>
 #include <vector>
 
-#include "orv/director.h"
-#include "orv/region.h"
-#include "orv/view.h"
 #include "orv_xtest.h"
 
 namespace {
@@ -43,7 +44,7 @@ struct Log {
 void logInput(OrvView*, const OrvEvent& e, void* data) { ((Log*)data)->input.push_back(e); }
 void logExpose(OrvView*, const Orv2dRegion* r, void* data) {
   std::vector<Orv2dRect> rects;
-  for (unsigned short i = 0; r && i < r->count(); i++) rects.push_back(r->rectangle(i));
+  for (unsigned short i = 0; r && i < r->count; i++) rects.push_back(r->rectangle(i));
   ((Log*)data)->exposes.push_back(rects);
 }
 void logResize(OrvView*, const Orv2dRect& o, const Orv2dRect& n, void* data) {
@@ -263,6 +264,7 @@ TEST(View, ForeignWindowsAreWrappedNotDestroyed) {
   if (kids) XFree(kids);
   EXPECT_EQ(parentW, w);
   delete inside;
+  XSync((Display*)d.display, False);
   XDestroyWindow(raw, w);
   XCloseDisplay(raw);
 }
@@ -498,7 +500,7 @@ TEST(View, DragsAreCompressedToTheNewest) {
   for (int compress = 1; compress >= 0; compress--) {
     orv_compress_drag_events = compress;
     OrvTestMoveIn(raw, w, 10, 10);
-    OrvTestButton(raw, 1, true);
+    OrvTestButton(raw, 1, true, 300);  // not a double click of the last round
     XSync(raw, False);
     ASSERT_TRUE(f.runUntil([&] { return f.log.countType(OrvButtonDown) == 1; }));
     f.log = Log();

@@ -1,3 +1,5 @@
+#include "orv/director.h"
+
 #include "orv_xtest.h"
 
 #include <X11/extensions/XTest.h>
@@ -6,8 +8,6 @@
 #include <stdlib.h>
 #include <sys/select.h>
 #include <sys/time.h>
-
-#include "orv/director.h"
 
 static long nowMs() {
   struct timeval tv;

@@ -1,6 +1,8 @@
 // Construction, shutdown, search path, X resources and the window table of
 // the director.
 #include "orv/director.h"
+#include "orv/canvas.h"
+#include "orv/view.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -8,9 +10,6 @@
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
-
-#include "orv/canvas.h"
-#include "orv/view.h"
 
 static OrvList* allDirectors = 0;
 

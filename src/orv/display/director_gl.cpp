@@ -1,9 +1,9 @@
 // The director's GL root context, whose display lists every GL view shares.
+#include "orv/director.h"
+
 #include <GL/gl.h>
 #include <GL/glx.h>
 #include <X11/Xlib.h>
-
-#include "orv/director.h"
 
 const int* OrvDirector::get3dRendererConfig() const {
   static const int config[] = {GLX_RGBA, GLX_DOUBLEBUFFER, GLX_RED_SIZE, 1, GLX_GREEN_SIZE, 1,

@@ -1,13 +1,13 @@
 // From X events to OrvEvent records and on to the views' handlers: decoding,
 // dispatch by window, expose merging and drag compression.
+#include "orv/director.h"
+#include "orv/region.h"
+#include "orv/view.h"
+
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <stdio.h>
 #include <string.h>
-
-#include "orv/director.h"
-#include "orv/region.h"
-#include "orv/view.h"
 
 int orv_compress_drag_events = 1;
 static unsigned long fastSkipMotion = 1;
@@ -287,6 +287,8 @@ void OrvViewManageEvent(OrvView* view, void* xevent) {
       return;
     }
     case OrvDestroyed:
+      // The server has already destroyed the window.
+      view->ownsWindow = 0;
       delete view;
       return;
     default:

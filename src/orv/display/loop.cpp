@@ -1,14 +1,14 @@
 // The wait step: X events of every director, work procedures, select over
 // the table of descriptors, due timers. Also timers, the input table, and
 // the X error handlers.
+#include "orv/director.h"
+
 #include <X11/Xlib.h>
 #include <errno.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/select.h>
 #include <sys/time.h>
-
-#include "orv/director.h"
 
 namespace {
 

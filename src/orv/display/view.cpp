@@ -1,6 +1,9 @@
 // Views: window creation, window-manager properties, geometry, the default
 // handlers and the application callbacks.
 #include "orv/view.h"
+#include "orv/director.h"
+#include "orv/makeup.h"
+#include "orv/resource.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -8,10 +11,6 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-
-#include "orv/director.h"
-#include "orv/makeup.h"
-#include "orv/resource.h"
 
 // Shared by 2D and 3D views, so names stay unique in the process.
 static int viewCounter = 0;
@@ -306,7 +305,7 @@ void OrvView::setBackground(OrvColor* color) {
   OrvRelease(backgroundMakeUp);
   backgroundMakeUp = 0;
   if (color && director->defaultMakeUp) {
-    backgroundMakeUp = director->makeUp(director->defaultForeground, color, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1,
+    backgroundMakeUp = director->makeUp(director->defaultForeground, color, 0, 0, 0, 0, 0, 0, OrvArcPieSlice, 0, 0, 0, 1, 1,
                                         4, 4, 1, 2, 0);
     OrvCount(backgroundMakeUp);
   }
@@ -392,7 +391,7 @@ void OrvView::erase(const Orv2dRect& r, int exposures) {
 
 void OrvView::erase(const Orv2dRegion* region, int exposures) {
   if (!region) return erase(exposures);
-  for (unsigned short i = 0; i < region->count(); i++) erase(region->rectangle(i), exposures);
+  for (unsigned short i = 0; i < region->count; i++) erase(region->rectangle(i), exposures);
 }
 
 void OrvView::erase(int exposures) {

@@ -1,12 +1,12 @@
 // GL windows: the context of a 3D view, sharing the director's root context,
 // and the marker lists made once per director.
+#include "orv/director.h"
+#include "orv/view.h"
+
 #include <GL/gl.h>
 #include <GL/glx.h>
 #include <X11/Xlib.h>
 #include <string.h>
-
-#include "orv/director.h"
-#include "orv/view.h"
 
 // Builds the 40 marker display lists from `base` (the 3D side supplies them).
 void _OrvCreateOGLMarkerFonts(unsigned int base) __attribute__((weak));
