@@ -202,6 +202,12 @@ struct Script {
     if (modifier) XTestFakeKeyEvent(dpy, XKeysymToKeycode(dpy, modifier), False, 0);
     Pump(e, 30);
   }
+  // A click on empty space first: a click on what is already selected
+  // would deselect everything.
+  void pick(int x, int y) {
+    click(470, 350);
+    click(x, y);
+  }
   void shiftClick(int x, int y) {
     moveTo(x, y);
     XTestFakeKeyEvent(dpy, XKeysymToKeycode(dpy, XK_Shift_L), True, 0);
@@ -218,6 +224,8 @@ static int RunScript(Editor& e, const char* dir) {
     fprintf(stderr, "editor: the X server has no XTEST extension\n");
     return 1;
   }
+  // The script clicks faster than a person: its quick presses are single clicks.
+  e.director->setDoubleClickPeriod(0);
   Script s(e);
   int n = 0;
   Pump(e, 200);
@@ -231,7 +239,7 @@ static int RunScript(Editor& e, const char* dir) {
   Shot(e, dir, n++, "rubber-band");
   s.drag(100, 80, 140, 110);  // move the three together
   Shot(e, dir, n++, "move");
-  s.click(280, 130);  // blue only
+  s.pick(280, 130);  // blue only
   s.key(XK_r);
   s.drag(220 + 40 + 90, 60 + 30 + 120, 400, 330);  // its bottom-right handle, after the move
   Shot(e, dir, n++, "reshape");
@@ -239,16 +247,17 @@ static int RunScript(Editor& e, const char* dir) {
   s.drag(20, 300, 120, 350);
   Shot(e, dir, n++, "create-rectangle");
   s.key(XK_s);
-  s.click(70, 325);  // the new rectangle
+  s.pick(70, 325);  // the new rectangle
   s.key(XK_d, XK_Control_L);  // duplicate it
   Shot(e, dir, n++, "duplicate");
   s.key(XK_c, XK_Control_L);
   s.moveTo(360, 20);
   s.key(XK_v, XK_Control_L);
   Shot(e, dir, n++, "copy-paste");
+  s.pick(380, 30);  // the pasted copy
   s.key(XK_Delete);
   Shot(e, dir, n++, "delete");
-  s.click(400, 250);  // the outlined square
+  s.pick(340, 250);  // the outlined square, on its outline
   s.key(XK_x, XK_Control_L);
   Shot(e, dir, n++, "cut");
   s.key(XK_q);

@@ -3,10 +3,10 @@
 #ifndef ORV_STAGE_H
 #define ORV_STAGE_H
 
-#include <orv/base.h>
-#include <orv/geometry.h>
-#include <orv/region.h>
-#include <orv/view.h>
+#include "orv/base.h"
+#include "orv/geometry.h"
+#include "orv/region.h"
+#include "orv/view.h"
 
 #include <iosfwd>
 

@@ -247,7 +247,7 @@ TEST_F(ProducerTest, RectangleProducerDragsOutARectangle) {
   moveTo(80, 60);
   moveTo(50, 40);
   EXPECT_NE(background, rgb(50, 60));
-  EXPECT_NE(background, rgb(100, 90));
+  EXPECT_NE(background, rgb(100, 40));
   release();
   ASSERT_EQ(1u, p->rects.size());
   EXPECT_EQ(50, p->rects[0].x);
@@ -302,6 +302,12 @@ public:
   unsigned long deletedByStage() const override { return 1; }
 };
 
+static int presses(const OfferLog& log) {
+  int n = 0;
+  for (const Offer& o : log) n += o.type == OrvButtonDown;
+  return n;
+}
+
 TEST_F(ProducerTest, ProducerStackPushAndPop) {
   OfferLog l1, l2;
   ProducerHook* hook = new ProducerHook;
@@ -320,7 +326,7 @@ TEST_F(ProducerTest, ProducerStackPushAndPop) {
   EXPECT_EQ(1, hook->changes);  // and no word to the hooks
   click(40, 40);
   EXPECT_EQ(0u, l1.size());
-  EXPECT_EQ(2u, l2.size());
+  EXPECT_EQ(1, presses(l2));
 
   p2->callPrevious();
   EXPECT_EQ(p1, stage->getProducer());
@@ -329,7 +335,8 @@ TEST_F(ProducerTest, ProducerStackPushAndPop) {
   EXPECT_EQ(2, hook->changes);
   EXPECT_EQ(p1, hook->last);
   click(40, 40);
-  EXPECT_EQ(2u, l1.size());
+  EXPECT_EQ(1, presses(l1));
+  EXPECT_EQ(1, presses(l2));
 
   // remove clears only the current one; deleting the current one clears it too.
   stage->remove(p2);

@@ -166,3 +166,71 @@ TEST_F(RouteTest, PasteWithAnEmptyClipboardDoesNothingAndPaintsNothing) {
   EXPECT_EQ(0, memcmp(bytes, "keep", 4));
   XFree(bytes);
 }
+
+#if __has_include("orv/stream.h")
+#include "orv/shapes.h"
+
+// Control-C in one stage, control-V in another of the same director and in a
+// stage of a second director on the same display: the actors travel as
+// persistent text through the server's cut buffer and land at the pointer.
+TEST_F(RouteTest, CopyAndPasteAcrossStagesAndDirectorsThroughTheCutBuffer) {
+  stage->installAccelerators(0);
+  OrvActor* r = new OrvFilledRectangle(director, Orv2dRect(20, 30, 40, 20), red);
+  stage->append(r, 0);
+  r->setSelected(1);
+  moveTo(250, 180);
+  type(XK_c, XK_Control_L);
+  int n = 0;
+  char* bytes = XFetchBytes(dpy, &n);
+  ASSERT_NE(nullptr, bytes);
+  std::string text(bytes, n);
+  XFree(bytes);
+  EXPECT_NE(std::string::npos, text.find("OrvFilledRectangle")) << text;
+
+  OrvStage* other = newStage(Orv2dRect(320, 0, 200, 150));
+  other->installAccelerators(0);
+  moveTo(100, 70, other);
+  type(XK_v, XK_Control_L, other);
+  ASSERT_EQ(1u, other->cardinal());
+  OrvActor* pasted = other->selection(0) ? other->selection(0) : nullptr;
+  unsigned count = 0;
+  OrvActor** all = other->objects(count);
+  ASSERT_EQ(1u, count);
+  Orv2dRect box = all[0]->bbox2d(nullptr);
+  free(all);
+  EXPECT_EQ(100, box.x);
+  EXPECT_EQ(70, box.y);
+  EXPECT_EQ(40u, box.w);
+  EXPECT_EQ(20u, box.h);
+  EXPECT_EQ(nullptr, pasted);  // the paste key does not select
+  EXPECT_EQ(0xff0000ul, rgb(110, 75, other));
+  EXPECT_EQ(1u, stage->cardinal());
+
+  // A second director on the same display reads the same cut buffer.
+  OrvDirector* second = new OrvDirector("testroute2", nullptr, 0, nullptr);
+  OrvStage* far = newStage(Orv2dRect(540, 0, 200, 150), second);
+  far->installAccelerators(0);
+  far->paste(Orv2dPoint(10, 20), 1);
+  ASSERT_EQ(1u, far->cardinal());
+  ASSERT_NE(nullptr, far->selection(0));
+  Orv2dRect fbox = far->selection(0)->bbox2d(nullptr);
+  EXPECT_EQ(10, fbox.x);
+  EXPECT_EQ(20, fbox.y);
+  EXPECT_EQ(40u, fbox.w);
+
+  // Cut: the actor leaves and the cut buffer holds it.
+  XStoreBytes(dpy, "", 0);
+  XSync(dpy, False);
+  moveTo(150, 100, other);
+  other->apply([](OrvActor* a, void*) { a->setSelected(1); }, nullptr);
+  type(XK_x, XK_Control_L, other);
+  EXPECT_EQ(0u, other->cardinal());
+  bytes = XFetchBytes(dpy, &n);
+  ASSERT_NE(nullptr, bytes);
+  EXPECT_NE(std::string::npos, std::string(bytes, n).find("OrvFilledRectangle"));
+  XFree(bytes);
+  delete far;
+  delete second;
+  delete other;
+}
+#endif

@@ -101,6 +101,7 @@ public:
   void contents() override { contentsCalls++; }
   void stageResized() override { resized++; }
   void transformer(const Orv2dMatrix*, const Orv2dMatrix*) override { transformers++; }
+  unsigned long deletedByStage() const override { return 1; }
 };
 
 class StageTest : public ::testing::Test {

@@ -43,6 +43,7 @@ public:
   unsigned long atDraw = 0, atCopy = 0;
   const OrvCanvas* target = nullptr;
   WindowWatch(Display* d, unsigned long w) : dpy(d), window(w) {}
+  unsigned long deletedByStage() const override { return 1; }
   void afterDraw(const OrvCanvas* c, const Orv2dMatrix*, const Orv2dRegion*) override {
     target = c;
     XSync(dpy, False);
@@ -115,6 +116,11 @@ TEST_F(StageTest, TransformerMapsPicturesAndHits) {
   EXPECT_EQ(background, rgb(65, 65));
   EXPECT_TRUE(a->contains2d(Orv2dPoint(55, 55), stage->toStage()));
   EXPECT_FALSE(a->contains2d(Orv2dPoint(65, 65), stage->toStage()));
+  // The stage's own hit test goes through the transformer too.
+  EXPECT_EQ(a, stage->contains(Orv2dPoint(55, 55)));
+  EXPECT_EQ(nullptr, stage->contains(Orv2dPoint(65, 65)));
+  EXPECT_EQ(nullptr, stage->contains(Orv2dPoint(160, 110)));  // far's own place, now elsewhere
+  EXPECT_EQ(far, stage->contains(Orv2dPoint(310, 210)));
 
   stage->translate(10, 5);
   EXPECT_EQ(2, hook->transformers);
@@ -210,7 +216,8 @@ TEST_F(StageTest, EmptyAndContentsBoxes) {
   RecordingHook* hook = new RecordingHook;
   stage->install(hook);
   stage->empty(1);
-  EXPECT_EQ(1, hook->contentsCalls);
+  // Each actor's removal tells the hooks, then the emptied stage once more.
+  EXPECT_EQ(3, hook->contentsCalls);
   EXPECT_EQ(background, rgb(55, 30));
   Orv2dRect none = stage->contentsBBox(nullptr);
   EXPECT_EQ(0u, none.w);

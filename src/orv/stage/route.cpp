@@ -196,8 +196,6 @@ int OrvStage::nofocusDispatch(const OrvEvent& event) {
 // Focus
 // ---------------------------------------------------------------------------
 
-OrvActor* OrvStage::getFocus() const { return focusActor; }
-
 static void OrvSendFocusEvent(OrvStage* stage, OrvActor* actor, OrvEventType type) {
     OrvRole* role = actor ? actor->getRole() : 0;
     if (!role) return;

@@ -80,6 +80,15 @@ void OrvRectangle::apply2d(const Orv2dMatrix& matrix) { matrix.apply(rect); }
 
 unsigned long OrvRectangle::contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
     if (isSelected() && dragger2d(point, matrix)) return 1;
+    // Square corners under a matrix that keeps the axes: the mapped box
+    // answers for a filled one, and rejects at once for an outline. Hit tests
+    // run on every motion and in every index query.
+    if (radius == 0 && OrvKeepsAxes(matrix)) {
+        Orv2dRect r = rect;
+        if (matrix) matrix->apply(r);
+        if (isFilled()) return r.contains(point);
+        if (!OrvGrowRect(r, (int)OrvGetDeltaLine()).contains(point)) return 0;
+    }
     unsigned n = 0;
     Orv2dPoint* p = outline(matrix, n);
     if (isFilled()) return OrvPointInPolygon(point, n, p) != -1;

@@ -1,13 +1,13 @@
 // OrvStage: construction, the nest of beginDrawing/flushDrawing, invalidation
 // and the single repaint routine drawAll.
-#include <orv/stage.h>
+#include "orv/stage.h"
 
-#include <orv/actor.h>
-#include <orv/layer.h>
-#include <orv/canvas.h>
-#include <orv/director.h>
-#include <orv/makeup.h>
-#include <orv/producer.h>
+#include "orv/actor.h"
+#include "orv/canvas.h"
+#include "orv/director.h"
+#include "orv/layer.h"
+#include "orv/makeup.h"
+#include "orv/producer.h"
 
 unsigned int OrvAllowCallContentsChanged = 1;
 unsigned int OrvAllowHooksUpdated = 1;
@@ -345,11 +345,13 @@ void OrvStage::applyResize(float, float) {}
 
 OrvStage::~OrvStage() {
   destroying = 1;
-  // Layers go first, with their actors, so no actor outlives its stage.
+  releaseInput();
+  // Layers go first, with their actors, so no actor outlives its stage. A
+  // layer is emptied while it is still listed, so that each actor finds it.
   while (layers.first) {
     OrvStageLayer* layer = (OrvStageLayer*)layers.first->value;
-    layers.remove(layer);
     layer->empty(1);
+    layers.remove(layer);
     delete layer;
   }
   OrvList copy;

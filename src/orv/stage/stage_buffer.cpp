@@ -1,13 +1,13 @@
 // OrvStage::bufferedDraw: a flicker-free repaint of a small part of a stage
 // without double buffering, through the director's shared screen buffer.
-#include <orv/stage.h>
+#include "orv/stage.h"
 
-#include <orv/actor.h>
-#include <orv/layer.h>
-#include <orv/canvas.h>
-#include <orv/director.h>
-#include <orv/makeup.h>
-#include <orv/producer.h>
+#include "orv/actor.h"
+#include "orv/canvas.h"
+#include "orv/director.h"
+#include "orv/layer.h"
+#include "orv/makeup.h"
+#include "orv/producer.h"
 
 // Guards the shared buffer against a nested use (a hook that buffers again).
 static unsigned long _OrvScreenBufferInUse_ = 0;

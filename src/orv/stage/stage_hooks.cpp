@@ -1,10 +1,10 @@
 // OrvStage: the observers of the drawing cycle and the grid.
-#include <orv/stage.h>
+#include "orv/stage.h"
 
-#include <orv/actor.h>
-#include <orv/canvas.h>
-#include <orv/makeup.h>
-#include <orv/resource.h>
+#include "orv/actor.h"
+#include "orv/canvas.h"
+#include "orv/makeup.h"
+#include "orv/resource.h"
 
 OrvStageHook::OrvStageHook() : stage(nullptr) {}
 

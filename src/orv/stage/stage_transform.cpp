@@ -1,7 +1,7 @@
 // OrvStage: the transformer that maps actor coordinates to the window.
-#include <orv/stage.h>
+#include "orv/stage.h"
 
-#include <orv/actor.h>
+#include "orv/actor.h"
 
 // Same mapping when the new matrix's inverse undoes the old one; a missing
 // matrix counts as the identity.
