@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <iomanip>
 
 #include "scan.h"
 
@@ -158,9 +157,14 @@ OrvActor** OrvIStream::read(unsigned& count, unsigned long is2d) {
     OrvScanChar(stream, c);
     Orv2dRect size;
     scanValue(stream, size);
-    if (c != '=') return (OrvActor**)(uintptr_t)OrvError("## OrvIStream : size error\n");
-    if (strcmp(text, "defaultSize"))
-      return (OrvActor**)(uintptr_t)OrvError("%s (%s %s)\n", "## OrvIStream : size error", "defaultSize", text);
+    if (c != '=') {
+      OrvError("## OrvIStream : size error\n");
+      return nullptr;
+    }
+    if (strcmp(text, "defaultSize")) {
+      OrvError("%s (%s %s)\n", "## OrvIStream : size error", "defaultSize", text);
+      return nullptr;
+    }
     defaultSize = size;
   }
   nextItem();
@@ -169,17 +173,20 @@ OrvActor** OrvIStream::read(unsigned& count, unsigned long is2d) {
   OrvScanChar(stream, c);
   unsigned n = 0;
   OrvScanNumber(stream, n);
-  if (c != '=') return (OrvActor**)(uintptr_t)OrvError("## OrvIStream : cardinal error\n");
-  if (strcmp(text, "cardinal"))
-    return (OrvActor**)(uintptr_t)OrvError("%s (%s %s)\n", "## OrvIStream : cardinal error", "cardinal", text);
+  if (c != '=') {
+    OrvError("## OrvIStream : cardinal error\n");
+    return nullptr;
+  }
+  if (strcmp(text, "cardinal")) {
+    OrvError("%s (%s %s)\n", "## OrvIStream : cardinal error", "cardinal", text);
+    return nullptr;
+  }
   count = n;
   // The table grows with what is actually read rather than with what the
   // file announces, so a huge cardinal costs nothing until objects come.
   delete[] objects;
-  objects = nullptr;
-  objectCount = 0;
-  objectCapacity = 0;
-  keep(nullptr);
+  objectCapacity = 256;
+  objects = new OrvActor*[objectCapacity]();
   objectCount = 0;
   for (unsigned i = 0; i < n; i++) {
     OrvActor* actor = read();
@@ -219,7 +226,10 @@ OrvActor* OrvIStream::read() {
   nextItem();
   char c = 0;
   OrvScanChar(stream, c);
-  if (c != '{') return (OrvActor*)(uintptr_t)fault("## OrvIStream: Bad separator.\n");
+  if (c != '{') {
+    fault("## OrvIStream: Bad separator.\n");
+    return nullptr;
+  }
   if (!info || !info->readFunction) return nullptr;
   unsigned long before = faults;
   OrvActor* actor = info->readFunction(*this);
