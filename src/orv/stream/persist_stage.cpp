@@ -44,7 +44,9 @@ unsigned long OrvStage::read(std::istream& in, Orv2dRect& size, int layerNumber)
   for (unsigned i = 0; i < count && actors[i]; i++) {
     OrvActor* actor = actors[i];
     append(actor, layerNumber != -1 ? (unsigned)layerNumber : actor->layer);
-    if (!actor->getRole()) actor->setRole(actor->defaultRole());
+    // A class without a default role leaves the actor as it is.
+    const char* role = actor->getRole() ? nullptr : actor->defaultRole();
+    if (role && *role) actor->setRole(role);
   }
   if (began) abortDrawing();
   delete[] actors;
