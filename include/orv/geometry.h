@@ -232,7 +232,7 @@ struct Orv3dVolume {
 
 // a·x + b·y + c·z + d = 0.
 struct Orv3dPlane {
-    enum { Above = 0x1000, On = 0x2000, Below = 0x4000, AboveToBelow = 0x8000, BelowToAbove = 0x10000 };
+    enum { OrvPlaneAbove = 0x1000, OrvPlaneOn = 0x2000, OrvPlaneBelow = 0x4000, OrvPlaneAboveToBelow = 0x8000, OrvPlaneBelowToAbove = 0x10000 };
 
     float a, b, c, d;
 
@@ -244,9 +244,9 @@ struct Orv3dPlane {
     void build(const Orv3dPoint& p1, const Orv3dPoint& p2, const Orv3dPoint& p3);
     unsigned long whichSide(const Orv3dPoint& p) const {
         float f = evaluate(p);
-        if (f < -1e-6) return Below;
-        if (f > 1e-6) return Above;
-        return On;
+        if (f < -1e-6) return OrvPlaneBelow;
+        if (f > 1e-6) return OrvPlaneAbove;
+        return OrvPlaneOn;
     }
     unsigned long whichSide(const Orv3dPoint& p1, const Orv3dPoint& p2) const;
     // 0x2000 means no usable intersection; p1 and p2 are treated unlike on purpose.

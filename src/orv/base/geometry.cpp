@@ -146,24 +146,24 @@ void Orv3dPlane::build(const Orv3dPoint& p1, const Orv3dPoint& p2, const Orv3dPo
 unsigned long Orv3dPlane::whichSide(const Orv3dPoint& p1, const Orv3dPoint& p2) const {
     unsigned long s1 = whichSide(p1), s2 = whichSide(p2);
     if (s1 == s2) return s1;
-    if (s1 == On) return s2;
-    if (s2 == On) return s1;
-    return s1 == Above ? AboveToBelow : BelowToAbove;
+    if (s1 == OrvPlaneOn) return s2;
+    if (s2 == OrvPlaneOn) return s1;
+    return s1 == OrvPlaneAbove ? OrvPlaneAboveToBelow : OrvPlaneBelowToAbove;
 }
 
 unsigned long Orv3dPlane::lineIntersection(Orv3dPoint& out, const Orv3dPoint& p1,
                                            const Orv3dPoint& p2) const {
     unsigned long s1 = whichSide(p1);
-    if (s1 == On) return On;
+    if (s1 == OrvPlaneOn) return OrvPlaneOn;
     unsigned long s2 = whichSide(p2);
-    if (s2 == On) {
+    if (s2 == OrvPlaneOn) {
         out = p2;
         return s1;
     }
-    if (s1 == s2) return On;
+    if (s1 == s2) return OrvPlaneOn;
     Orv3dVector v(p1, p2);
     float den = a * v.x + b * v.y + c * v.z;
-    if (std::fabs(den) < 1e-6) return On;
+    if (std::fabs(den) < 1e-6) return OrvPlaneOn;
     float t = -evaluate(p1) / den;
     out = Orv3dPoint(p1.x + t * v.x, p1.y + t * v.y, p1.z + t * v.z);
     return s1;
