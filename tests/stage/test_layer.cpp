@@ -231,7 +231,7 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     b->setSelectable(0);
     b->setSelected(1);
     EXPECT_FALSE(b->isSelected());
-    stage->selections(n);
+    free(stage->selections(n));
     EXPECT_EQ(n, 3u);
     // Handles of selections are hit through containsDragger.
     EXPECT_EQ(stage->containsDragger(Orv2dPoint(10, 10)), a);
