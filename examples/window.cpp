@@ -29,9 +29,15 @@ static int events = 0;
 
 static void onInput(OrvView*, const OrvEvent& e, void*) {
   events++;
-  printf("%-13s x=%ld y=%ld global=%ld,%ld button=%u modifiers=0x%04x count=%u", typeName(e.type), e.x, e.y,
-         e.globalX, e.globalY, e.button, e.modifiers, e.count);
-  if (e.type == OrvKeyDown || e.type == OrvKeyUp) printf(" key=%u", e.key);
+  printf("%-13s x=%ld y=%ld global=%ld,%ld modifiers=0x%04x", typeName(e.type), e.x, e.y, e.globalX,
+         e.globalY, e.modifiers);
+  if (e.type == OrvKeyDown || e.type == OrvKeyUp)
+    printf(" key=%u", e.key);
+  else if (e.type == OrvClientMessage)
+    printf(" data=\"%s\"", e.data);
+  else
+    printf(" button=%u", e.button);
+  if (e.type == OrvDoubleClick) printf(" count=%u", e.count);
   printf("\n");
   fflush(stdout);
 }

@@ -332,6 +332,7 @@ TEST(Director, ClipboardRoundTripThroughTheServer) {
 
 TEST(Director, PointerWarpAndQuery) {
   REQUIRE_X();
+  OrvTestInputLock lock;
   OrvDirector d("pointer", 0, 0, 0);
   d.movePointer(Orv2dPoint(300, 200));
   long x = 0, y = 0;
@@ -389,6 +390,7 @@ TEST(Director, EightBitScreenWithoutGLStaysUsable) {
 
 TEST(Director, ViewsByNameAndByPoint) {
   REQUIRE_X();
+  OrvTestInputLock lock;  // windows of other tests could stand over these
   OrvDirector d("finder", 0, 0, 0);
   OrvView* a = new OrvView(&d, Orv2dRect(820, 560, 200, 150), "A");
   OrvView* b = new OrvView(&d, Orv2dRect(300, 760, 200, 150), "B");

@@ -275,6 +275,7 @@ TEST(Loop, NoDirectorReportsAndReturns) {
 
 TEST(Loop, DirectorGrabsStack) {
   REQUIRE_X();
+  OrvTestInputLock lock;
   OrvDirector d("grabs", 0, 0, 0);
   OrvView* a = new OrvView(&d, Orv2dRect(40, 40, 100, 80), "a");
   OrvView* b = new OrvView(&d, Orv2dRect(300, 40, 100, 80), "b");

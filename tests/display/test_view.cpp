@@ -63,6 +63,7 @@ void listen(OrvView* v, Log* log) {
 
 // A director, a mapped top-level view that hears everything, a raw connection.
 struct Fixture {
+  OrvTestInputLock lock;
   OrvDirector* d;
   OrvView* v;
   Display* raw;
@@ -73,6 +74,7 @@ struct Fixture {
     listen(v, &log);
     raw = OrvTestOpenDisplay();
     OrvTestWaitViewable(raw, v->window());
+    XRaiseWindow(raw, v->window());
     OrvTestRunFor(30);  // the first expose and the map
     log = Log();
   }
@@ -230,6 +232,7 @@ TEST(View, ChildrenAndDestruction) {
 
 TEST(View, ForeignWindowsAreWrappedNotDestroyed) {
   REQUIRE_X();
+  OrvTestInputLock lock;
   OrvDirector d("foreign", 0, 0, 0);
   Display* raw = OrvTestOpenDisplay();
   Window w = XCreateSimpleWindow(raw, DefaultRootWindow(raw), 44, 55, 120, 90, 0, 0, 0);
@@ -681,4 +684,168 @@ TEST(View, GLWindowSharesTheRootContext) {
   EXPECT_NE(child->glContext, nullptr);
   delete v;
   XCloseDisplay(raw);
+}
+
+TEST(View, BackgroundCursorGhostIconAndBackingBitmap) {
+  REQUIRE_X();
+  Fixture f("looks", Orv2dRect(150, 650, 120, 90));
+  OrvDirector* d = f.d;
+  OrvView* v = f.v;
+  Window w = v->window();
+  ASSERT_NE(d->defaultBackground, nullptr);
+  EXPECT_EQ(v->background, d->defaultBackground);
+  ASSERT_NE(v->backgroundMakeUp, nullptr);
+  EXPECT_EQ(v->backgroundMakeUp->foreground(), d->defaultBackground);
+  EXPECT_EQ(v->backgroundMakeUp->background(), d->defaultForeground);
+  ASSERT_NE(v->ghostMakeUp, nullptr);
+  EXPECT_EQ(v->ghostMakeUp->mode, (OrvDrawMode)OrvXorMode);
+
+  // A new background: counted once, sent to X, and the background make-up follows.
+  OrvColor* red = d->color("red");
+  ASSERT_NE(red, nullptr);
+  OrvCount(red);
+  int held = red->count;
+  v->setBackground(red);
+  EXPECT_EQ(red->count, held + 2) << "held by the view and by its background make-up";
+  v->setBackground(red);
+  EXPECT_EQ(red->count, held + 2) << "the current colour changes nothing";
+  EXPECT_EQ(v->backgroundMakeUp->foreground(), red);
+  v->erase(0);
+  XSync((Display*)d->display, False);
+  EXPECT_EQ(OrvTestRGB(f.raw, w, 5, 5), 0xFF0000u);
+
+  OrvCursor* cross = d->cursor("cross");
+  ASSERT_NE(cross, nullptr);
+  int c0 = cross->count;
+  v->setCursor(cross);
+  v->setCursor(cross);
+  EXPECT_EQ(cross->count, c0 + 1);
+  v->setCursor(0);
+  EXPECT_EQ(cross->count, c0);
+  EXPECT_EQ(v->cursor, nullptr);
+
+  OrvBitmap* icon = new OrvBitmap(d->rootCanvas, 16, 16, 1);
+  v->iconBitmap(icon, 0);
+  EXPECT_EQ(icon->lockCount, 1u);
+  XSync((Display*)d->display, False);
+  XWMHints* hints = XGetWMHints(f.raw, w);
+  ASSERT_NE(hints, nullptr);
+  EXPECT_TRUE(hints->flags & IconPixmapHint);
+  EXPECT_FALSE(hints->flags & IconMaskHint);
+  EXPECT_EQ(hints->icon_pixmap, (Pixmap)icon->drawable);
+  XFree(hints);
+
+  // The backing bitmap: the view's size, painted with the background, rebuilt on resize.
+  v->useBitmap(1);
+  ASSERT_NE(v->bitmap, nullptr);
+  EXPECT_EQ(v->bitmap->width, 120u);
+  EXPECT_EQ(v->bitmap->height, 90u);
+  EXPECT_EQ(v->bitmap->depth, v->depth);
+  XSync((Display*)d->display, False);
+  EXPECT_EQ(OrvTestRGB(f.raw, v->bitmap->drawable, 60, 45), 0xFF0000u);
+  XResizeWindow(f.raw, w, 140, 100);
+  ASSERT_TRUE(f.runUntil([&] { return v->width == 140; }));
+  EXPECT_EQ(v->bitmap->width, 140u);
+  EXPECT_EQ(v->bitmap->height, 100u);
+  // With a backing bitmap an expose leaves the window to the subclass.
+  GC gc = XCreateGC(f.raw, w, 0, 0);
+  XSetForeground(f.raw, gc, 0x00FF00);
+  XFillRectangle(f.raw, w, gc, 0, 0, 140, 100);
+  XFreeGC(f.raw, gc);
+  f.log = Log();
+  XEvent e;
+  memset(&e, 0, sizeof e);
+  e.type = Expose;
+  e.xexpose.window = w;
+  e.xexpose.width = 50;
+  e.xexpose.height = 50;
+  XSendEvent(f.raw, w, False, ExposureMask, &e);
+  ASSERT_TRUE(f.runUntil([&] { return f.log.exposes.size() == 1; }));
+  EXPECT_EQ(OrvTestRGB(f.raw, w, 10, 10), 0x00FF00u);
+  v->useBitmap(0);
+  EXPECT_EQ(v->bitmap, nullptr);
+  OrvRelease(red);
+}
+
+TEST(View, DecodingOfTheRemainingKinds) {
+  REQUIRE_X();
+  Fixture f("decode", Orv2dRect(420, 40, 80, 60));
+  XEvent e;
+  OrvEvent out;
+  memset(&e, 0, sizeof e);
+  e.xany.display = (Display*)f.d->display;
+  e.xany.window = f.v->window();
+  e.type = VisibilityNotify;
+  e.xvisibility.state = VisibilityPartiallyObscured;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvVisibility);
+  EXPECT_EQ(out.button, VisibilityPartiallyObscured);
+  EXPECT_EQ(out.window, f.v->window());
+  e.type = FocusIn;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvFocusIn);
+  e.type = FocusOut;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvFocusOut);
+  memset(&e, 0, sizeof e);
+  e.type = GraphicsExpose;
+  e.xgraphicsexpose.display = (Display*)f.d->display;
+  e.xgraphicsexpose.drawable = f.v->window();
+  e.xgraphicsexpose.x = 3;
+  e.xgraphicsexpose.y = 4;
+  e.xgraphicsexpose.width = 5;
+  e.xgraphicsexpose.height = 6;
+  e.xgraphicsexpose.count = 2;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvExpose);
+  EXPECT_EQ(out.width, 5);
+  EXPECT_EQ(out.count, 2);
+  // A configure sent by a client carries its flag and no root position.
+  memset(&e, 0, sizeof e);
+  e.type = ConfigureNotify;
+  e.xconfigure.display = (Display*)f.d->display;
+  e.xconfigure.window = e.xconfigure.event = f.v->window();
+  e.xconfigure.send_event = True;
+  e.xconfigure.x = 7;
+  e.xconfigure.width = 80;
+  e.xconfigure.height = 60;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.type, OrvConfigure);
+  EXPECT_EQ(out.button, 1);
+  EXPECT_EQ(out.globalX, 0);
+  e.xconfigure.send_event = False;
+  OrvInstanceDecodeEvent(f.d, &e, out);
+  EXPECT_EQ(out.button, 0);
+  EXPECT_EQ(out.globalX, 420 + 1);
+  EXPECT_EQ(out.globalY, 40 + 1);
+}
+
+TEST(View, SlowMotionSkippingTakesTheNewestOfTheSameWindow) {
+  REQUIRE_X();
+  Fixture f("skip", Orv2dRect(520, 420, 200, 150));
+  Display* dpy = (Display*)f.d->display;
+  Window w = f.v->window();
+  OrvTestMoveIn(f.raw, w, 5, 5);
+  f.runUntil([&] { return f.log.countType(OrvPointerMoved) > 0; });
+  for (int i = 1; i <= 6; i++) OrvTestMoveIn(f.raw, w, 5 + 10 * i, 5 + i);
+  XSync(f.raw, False);
+  XSync(dpy, False);
+  XEvent x;
+  do XNextEvent(dpy, &x);
+  while (x.type != MotionNotify);
+  OrvEvent e;
+  OrvInstanceDecodeEvent(f.d, &x, e);
+  EXPECT_EQ(e.x, 15);
+  OrvFastSkipMotionEvents(0);
+  EXPECT_EQ(OrvSkipMotionEvents(f.v, e, &x), 1);
+  EXPECT_EQ(e.type, OrvPointerMoved);
+  EXPECT_EQ(e.x, 65);
+  EXPECT_EQ(e.y, 11);
+  EXPECT_EQ(x.xmotion.x, 65);
+  EXPECT_EQ(OrvSkipMotionEvents(f.v, e, &x), 0) << "nothing left to skip";
+  orv_compress_drag_events = 0;
+  EXPECT_EQ(OrvSkipMotionEvents(f.v, e, &x), 0);
+  EXPECT_EQ(OrvFastSkipMotionEvents(f.v, e), 0);
+  orv_compress_drag_events = 1;
+  OrvFastSkipMotionEvents(1);
 }

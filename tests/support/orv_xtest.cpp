@@ -6,8 +6,14 @@
 #include <X11/keysym.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <fcntl.h>
+#include <string.h>
+#include <sys/file.h>
 #include <sys/select.h>
 #include <sys/time.h>
+#include <unistd.h>
+
+#include <string>
 
 static long nowMs() {
   struct timeval tv;
@@ -146,4 +152,19 @@ bool OrvTestWritePPM(Display* dpy, Window window, const char* path) {
   fclose(f);
   XDestroyImage(im);
   return true;
+}
+
+OrvTestInputLock::OrvTestInputLock() : fd(-1) {
+  std::string path = "/tmp/orv-xinput-";
+  const char* dn = getenv("DISPLAY");
+  for (const char* c = dn ? dn : "none"; *c; c++) path += (*c == '/' ? '_' : *c);
+  fd = open(path.c_str(), O_RDWR | O_CREAT, 0666);
+  if (fd >= 0) flock(fd, LOCK_EX);
+}
+
+OrvTestInputLock::~OrvTestInputLock() {
+  if (fd >= 0) {
+    flock(fd, LOCK_UN);
+    close(fd);
+  }
 }

@@ -43,6 +43,20 @@ bool OrvTestRunUntil(const std::function<bool()>& done, int timeoutMs = 3000);
 // Runs the loop for that long.
 void OrvTestRunFor(int ms);
 
+// Held by a test while it moves the pointer or types: test processes run in
+// parallel on one server and share its pointer and keyboard. An flock on a
+// file named after $DISPLAY, released by the destructor.
+class OrvTestInputLock {
+public:
+  OrvTestInputLock();
+  ~OrvTestInputLock();
+  OrvTestInputLock(const OrvTestInputLock&) = delete;
+  OrvTestInputLock& operator=(const OrvTestInputLock&) = delete;
+
+private:
+  int fd;
+};
+
 // Writes the window's pixels as a binary PPM (P6). False on failure.
 bool OrvTestWritePPM(Display* dpy, Window window, const char* path);
 

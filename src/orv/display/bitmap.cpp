@@ -133,9 +133,12 @@ void OrvBitmap::setBits(const Orv2dRect& rect, const unsigned char* data, unsign
                         unsigned long lsbFirst) {
   if (!data || rect.w == 0 || rect.h == 0) return;
   Display* dpy = displayOf(this);
+  // Xlib refuses a row shorter than the pad would ask for: describe the rows with the
+  // smallest pad, then state the pad that was given.
   XImage* image = XCreateImage(dpy, DefaultVisual(dpy, DefaultScreen(dpy)), depth, ZPixmap, 0, 0, rect.w, rect.h,
-                               pad, (int)(size / rect.h));
+                               8, (int)(size / rect.h));
   if (!image) return;
+  image->bitmap_pad = pad;
   image->data = (char*)data;
   image->byte_order = MSBFirst;
   image->bitmap_bit_order = lsbFirst ? LSBFirst : MSBFirst;
