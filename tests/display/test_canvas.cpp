@@ -444,6 +444,11 @@ TEST_P(Canvas, DrawsOnAViewToo) {
   v->rectangle(red, Orv2dRect(50, 60, 40, 10), 1);
   v->setClip(0);
   XSync(dpy, False);
+  ASSERT_NE(v->ghostMakeUp, nullptr);
+  v->ghostMakeUp->clipValid = 1;
+  v->setClip(&clip);
+  EXPECT_EQ(v->ghostMakeUp->clipValid, 0) << "a new clip reaches the ghost too";
+  v->setClip(0);
   EXPECT_EQ(pixel(v, 20, 20), px("red"));
   EXPECT_EQ(pixel(v, 45, 20), px("white"));
   EXPECT_EQ(pixel(v, 80, 50), px("red"));

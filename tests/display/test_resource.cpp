@@ -244,6 +244,13 @@ TEST_P(Resources, CursorsByName) {
   ASSERT_NE(wait, nullptr) << "the clock under its new name";
   EXPECT_NE(wait->internal(d->rootCanvas), 0u);
   EXPECT_EQ(wait->count, 1);
+  // A canvas with resources of its own makes the wait cursor under that name too.
+  OrvCanvas* own = new OrvCanvas(d, 10, 10, (void*)d->rootCanvas->drawable);
+  own->sharesRootResources = 0;
+  EXPECT_NE(wait->internal(own), 0u);
+  EXPECT_EQ(wait->internals.length(), 2u);
+  delete own;
+  EXPECT_EQ(wait->internals.length(), 1u);
   OrvCursor* hand = d->cursor("hand2");
   ASSERT_NE(hand, nullptr);
   EXPECT_EQ(d->cursor("hand2"), hand);
@@ -341,6 +348,33 @@ TEST_P(Resources, ScreenBufferAndBitmaps) {
   EXPECT_EQ(OrvBitmapPixelForTest(d, unknown, 0, 1), 1u);
   EXPECT_EQ(OrvBitmapPixelForTest(d, unknown, 13, 1), 1u);
   EXPECT_EQ(OrvBitmapPixelForTest(d, unknown, 14, 1), 0u);
+}
+
+TEST_P(Resources, CloseReleasesWhatIsLeft) {
+  // Everything here is left held on purpose; closing gives it all back (the leak checker of
+  // the sanitized build watches this).
+  OrvColor* c = d->color("orchid");
+  OrvCount(c);
+  OrvCount(c);
+  OrvMakeUp* m = d->makeUpFont(d->makeUpBackground(d->defaultMakeUp, c), d->font("%helvetica-12-B"));
+  OrvCount(m);
+  OrvBitmap* tile = new OrvBitmap(d->rootCanvas, 4, 4, d->depth);
+  OrvCount(d->makeUpColorPattern(m, tile));
+  unsigned char data[16] = {0};
+  d->pattern("left behind", 16, 1, data);
+  OrvCount(d->cursor("pirate"));
+  d->screenBuffer(30, 30);
+  OrvBitmap* masked = new OrvBitmap(d->rootCanvas, 4, 4, d->depth);
+  masked->setMask(new OrvBitmap(d->rootCanvas, 4, 4, 1));
+  d->close();
+  EXPECT_EQ(d->colors, nullptr);
+  EXPECT_EQ(d->makeUps, nullptr);
+  EXPECT_EQ(d->fonts, nullptr);
+  EXPECT_EQ(d->patterns, nullptr);
+  EXPECT_EQ(d->cursors, nullptr);
+  EXPECT_EQ(d->bitmaps, nullptr);
+  EXPECT_EQ(d->defaultMakeUp, nullptr);
+  EXPECT_EQ(d->colorNames.first, nullptr) << "aliases go with their colours";
 }
 
 TEST_P(Resources, AsciiBitmapFile) {

@@ -7,6 +7,7 @@
 #include "orv/director.h"
 #include "orv/makeup.h"
 #include "orv/resource.h"
+#include "orv/view.h"
 
 // Xlib after the library headers: its macros (Above, Below, None) would break them.
 #include <X11/Xlib.h>
@@ -155,6 +156,15 @@ void OrvCanvas::setClip(const Orv2dRegion* region) {
       if (director->makeUps->buckets[i])
         for (OrvLink* l = director->makeUps->buckets[i]->first; l; l = l->next)
           ((OrvMakeUp*)l->value)->clipValid = 0;
+  }
+  // The views' ghosts stand outside the table but share the same contexts' fate.
+  if (director && director->views) {
+    for (unsigned i = 0; i < director->views->size; i++)
+      if (director->views->buckets[i])
+        for (OrvAListItem* it = director->views->buckets[i]->first; it; it = it->next) {
+          OrvView* v = (OrvView*)it->value;
+          if (v->ghostMakeUp) v->ghostMakeUp->clipValid = 0;
+        }
   }
 }
 

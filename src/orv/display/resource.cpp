@@ -280,8 +280,10 @@ static const OrvCursorShape cursorShapes[] = {
 
 int OrvCanvas::makeCursor(OrvCursor* cursor) {
   const char* n = cursor->name ? cursor->name : "";
+  // The clock cursor is kept under the name "wait".
+  const char* shapeName = strcmp(n, "wait") == 0 ? "clock" : n;
   for (const OrvCursorShape& s : cursorShapes) {
-    if (strcmp(s.name, n) == 0) {
+    if (strcmp(s.name, shapeName) == 0) {
       Cursor c = XCreateFontCursor((Display*)director->display, s.shape);
       if (!c) break;
       cursor->add(this, (unsigned long)c);
