@@ -24,6 +24,7 @@ namespace {
 
 const unsigned kWidth = 1000, kHeight = 800;
 long gDraws = 0;  // draw2d calls of the counting actors below
+long gTests = 0;  // their intersects2d calls: actors looked at by a repaint
 
 class BenchRect : public OrvFilledRectangle {
 public:
@@ -31,6 +32,10 @@ public:
   void draw2d(OrvCanvas* c, const Orv2dMatrix* m) override {
     gDraws++;
     OrvFilledRectangle::draw2d(c, m);
+  }
+  unsigned long intersects2d(const Orv2dRegion& r, const Orv2dMatrix* m) const override {
+    gTests++;
+    return OrvFilledRectangle::intersects2d(r, m);
   }
 };
 class BenchLine : public OrvLine {
@@ -40,6 +45,10 @@ public:
     gDraws++;
     OrvLine::draw2d(c, m);
   }
+  unsigned long intersects2d(const Orv2dRegion& r, const Orv2dMatrix* m) const override {
+    gTests++;
+    return OrvLine::intersects2d(r, m);
+  }
 };
 class BenchLabel : public OrvLabel {
 public:
@@ -47,6 +56,10 @@ public:
   void draw2d(OrvCanvas* c, const Orv2dMatrix* m) override {
     gDraws++;
     OrvLabel::draw2d(c, m);
+  }
+  unsigned long intersects2d(const Orv2dRegion& r, const Orv2dMatrix* m) const override {
+    gTests++;
+    return OrvLabel::intersects2d(r, m);
   }
 };
 
@@ -172,6 +185,7 @@ struct Scene {
 
 void setCounters(benchmark::State& state, long draws, unsigned n) {
   state.counters["draw2d_per_op"] = benchmark::Counter((double)draws / (double)state.iterations());
+  state.counters["tests_per_op"] = benchmark::Counter((double)gTests / (double)state.iterations());
   state.counters["actors"] = n;
 }
 
@@ -180,6 +194,7 @@ void BM_FullRepaint(benchmark::State& state) {
   Scene scene(n, false);
   World& w = World::get();
   gDraws = 0;
+  gTests = 0;
   for (auto _ : state) {
     scene.stage->drawAll(nullptr, 1);
     w.sync();
@@ -234,6 +249,7 @@ void BM_MoveOneAlone(benchmark::State& state) {
   Scene scene(n, false, kind);
   World& w = World::get();
   gDraws = 0;
+  gTests = 0;
   bool right = true;
   for (auto _ : state) {
     scene.move(right);
@@ -251,6 +267,7 @@ void BM_MoveOneCrowded(benchmark::State& state) {
   World& w = World::get();
   unsigned expected = scene.overlapping();
   gDraws = 0;
+  gTests = 0;
   bool right = true;
   for (auto _ : state) {
     scene.move(right);
@@ -271,6 +288,7 @@ void exposeBench(benchmark::State& state, bool indexed) {
   World& w = World::get();
   Orv2dRegion region(Orv2dRect(300, 300, 20, 20), 25);
   gDraws = 0;
+  gTests = 0;
   for (auto _ : state) {
     scene.stage->handleExpose(&region);
     w.sync();

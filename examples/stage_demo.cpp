@@ -141,7 +141,17 @@ struct Demo {
         }
       }
     }
-    // Layer 2: lines, arrows and labels.
+    // Also in layer 1: a swarm of small squares inside one indexed set, which
+    // repaints only what meets the clip.
+    OrvIndexedSet* swarm = new OrvIndexedSet(director, 0, nullptr);
+    for (int i = 0; i < 60; i++) {
+      long x = 560 + (long)(nextRandom() % 220), y = 380 + (long)(nextRandom() % 200);
+      swarm->quadtree->add(new OrvFilledRectangle(director, Orv2dRect(x, y, 5, 5), inkUps[i % 7]));
+      actors++;
+    }
+    swarm->invalidateBox();
+    add(swarm, 1);
+    // Layer 2: lines, arrows, labels and icons.
     for (int i = 0; i < 90; i++) {
       Orv2dPoint a(randomIn(10, kWidth - 10), randomIn(10, kHeight - 10));
       Orv2dPoint b(a.x + randomIn(-70, 70), a.y + randomIn(-70, 70));
@@ -155,6 +165,16 @@ struct Demo {
         add(new OrvLabel(director, text, a, OrvLeft, inkUps[i % 7]), 2);
       }
     }
+    // A small picture painted once into a bitmap, shown by a few icons.
+    OrvBitmap* picture = new OrvBitmap(stage, 24, 24, stage->depth);
+    picture->prepare(nullptr);
+    picture->rectangle(palette.color("white"), Orv2dRect(0, 0, 24, 24), 1);
+    picture->arc(inkUps[0], Orv2dRect(2, 2, 20, 20), 0.0f, 360.0f, 1);
+    picture->rectangle(inkUps[2], Orv2dRect(8, 8, 8, 8), 1);
+    picture->rectangle(inkUps[2], Orv2dRect(0, 0, 24, 24), 0);
+    picture->end();
+    for (int i = 0; i < 6; i++)
+      add(new OrvIcon(director, picture, Orv2dPoint(60 + i * 120, 330 + (i & 1) * 40)), 2);
     // Layer 3: the animated actors, on top of everything.
     ball = new OrvFilledEllipse(director, Orv2dRect(100, 100, 46, 46), palette.color("red"));
     slider = new OrvFilledRectangle(director, Orv2dRect(20, 540, 120, 30), palette.color("gold"));

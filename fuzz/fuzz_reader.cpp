@@ -2,7 +2,6 @@
 // crash nor leak nor leave a half-read object behind.
 #include <orv/actor.h>
 #include <orv/director.h>
-#include <orv/layer.h>
 #include <orv/stream.h>
 
 #include <cstdint>
@@ -17,18 +16,6 @@ static OrvDirector* fuzzDirector() {
   return director;
 }
 
-// An indexed set does not own the actors of its tree: whoever throws the set
-// away deletes them, as an application does.
-static void deleteActor(OrvActor* actor, void* = nullptr) {
-  OrvIndexedSet* set = dynamic_cast<OrvIndexedSet*>(actor);
-  if (set) {
-    set->quadtree->apply(deleteActor, nullptr);
-    set->quadtree->empty(0);
-    set->quadtree = nullptr;
-  }
-  delete actor;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   OrvDirector* director = fuzzDirector();
   std::istringstream in(std::string((const char*)data, size));
@@ -36,7 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   unsigned count = 0;
   OrvActor** actors = reader.read(count, 1);
   if (actors) {
-    for (unsigned i = 0; i < count && actors[i]; i++) deleteActor(actors[i]);
+    for (unsigned i = 0; i < count && actors[i]; i++) delete actors[i];
     delete[] actors;
   }
   return 0;

@@ -154,6 +154,7 @@ public:
     OrvIndexedSet(OrvDirector* director, unsigned short max = 0, OrvMakeUp* makeUp = 0);
     OrvIndexedSet(const OrvIndexedSet& source);
     explicit OrvIndexedSet(OrvIStream& stream);
+    // Deletes the actors of the tree with it.
     ~OrvIndexedSet() override;
 
     OrvActor* copy() const override;

@@ -231,7 +231,7 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     b->setSelectable(0);
     b->setSelected(1);
     EXPECT_FALSE(b->isSelected());
-    stage->selections(n);
+    free(stage->selections(n));
     EXPECT_EQ(n, 3u);
     // Handles of selections are hit through containsDragger.
     EXPECT_EQ(stage->containsDragger(Orv2dPoint(10, 10)), a);
@@ -256,4 +256,36 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     EXPECT_EQ(stage->cardinal(), 0u);
     EXPECT_EQ(stage->drawAlls, 1);
     EXPECT_EQ(rgb(20, 20), background);
+}
+
+TEST_F(StageTest, IndexedSetPaintsOnlyWhatMeetsTheClip) {
+    OrvIndexedSet* set = new OrvIndexedSet(director, 4, red);
+    std::vector<TestBox*> boxes;
+    for (int y = 0; y < 7; y++)
+        for (int x = 0; x < 10; x++) {
+            boxes.push_back(new TestBox(director, red, Orv2dRect(x * 20, y * 20, 8, 8)));
+            set->quadtree->add(boxes.back());
+        }
+    set->invalidateBox();
+    stage->append(set, 0);
+    EXPECT_EQ(set->bbox2d(nullptr), Orv2dRect(0, 0, 188, 128));
+    EXPECT_EQ(rgb(2, 2), 0xFF0000u);
+    EXPECT_EQ(rgb(184, 124), 0xFF0000u);
+    EXPECT_EQ(rgb(12, 2), background);
+    int total = 0;
+    for (TestBox* b : boxes) total += b->draws;
+    EXPECT_EQ(total, 70);
+    // A small repaint asks only the tree's actors near it.
+    resetCounts(boxes);
+    stage->beginDrawing();
+    stage->invalidate(Orv2dRect(42, 42, 4, 4));
+    stage->flushDrawing(1);
+    EXPECT_EQ(stage->drawAlls, 1);
+    total = 0;
+    for (TestBox* b : boxes) total += b->draws;
+    EXPECT_EQ(total, 1);
+    EXPECT_EQ(boxes[2 * 10 + 2]->draws, 1);
+    EXPECT_EQ(stage->contains(Orv2dPoint(43, 43)), set);
+    EXPECT_EQ(set->whichContains(Orv2dPoint(43, 43), nullptr), boxes[22]);
+    EXPECT_EQ(stage->contains(Orv2dPoint(52, 43)), nullptr);
 }

@@ -390,3 +390,39 @@ TEST_F(ProducerTest, EntryPointsForScenesArePresent) {
   EXPECT_EQ(nullptr, stage->producers.find(select->move));
   EXPECT_NE(nullptr, stage->producers.find(select));
 }
+
+TEST_F(ProducerTest, CursorFollowsTheHandlesWithoutAPress) {
+  RouteBox* a = box(100, 60, 60, 40);
+  a->setSelected(1);
+  moveTo(30, 170);
+  EXPECT_EQ(nullptr, stage->cursor);
+  moveTo(100, 60);  // left-top handle
+  ASSERT_NE(nullptr, stage->cursor);
+  EXPECT_EQ(director->positionToCursor(5), stage->cursor);
+  moveTo(160, 80);  // right handle
+  EXPECT_EQ(director->positionToCursor(2), stage->cursor);
+  moveTo(130, 80);  // inside, off the handles
+  EXPECT_EQ(nullptr, stage->cursor);
+}
+
+TEST_F(ProducerTest, GhostSurvivesARepaintDuringTheDragAndGoesAfter) {
+  RouteBox* a = box(20, 20, 60, 40);
+  click(50, 40);
+  press(50, 40);
+  moveTo(90, 70);
+  moveTo(110, 90);
+  // Ghost: the selections' box (grown by 4 for the handles) moved by 60, 50.
+  const int gx = 20 - 4 + 60, gy = 20 - 4 + 50;
+  EXPECT_NE(background, rgb(gx, gy + 10));
+  stage->drawAll(nullptr, 1);
+  EXPECT_NE(background, rgb(gx, gy + 10));
+  Orv2dRegion part(25);
+  part.extendBy(Orv2dRect(gx - 10, gy, 30, 40));
+  stage->drawAll(&part, 1);
+  EXPECT_NE(background, rgb(gx, gy + 10));
+  release();
+  EXPECT_EQ(80, a->box.x);
+  EXPECT_EQ(70, a->box.y);
+  EXPECT_EQ(background, rgb(gx, gy + 10));
+  EXPECT_TRUE(sameAsRepaint());
+}

@@ -380,6 +380,4 @@ TEST(IndexedSet, BoxHitTestAndCopy) {
     EXPECT_EQ(((OrvIndexedSet*)copy)->quadtree->count, 0u);
     EXPECT_EQ(((OrvIndexedSet*)copy)->quadtree->max, OrvDefaultQuadtreeMax);
     delete copy;
-    set.quadtree->empty(1);
-    set.quadtree = new OrvQuadtree(3, nullptr);
 }

@@ -277,3 +277,25 @@ TEST_F(RouteTest, ReshapeRoleResizesAboutTheCentre) {
   EXPECT_EQ(0xff0000ul, rgb(91, 56));
   EXPECT_EQ(60 * 40, foreignPixels(0, 0, 300, 200));
 }
+
+TEST_F(RouteTest, DeletedRoleLeavesEveryActorThatUsedIt) {
+  OfferLog unused;
+  RecordingRole* role = new RecordingRole(&unused, "gone");
+  RouteBox* a = box(20, 20, 40, 30);
+  RouteBox* b = box(120, 20, 40, 30);
+  OrvStage* other = newStage(Orv2dRect(320, 0, 200, 150));
+  RouteBox* c = box(10, 10, 40, 30, nullptr, other);
+  a->setRole(role);
+  c->setRole(role);
+  b->setRole(OrvGetRole("Button"));
+  EXPECT_TRUE(a->getProperty(10));
+  delete role;
+  EXPECT_EQ(nullptr, a->getRole());
+  EXPECT_EQ(nullptr, c->getRole());
+  EXPECT_FALSE(a->getProperty(10));
+  EXPECT_EQ(OrvGetRole("Button"), b->getRole());
+  // Nothing answers a press any more.
+  click(30, 30);
+  EXPECT_EQ(0u, unused.size());
+  delete other;
+}

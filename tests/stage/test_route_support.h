@@ -26,6 +26,7 @@
 #include <X11/keysym.h>
 
 #include "orv_xtest.h"
+#include "test_stage_support.h"  // PrivateXServer
 
 // A filled rectangle in its make-up's foreground; apply2d moves and scales it.
 class RouteBox : public OrvActor {
@@ -111,6 +112,7 @@ public:
 
 class RouteTest : public ::testing::Test {
 protected:
+  PrivateXServer server;
   OrvDirector* director = nullptr;
   OrvStage* stage = nullptr;
   Display* dpy = nullptr;
@@ -121,11 +123,9 @@ protected:
 
   void SetUp() override {
     if (!getenv("DISPLAY")) GTEST_SKIP() << "no DISPLAY";
-    // One connection kept for the whole run: without it the server resets
-    // each time a test's director closes the last connection, and a
-    // connection made during the reset is dropped.
-    static Display* keeper = OrvTestOpenDisplay();
-    (void)keeper;
+    // A server of the test's own: XTest moves the one pointer of a server,
+    // so tests running side by side on a shared one would steer each other.
+    if (server.start()) setenv("DISPLAY", server.name.c_str(), 1);
     director = new OrvDirector("testroute", nullptr, 0, nullptr);
     dpy = (Display*)director->display;
     // Tests click faster than a person: quick presses must stay single clicks.

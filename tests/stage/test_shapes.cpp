@@ -309,7 +309,10 @@ TEST_F(StageTest, LabelsAlignInTheirFont) {
 
 TEST_F(StageTest, IconsPaintAndHitThroughTheirMask) {
     OrvBitmap* picture = new OrvBitmap(stage, 8, 8, stage->depth);
+    // A make-up's context keeps the clip of the last canvas prepared: clear it.
+    picture->prepare(nullptr);
     picture->rectangle(red, Orv2dRect(0, 0, 8, 8), 1);
+    picture->end();
     OrvBitmap* mask = new OrvBitmap(stage, 8, 8, 1);
     unsigned char rows[8];
     memset(rows, 0xF0, sizeof rows); // the left half, most significant bit first
@@ -322,7 +325,9 @@ TEST_F(StageTest, IconsPaintAndHitThroughTheirMask) {
     EXPECT_TRUE(icon->contains2d(Orv2dPoint(43, 47), nullptr));
     EXPECT_FALSE(icon->contains2d(Orv2dPoint(45, 41), nullptr));
     EXPECT_FALSE(icon->contains2d(Orv2dPoint(39, 41), nullptr));
+    // The picture shows through the mask only.
     EXPECT_EQ(rgb(41, 41), 0xFF0000u);
+    EXPECT_EQ(rgb(46, 41), background);
     EXPECT_EQ(stage->contains(Orv2dPoint(41, 41)), icon);
     EXPECT_EQ(stage->contains(Orv2dPoint(46, 41)), nullptr);
     // The copy holds the bitmap too.
@@ -330,9 +335,14 @@ TEST_F(StageTest, IconsPaintAndHitThroughTheirMask) {
     EXPECT_EQ(copy->bitmap, picture);
     EXPECT_TRUE(copy->contains2d(Orv2dPoint(41, 41), nullptr));
     delete copy;
-    // Without a mask the whole box is hit.
+    // Without a mask the whole box is hit and painted.
     OrvBitmap* plain = new OrvBitmap(stage, 4, 4, stage->depth);
+    plain->prepare(nullptr);
+    plain->rectangle(blue, Orv2dRect(0, 0, 4, 4), 1);
+    plain->end();
     OrvIcon* square = new OrvIcon(director, plain, Orv2dPoint(100, 100), red);
     EXPECT_TRUE(square->contains2d(Orv2dPoint(103, 103), nullptr));
-    delete square;
+    stage->append(square, 0);
+    EXPECT_EQ(rgb(101, 101), 0x0000FFu);
+    EXPECT_EQ(rgb(105, 101), background);
 }

@@ -6,7 +6,15 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <vector>
 
 // The library's headers come before Xlib's, whose macros they must not meet.
@@ -104,8 +112,60 @@ public:
   unsigned long deletedByStage() const override { return 1; }
 };
 
+// An X server of the test's own. Test processes run side by side on the
+// suite's server, where another test's window may lie over the one whose
+// pixels are read; on a server of its own a window is never covered.
+class PrivateXServer {
+public:
+  pid_t pid = -1;
+  std::string name;
+
+  bool start() {
+    int fds[2];
+    if (pipe(fds) != 0) return false;
+    pid = fork();
+    if (pid < 0) return false;
+    if (pid == 0) {
+      close(fds[0]);
+      int devnull = open("/dev/null", O_RDWR);
+      dup2(devnull, 1);
+      dup2(devnull, 2);
+      char fd[16];
+      snprintf(fd, sizeof fd, "%d", fds[1]);
+      execlp("Xvfb", "Xvfb", "-displayfd", fd, "-screen", "0", "640x480x24", "-nolisten", "tcp", "-noreset",
+             "-fp",
+             "/usr/share/fonts/X11/misc,/usr/share/fonts/X11/75dpi/:unscaled,"
+             "/usr/share/fonts/X11/100dpi/:unscaled,built-ins",
+             (char*)nullptr);
+      _exit(127);
+    }
+    close(fds[1]);
+    // The server writes its display number once it accepts clients.
+    std::string number;
+    struct pollfd p = {fds[0], POLLIN, 0};
+    char c;
+    while (poll(&p, 1, 10000) > 0 && read(fds[0], &c, 1) == 1 && c != '\n') number += c;
+    close(fds[0]);
+    if (number.empty()) {
+      stop();
+      return false;
+    }
+    name = ":" + number;
+    return true;
+  }
+  void stop() {
+    if (pid > 0) {
+      kill(pid, SIGTERM);
+      waitpid(pid, nullptr, 0);
+    }
+    pid = -1;
+  }
+  ~PrivateXServer() { stop(); }
+};
+
 class StageTest : public ::testing::Test {
 protected:
+  PrivateXServer server;
   OrvDirector* director = nullptr;
   CountingStage* stage = nullptr;
   Display* dpy = nullptr;
@@ -115,6 +175,8 @@ protected:
 
   void SetUp() override {
     if (!getenv("DISPLAY")) GTEST_SKIP() << "no DISPLAY";
+    // Without Xvfb at hand the suite's server serves, covered or not.
+    if (server.start()) setenv("DISPLAY", server.name.c_str(), 1);
     director = new OrvDirector("teststage", nullptr, 0, nullptr);
     dpy = (Display*)director->display;
     red = director->makeUpForeground(director->defaultMakeUp, director->color("red"));

@@ -86,7 +86,7 @@ TEST_F(StageTest, BufferedDrawPaintsThroughTheScreenBuffer) {
   EXPECT_EQ(0, far->draws);
   EXPECT_EQ(0, stage->windowErases);
   EXPECT_EQ(0, stage->drawAlls);
-  EXPECT_NE((const OrvCanvas*)stage, a->lastCanvas);
+  EXPECT_EQ((const OrvCanvas*)director->screenBufferBitmap, a->lastCanvas);
   EXPECT_EQ(hook->drawCanvas, a->lastCanvas);
   EXPECT_EQ(hook->copyCanvas, a->lastCanvas);
   EXPECT_EQ(0xff0000ul, rgb(15, 15));

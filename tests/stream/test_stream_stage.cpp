@@ -65,19 +65,8 @@ protected:
     std::string data = dataFile("");
     director->prependToPath(data.substr(0, data.size() - 1).c_str());
   }
-  // The members of an indexed set belong to whoever owns the set.
-  static void releaseSet(OrvActor* actor, void*) {
-    OrvIndexedSet* set = dynamic_cast<OrvIndexedSet*>(actor);
-    if (!set) return;
-    set->quadtree->empty(1);
-    set->quadtree = new OrvQuadtree(OrvDefaultQuadtreeMax, nullptr);
-  }
-  static void releaseSets(OrvStage* s) { s->apply(releaseSet, nullptr); }
   void TearDown() override {
-    for (OrvStage* s : stages) {
-      releaseSets(s);
-      delete s;
-    }
+    for (OrvStage* s : stages) delete s;
     for (OrvMakeUp* m : counted) OrvRelease(m);
     delete director;
   }
@@ -170,7 +159,6 @@ TEST_F(StreamStage, RoundTripIsByteIdenticalAndDrawsTheSame) {
   std::vector<unsigned char> p1 = pixels(first);
   unsigned n1 = 0;
   free(first->objects(n1));
-  releaseSets(first);
   delete first;
   stages.clear();
   OrvStage* second = newStage(0);
@@ -352,7 +340,6 @@ TEST_F(StreamStage, TruncatedAtEveryOffset) {
       ASSERT_GE(messages.size(), last.size()) << "offset " << k;
       EXPECT_EQ(messages.substr(messages.size() - last.size()), last) << "offset " << k;
     }
-    releaseSets(s);
     s->empty(1);
   }
 }

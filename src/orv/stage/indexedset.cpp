@@ -12,7 +12,10 @@ OrvIndexedSet::OrvIndexedSet(OrvDirector* director, unsigned short max, OrvMakeU
 OrvIndexedSet::OrvIndexedSet(const OrvIndexedSet& source)
     : OrvActor(source), quadtree(new OrvQuadtree(OrvDefaultQuadtreeMax, 0)) {}
 
-OrvIndexedSet::~OrvIndexedSet() { delete quadtree; }
+// The set owns what its tree holds: nothing else keeps the actors it read.
+OrvIndexedSet::~OrvIndexedSet() {
+    if (quadtree) quadtree->empty(1);
+}
 
 OrvActor* OrvIndexedSet::copy() const { return new OrvIndexedSet(*this); }
 

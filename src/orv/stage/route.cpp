@@ -62,6 +62,8 @@ static void OrvForgetHighlightStage(OrvView* view, void*) {
 
 void OrvSetHighlightStage(OrvDirector* director, OrvStage* stage) {
     OrvAList* table = OrvHighlightStages();
+    // Asked on every motion: nothing to do, and nothing allocated, when unchanged.
+    if (table->find(director) && table->get(director) == stage) return;
     if (!table->replace(director, stage)) table->insert(director, stage);
     if (stage) {
         stage->removeDestroy(OrvForgetHighlightStage);

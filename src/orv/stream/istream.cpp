@@ -1,7 +1,6 @@
 // The reader: header, object table, object blocks and the typed items.
 #include <orv/stream.h>
 #include <orv/actor.h>
-#include <orv/layer.h>
 #include <orv/makeup.h>
 #include <orv/resource.h>
 
@@ -201,18 +200,6 @@ OrvActor** OrvIStream::read(unsigned& count, unsigned long is2d) {
   return result;
 }
 
-// Throws away an object that was not read in full. The tree of an indexed
-// set does not own its actors, so the members it had read go with it.
-static void dropObject(OrvActor* actor, void* = nullptr) {
-  OrvIndexedSet* set = dynamic_cast<OrvIndexedSet*>(actor);
-  if (set && set->quadtree) {
-    set->quadtree->apply(dropObject, nullptr);
-    set->quadtree->empty(0);
-    set->quadtree = nullptr;
-  }
-  delete actor;
-}
-
 OrvActor* OrvIStream::read() {
   char name[1024];
   nextItem();
@@ -237,13 +224,13 @@ OrvActor* OrvIStream::read() {
   OrvScanChar(stream, c);
   if (c != '}') {
     fault("OrvIStream : bad separator.\n");
-    dropObject(actor);
+    delete actor;
     return nullptr;
   }
   // A fault inside the block means the object was not read in full: it is
   // dropped rather than handed over half built.
   if (faults != before || stream.fail()) {
-    dropObject(actor);
+    delete actor;
     return nullptr;
   }
   return actor;
