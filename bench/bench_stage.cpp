@@ -1,0 +1,322 @@
+// Cost of the stage's drawing cycle on the X server in $DISPLAY (run it on
+// Xvfb): a full repaint and the move of one small actor on stages of 10^3,
+// 10^4 and 10^5 mixed actors, against the same primitives sent by plain
+// Xlib calls as the floor, and the same actors inside one OrvIndexedSet.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "orv/actor.h"
+#include "orv/canvas.h"
+#include "orv/director.h"
+#include "orv/layer.h"
+#include "orv/makeup.h"
+#include "orv/resource.h"
+#include "orv/shapes.h"
+#include "orv/stage.h"
+
+#include <X11/Xlib.h>
+
+namespace {
+
+const unsigned kWidth = 1000, kHeight = 800;
+long gDraws = 0;  // draw2d calls of the counting actors below
+long gTests = 0;  // their intersects2d calls: actors looked at by a repaint
+
+class BenchRect : public OrvFilledRectangle {
+public:
+  using OrvFilledRectangle::OrvFilledRectangle;
+  void draw2d(OrvCanvas* c, const Orv2dMatrix* m) override {
+    gDraws++;
+    OrvFilledRectangle::draw2d(c, m);
+  }
+  unsigned long intersects2d(const Orv2dRegion& r, const Orv2dMatrix* m) const override {
+    gTests++;
+    return OrvFilledRectangle::intersects2d(r, m);
+  }
+};
+class BenchLine : public OrvLine {
+public:
+  using OrvLine::OrvLine;
+  void draw2d(OrvCanvas* c, const Orv2dMatrix* m) override {
+    gDraws++;
+    OrvLine::draw2d(c, m);
+  }
+  unsigned long intersects2d(const Orv2dRegion& r, const Orv2dMatrix* m) const override {
+    gTests++;
+    return OrvLine::intersects2d(r, m);
+  }
+};
+class BenchLabel : public OrvLabel {
+public:
+  using OrvLabel::OrvLabel;
+  void draw2d(OrvCanvas* c, const Orv2dMatrix* m) override {
+    gDraws++;
+    OrvLabel::draw2d(c, m);
+  }
+  unsigned long intersects2d(const Orv2dRegion& r, const Orv2dMatrix* m) const override {
+    gTests++;
+    return OrvLabel::intersects2d(r, m);
+  }
+};
+
+// One primitive of the scene, kept so that the Xlib floor sends the same.
+struct Item {
+  int kind;  // 0 filled rectangle, 1 line, 2 label
+  int x, y, w, h;
+};
+
+// A free column at the right edge of the window, where the mover of the
+// walk benchmarks lies alone.
+const int kFreeColumn = 960;
+
+// n items of the given kinds (-1: all three in turn) spread over `scale`
+// times the window in each direction, the free column excepted.
+std::vector<Item> makeItems(unsigned n, int kind, double scale) {
+  std::vector<Item> items;
+  items.reserve(n);
+  unsigned seed = 12345;
+  auto next = [&seed]() {
+    seed = seed * 1103515245u + 12345u;
+    return (seed >> 8) & 0xffffff;
+  };
+  unsigned spanX = (unsigned)((kFreeColumn - 30) * scale), spanY = (unsigned)((kHeight - 30) * scale);
+  for (unsigned i = 0; i < n; i++) {
+    Item it;
+    it.kind = kind < 0 ? (int)(i % 3) : kind;
+    it.x = (int)(next() % spanX);
+    it.y = (int)(next() % spanY) + 14;
+    it.w = 4 + (int)(next() % 16);
+    it.h = 4 + (int)(next() % 12);
+    items.push_back(it);
+  }
+  return items;
+}
+
+struct World {
+  OrvDirector* director = nullptr;
+  OrvMakeUp* makeUps[3] = {nullptr, nullptr, nullptr};
+
+  static World& get() {
+    static World w;
+    if (!w.director) {
+      w.director = new OrvDirector("bench_stage", nullptr, 0, nullptr);
+      const char* colors[3] = {"steel blue", "dark green", "black"};
+      for (int i = 0; i < 3; i++) {
+        w.makeUps[i] = w.director->makeUpForeground(w.director->defaultMakeUp, w.director->color(colors[i]));
+        OrvCount(w.makeUps[i]);
+      }
+    }
+    return w;
+  }
+  Display* dpy() const { return (Display*)director->display; }
+  void sync() const { XSync(dpy(), False); }
+};
+
+OrvActor* makeActor(World& w, const Item& it) {
+  switch (it.kind) {
+    case 0:
+      return new BenchRect(w.director, Orv2dRect(it.x, it.y, it.w, it.h), w.makeUps[0]);
+    case 1:
+      return new BenchLine(w.director, Orv2dPoint(it.x, it.y), Orv2dPoint(it.x + it.w, it.y + it.h),
+                           w.makeUps[1]);
+    default:
+      return new BenchLabel(w.director, "abc", Orv2dPoint(it.x, it.y), OrvLeft, w.makeUps[2]);
+  }
+}
+
+// A mapped stage of the benchmark's size, with the actors in two layers or
+// inside one indexed set, and one small mover on top.
+struct Scene {
+  OrvStage* stage = nullptr;
+  std::vector<Item> items;
+  std::vector<OrvActor*> actors;
+  OrvActor* mover = nullptr;
+
+  Scene(unsigned n, bool indexed, int kind = -1, double scale = 1.0, Orv2dPoint moverAt = Orv2dPoint(970, 400)) {
+    World& w = World::get();
+    items = makeItems(n, kind, scale);
+    stage = new OrvStage(w.director, Orv2dRect(0, 0, kWidth, kHeight), "bench", 0, 1);
+    w.sync();
+    OrvIndexedSet* set = indexed ? new OrvIndexedSet(w.director, 0, nullptr) : nullptr;
+    stage->beginDrawing();
+    for (unsigned i = 0; i < n; i++) {
+      OrvActor* a = makeActor(w, items[i]);
+      actors.push_back(a);
+      if (set)
+        set->quadtree->add(a);
+      else
+        stage->append(a, i & 1);
+    }
+    if (set) {
+      set->invalidateBox();
+      stage->append(set, 0);
+    }
+    mover = new BenchRect(w.director, Orv2dRect(moverAt.x, moverAt.y, 6, 6), w.makeUps[0]);
+    stage->append(mover, 1);
+    stage->abortDrawing();
+    stage->drawAll(nullptr, 1);
+    w.sync();
+  }
+  ~Scene() { delete stage; }
+
+  // Moves the mover two pixels right and back, one nest each time.
+  void move(bool right) {
+    static const Orv2dMatrix toRight(Orv2dPoint(2, 0)), toLeft(Orv2dPoint(-2, 0));
+    mover->beginDrawing(1);
+    mover->apply2d(right ? toRight : toLeft);
+    mover->flushDrawing(1);
+  }
+  // What a move has to draw, counted apart: the mover and the actors whose
+  // boxes meet its old and new places (which overlap, so the region is one
+  // rectangle), grown by the one pixel of the repaint.
+  unsigned overlapping() const {
+    Orv2dRect b = mover->bbox2d(nullptr);
+    Orv2dRect span(b.x - 1, b.y - 1, b.w + 4, b.h + 2);
+    unsigned k = 1;
+    for (OrvActor* a : actors)
+      if (a->bbox2dToStage(nullptr).intersects(span)) k++;
+    return k;
+  }
+};
+
+void setCounters(benchmark::State& state, long draws, unsigned n) {
+  state.counters["draw2d_per_op"] = benchmark::Counter((double)draws / (double)state.iterations());
+  state.counters["tests_per_op"] = benchmark::Counter((double)gTests / (double)state.iterations());
+  state.counters["actors"] = n;
+}
+
+void BM_FullRepaint(benchmark::State& state) {
+  unsigned n = (unsigned)state.range(0);
+  Scene scene(n, false);
+  World& w = World::get();
+  gDraws = 0;
+  gTests = 0;
+  for (auto _ : state) {
+    scene.stage->drawAll(nullptr, 1);
+    w.sync();
+  }
+  setCounters(state, gDraws, n);
+}
+
+// The same primitives through plain Xlib, one GC per kind, the labels in the
+// font the library's default make-up uses, then a sync.
+void BM_XlibFloor(benchmark::State& state) {
+  unsigned n = (unsigned)state.range(0);
+  Scene scene(n, false);
+  World& w = World::get();
+  Display* dpy = w.dpy();
+  Window win = scene.stage->window();
+  GC gcs[3];
+  unsigned long pixels[3] = {0x4682b4, 0x006400, 0x000000};
+  for (int i = 0; i < 3; i++) {
+    gcs[i] = XCreateGC(dpy, win, 0, nullptr);
+    XSetForeground(dpy, gcs[i], pixels[i]);
+  }
+  char** missing = nullptr;
+  int missingCount = 0;
+  char* defaultString = nullptr;
+  XFontSet fontSet = XCreateFontSet(dpy, "-*-courier-medium-r-normal--12-*-*-*-*-*-*-*,fixed", &missing,
+                                    &missingCount, &defaultString);
+  if (missing) XFreeStringList(missing);
+  for (auto _ : state) {
+    XClearWindow(dpy, win);
+    for (const Item& it : scene.items) {
+      if (it.kind == 0)
+        XFillRectangle(dpy, win, gcs[0], it.x, it.y, it.w, it.h);
+      else if (it.kind == 1)
+        XDrawLine(dpy, win, gcs[1], it.x, it.y, it.x + it.w, it.y + it.h);
+      else if (fontSet)
+        XmbDrawString(dpy, win, fontSet, gcs[2], it.x, it.y, "abc", 3);
+      else
+        XDrawString(dpy, win, gcs[2], it.x, it.y, "abc", 3);
+    }
+    XSync(dpy, False);
+  }
+  if (fontSet) XFreeFontSet(dpy, fontSet);
+  for (int i = 0; i < 3; i++) XFreeGC(dpy, gcs[i]);
+  state.counters["actors"] = n;
+}
+
+// One small actor alone in the free column moves by two pixels: the cost is
+// the walk over every actor of the layers, none of which is drawn.
+void BM_MoveOneAlone(benchmark::State& state) {
+  unsigned n = (unsigned)state.range(0);
+  int kind = (int)state.range(1);
+  Scene scene(n, false, kind);
+  World& w = World::get();
+  gDraws = 0;
+  gTests = 0;
+  bool right = true;
+  for (auto _ : state) {
+    scene.move(right);
+    w.sync();
+    right = !right;
+  }
+  setCounters(state, gDraws, n);
+  state.counters["kind"] = kind;
+}
+
+// The same move amid the actors: only those it overlaps are drawn.
+void BM_MoveOneCrowded(benchmark::State& state) {
+  unsigned n = (unsigned)state.range(0);
+  Scene scene(n, false, -1, 1.0, Orv2dPoint(500, 400));
+  World& w = World::get();
+  unsigned expected = scene.overlapping();
+  gDraws = 0;
+  gTests = 0;
+  bool right = true;
+  for (auto _ : state) {
+    scene.move(right);
+    w.sync();
+    right = !right;
+  }
+  setCounters(state, gDraws, n);
+  state.counters["overlapping"] = expected;
+}
+
+// An expose of 20 by 20 pixels. The actors fill a world that grows with
+// their number, so that the exposed spot holds as many at 10^3 as at 10^5;
+// in one indexed set the cost then stays flat, in plain layers it grows.
+void exposeBench(benchmark::State& state, bool indexed) {
+  unsigned n = (unsigned)state.range(0);
+  double scale = sqrt((double)n / 1000.0);
+  Scene scene(n, indexed, -1, scale);
+  World& w = World::get();
+  Orv2dRegion region(Orv2dRect(300, 300, 20, 20), 25);
+  gDraws = 0;
+  gTests = 0;
+  for (auto _ : state) {
+    scene.stage->handleExpose(&region);
+    w.sync();
+  }
+  setCounters(state, gDraws, n);
+}
+void BM_IndexedExpose(benchmark::State& state) { exposeBench(state, true); }
+void BM_LayerExpose(benchmark::State& state) { exposeBench(state, false); }
+
+}  // namespace
+
+BENCHMARK(BM_FullRepaint)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_XlibFloor)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_MoveOneAlone)
+    ->Args({1000, -1})->Args({10000, -1})->Args({100000, -1})
+    ->Args({100000, 0})->Args({100000, 1})->Args({100000, 2})
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_MoveOneCrowded)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_LayerExpose)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_IndexedExpose)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+
+int main(int argc, char** argv) {
+  if (!getenv("DISPLAY")) {
+    fprintf(stderr, "bench_stage: needs an X server in DISPLAY (Xvfb)\n");
+    return 1;
+  }
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

@@ -1,0 +1,252 @@
+// Behaviour attached to actors (roles), bindings of events to actions on a
+// stage (accelerators), and the callbacks that roles and stages run.
+#ifndef ORV_ROLE_H
+#define ORV_ROLE_H
+
+#include "orv/base.h"
+#include "orv/geometry.h"
+#include "orv/canvas.h"
+#include "orv/event.h"
+
+class OrvActor;
+class OrvStage;
+class OrvTheater;
+class OrvScene;
+
+// ---------------------------------------------------------------------------
+// Callbacks
+// ---------------------------------------------------------------------------
+
+// Counted: whoever keeps a pointer adds one, whoever lets go calls OrvRelease.
+class OrvCallback {
+public:
+    void* data; // for the subclass's own use
+    int count;
+
+    OrvCallback() : data(0), count(0) {}
+    OrvCallback(const OrvCallback&) = delete;
+    OrvCallback& operator=(const OrvCallback&) = delete;
+    virtual ~OrvCallback() {}
+    virtual void activate(OrvActor* actor);
+};
+
+inline void OrvCount(OrvCallback* c) {
+    if (c) c->count++;
+}
+inline void OrvRelease(OrvCallback* c) {
+    if (c && --c->count < 1) delete c;
+}
+
+// Run by a stage asked to quit by the window manager.
+class OrvExitCallback : public OrvCallback {
+public:
+    // The default deletes the stage's director and ends the process.
+    virtual void exit(OrvStage* stage);
+};
+
+// ---------------------------------------------------------------------------
+// Roles: one shared instance per class name
+// ---------------------------------------------------------------------------
+
+class OrvRole {
+public:
+    unsigned short mask; // the buttons (or key bits) it answers to
+
+    explicit OrvRole(unsigned short mask = 1) : mask(mask) {}
+    OrvRole(const OrvRole&) = delete;
+    OrvRole& operator=(const OrvRole&) = delete;
+    // Takes itself off every actor of every stage that uses it.
+    virtual ~OrvRole();
+    virtual int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage);
+    virtual int input3d(OrvActor* actor, const OrvEvent& event, OrvTheater* theater, OrvScene* scene);
+    virtual const char* className() const = 0;
+    virtual int allowPointerMoved() const { return 0; }
+
+    static OrvStringHashTable* _roles; // made on first registration
+};
+
+// Files the role under its className(); the caller keeps it alive.
+void OrvRegisterRoleInstance(OrvRole* role);
+// The shared role of that name, or null.
+OrvRole* OrvGetRole(const char* name);
+
+// A push button: inverted while pressed, validated on release inside.
+class OrvButtonRole : public OrvRole {
+public:
+    unsigned long pressed;
+
+    OrvButtonRole() : pressed(0) {}
+    int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    const char* className() const override { return "Button"; }
+    virtual void validate(OrvActor* actor, OrvStage* stage);
+    virtual void validate(OrvActor* actor, OrvTheater* theater, OrvScene* scene);
+};
+
+// A toggle: each completed click flips the look and validates.
+class OrvToggleRole : public OrvRole {
+public:
+    unsigned long pressed;
+
+    OrvToggleRole() : pressed(0) {}
+    int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    const char* className() const override { return "Toggle"; }
+    virtual void validate(OrvActor* actor, OrvStage* stage);
+    virtual void validate(OrvActor* actor, OrvTheater* theater, OrvScene* scene);
+};
+
+// Drags one actor by itself, without a producer.
+class OrvMoveRole : public OrvRole {
+public:
+    unsigned long immediate; // 1: the actor follows the pointer; 0: a ghost does
+    unsigned long active;
+    Orv2dPoint start, current;
+    Orv3dPoint start3d, current3d;
+
+    OrvMoveRole();
+    int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    const char* className() const override { return "Move"; }
+    virtual void validate2d(OrvActor* actor, OrvStage* stage, const Orv2dPoint& delta);
+    virtual void validate3d(OrvActor* actor, OrvTheater* theater, const Orv3dPoint& delta);
+    virtual void ghost2d(OrvStage* stage, OrvActor* actor);
+    virtual void ghost3d(OrvScene* scene, OrvActor* actor);
+};
+
+// Resizes one actor symmetrically about its centre, without handles.
+class OrvReshapeRole : public OrvRole {
+public:
+    unsigned long active;
+    Orv2dRect box;   // the new box, in the actor's space
+    Orv2dRect ghost; // the same through the stage's transformer
+
+    OrvReshapeRole();
+    int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    const char* className() const override { return "Reshape"; }
+    virtual void validate2d(OrvActor* actor, OrvStage* stage, const Orv2dRect& box);
+    virtual void ghost2d(const Orv2dRect& rect, OrvStage* stage);
+
+    // The box centred on the actor's centre with a corner at the point.
+    static Orv2dRect symmetricBox(const Orv2dRect& bbox, const Orv2dPoint& p);
+};
+
+// Makes the shared roles of this family exactly once, whatever the order of
+// static initialisation of the translation units that use them.
+class orvinitOrvRole {
+public:
+    orvinitOrvRole();
+    static int _counter;
+};
+static orvinitOrvRole _orvinitOrvRole;
+
+// ---------------------------------------------------------------------------
+// Accelerators
+// ---------------------------------------------------------------------------
+
+// Modifiers of 32768 accept any state; 0 accepts none.
+enum { OrvAnyModifiers = 32768 };
+
+class OrvAccelerator {
+public:
+    OrvEventType type;
+    unsigned short key;
+    unsigned short modifiers;
+
+    OrvAccelerator(OrvEventType type, unsigned short key, unsigned short modifiers)
+        : type(type), key(key), modifiers(modifiers) {}
+    OrvAccelerator(const OrvAccelerator&) = delete;
+    OrvAccelerator& operator=(const OrvAccelerator&) = delete;
+    // Unlinks itself from every stage that holds it.
+    virtual ~OrvAccelerator();
+    virtual int match(const OrvEvent& event) const;
+    virtual int input2d(OrvStage* stage, const OrvEvent& event);
+    virtual int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event);
+};
+
+class OrvZoomAccelerator : public OrvAccelerator {
+public:
+    unsigned long in; // read by the 3D form only
+    float factor;
+    OrvZoomAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long in, float factor)
+        : OrvAccelerator(t, k, m), in(in), factor(factor) {}
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvTranslateAccelerator : public OrvAccelerator {
+public:
+    OrvPosition direction; // 1 left, 2 right, 4 up, 8 down
+    float divisor;         // of the visible size; 0.0 means 8.0
+    OrvTranslateAccelerator(OrvEventType t, unsigned short k, unsigned short m, OrvPosition direction,
+                            float divisor)
+        : OrvAccelerator(t, k, m), direction(direction), divisor(divisor) {}
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvIdentityAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvDuplicateAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvFitTransformerAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvRotateAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvSelectAccelerator : public OrvAccelerator {
+public:
+    unsigned long select;
+    OrvSelectAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long select)
+        : OrvAccelerator(t, k, m), select(select) {}
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvDeleteAccelerator : public OrvAccelerator {
+public:
+    unsigned long readOnly; // a read-only stage keeps its actors
+    OrvDeleteAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long readOnly)
+        : OrvAccelerator(t, k, m), readOnly(readOnly) {}
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvCutAccelerator : public OrvAccelerator {
+public:
+    unsigned long readOnly; // a read-only stage keeps its actors
+    OrvCutAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long readOnly)
+        : OrvAccelerator(t, k, m), readOnly(readOnly) {}
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvCopyAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvPasteAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+class OrvCountAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input2d(OrvStage* stage, const OrvEvent& event) override;
+};
+
+// The key that moves the focus on its release.
+extern unsigned short OrvTabKey;
+
+#endif

@@ -1,0 +1,333 @@
+// The basic shapes: rectangles, lines and arrows, polylines and polygons,
+// ellipses and arcs, labels and icons. Each is an ordinary actor with its look
+// in its shared make-up: outlines in the foreground, with the line width and
+// style; fills in the foreground too, with the pattern and fill style.
+//
+// Geometry is kept in the actor's own coordinates. A transformer maps it for
+// drawing and hit testing: points are mapped one by one, so a rotated
+// rectangle is hit and drawn as the rotated quadrilateral; ellipses and arcs
+// under rotation are tested in their own space and drawn as polygons.
+#ifndef ORV_SHAPES_H
+#define ORV_SHAPES_H
+
+#include "orv/actor.h"
+
+class OrvBitmap;
+
+// ---------------------------------------------------------------------------
+// Rectangles
+// ---------------------------------------------------------------------------
+
+class OrvRectangle : public OrvActor {
+public:
+    Orv2dRect rect;
+    unsigned short radius; // of the rounded corners; 0 for square ones
+
+    OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0,
+                 unsigned short radius = 0);
+    OrvRectangle(const OrvRectangle& source);
+    explicit OrvRectangle(OrvIStream& stream);
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    void apply2d(const Orv2dMatrix& matrix) override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    // Moves and sizes through the change protocol.
+    void setRect(const Orv2dRect& rect);
+    void setRadius(unsigned short radius);
+    virtual unsigned long isFilled() const { return 0; }
+
+    static OrvClassInfo* _classInfo;
+
+protected:
+    // The outline as a closed path, mapped: 4 corners, or the flattened
+    // rounded outline. Valid until the next call.
+    Orv2dPoint* outline(const Orv2dMatrix* matrix, unsigned& count) const;
+};
+
+class OrvFilledRectangle : public OrvRectangle {
+public:
+    OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0,
+                       unsigned short radius = 0);
+    OrvFilledRectangle(const OrvFilledRectangle& source);
+    explicit OrvFilledRectangle(OrvIStream& stream);
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    unsigned long isFilled() const override { return 1; }
+
+    static OrvClassInfo* _classInfo;
+};
+
+// ---------------------------------------------------------------------------
+// Lines
+// ---------------------------------------------------------------------------
+
+class OrvLine : public OrvActor {
+public:
+    Orv2dPoint from, to;
+
+    OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = 0);
+    OrvLine(const OrvLine& source);
+    explicit OrvLine(OrvIStream& stream);
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    void apply2d(const Orv2dMatrix& matrix) override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    void setPoints(const Orv2dPoint& from, const Orv2dPoint& to);
+
+    static OrvClassInfo* _classInfo;
+};
+
+// Which ends of an arrow line carry a head.
+enum { OrvArrowAtEnd = 1, OrvArrowAtStart = 2 };
+
+class OrvArrowLine : public OrvLine {
+public:
+    unsigned long arrows; // OrvArrowAtEnd, OrvArrowAtStart or both
+
+    OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = 0,
+                 unsigned long arrows = OrvArrowAtEnd);
+    OrvArrowLine(const OrvArrowLine& source);
+    explicit OrvArrowLine(OrvIStream& stream);
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    // The three points of the head at the end (at 1) or at the start (at 0),
+    // in mapped space: tip first.
+    void head(unsigned long atEnd, const Orv2dMatrix* matrix, Orv2dPoint out[3]) const;
+
+    static OrvClassInfo* _classInfo;
+};
+
+// ---------------------------------------------------------------------------
+// Polylines and polygons
+// ---------------------------------------------------------------------------
+
+class Orv2dPolyline : public OrvActor {
+public:
+    unsigned int count;
+    Orv2dPoint* points; // owned
+
+    Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points, OrvMakeUp* makeUp = 0);
+    Orv2dPolyline(const Orv2dPolyline& source);
+    explicit Orv2dPolyline(OrvIStream& stream);
+    ~Orv2dPolyline() override;
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    void apply2d(const Orv2dMatrix& matrix) override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    // One handle per vertex, so the default eight do not apply.
+    Orv2dPoint* draggerVertex2d(unsigned int& count, const Orv2dMatrix* matrix) override;
+    Orv2dDragger* dragger2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    // Replaces the points through the change protocol.
+    void setPoints(unsigned int count, const Orv2dPoint* points);
+    // Moves one vertex through the change protocol.
+    void setPoint(unsigned int index, const Orv2dPoint& point);
+
+    static OrvClassInfo* _classInfo;
+
+protected:
+    // The points mapped, in the shared scratch array of OrvAllocPoints.
+    Orv2dPoint* mapped(const Orv2dMatrix* matrix) const;
+};
+
+class Orv2dPolygon : public Orv2dPolyline {
+public:
+    unsigned long filled;
+
+    Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points, unsigned long filled = 0,
+                 OrvMakeUp* makeUp = 0);
+    Orv2dPolygon(const Orv2dPolygon& source);
+    explicit Orv2dPolygon(OrvIStream& stream);
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    void setFilled(unsigned long on);
+
+    static OrvClassInfo* _classInfo;
+};
+
+// ---------------------------------------------------------------------------
+// Ellipses and arcs
+// ---------------------------------------------------------------------------
+
+class OrvEllipse : public OrvActor {
+public:
+    Orv2dRect rect; // the box of the whole ellipse
+
+    OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0);
+    OrvEllipse(const OrvEllipse& source);
+    explicit OrvEllipse(OrvIStream& stream);
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    void apply2d(const Orv2dMatrix& matrix) override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    void setRect(const Orv2dRect& rect);
+    virtual unsigned long isFilled() const { return 0; }
+    // Angles in degrees, counter-clockwise from three o'clock; end is absolute.
+    virtual float startAngle() const { return 0; }
+    virtual float endAngle() const { return 360; }
+
+    static OrvClassInfo* _classInfo;
+};
+
+class OrvFilledEllipse : public OrvEllipse {
+public:
+    OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0);
+    OrvFilledEllipse(const OrvFilledEllipse& source);
+    explicit OrvFilledEllipse(OrvIStream& stream);
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    unsigned long isFilled() const override { return 1; }
+
+    static OrvClassInfo* _classInfo;
+};
+
+// A part of an ellipse; filled, it is a pie slice or a chord by the make-up's arc mode.
+class OrvArc : public OrvEllipse {
+public:
+    float start, end;
+    unsigned long filled;
+
+    OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end, unsigned long filled = 0,
+           OrvMakeUp* makeUp = 0);
+    OrvArc(const OrvArc& source);
+    explicit OrvArc(OrvIStream& stream);
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    unsigned long isFilled() const override { return filled; }
+    float startAngle() const override { return start; }
+    float endAngle() const override { return end; }
+
+    void setAngles(float start, float end);
+
+    static OrvClassInfo* _classInfo;
+};
+
+// ---------------------------------------------------------------------------
+// Text and pictures
+// ---------------------------------------------------------------------------
+
+// A line of text in the make-up's font. The point is where the alignment
+// puts it: left (1), right (2) or centre (16) across; top (4), bottom (8) or,
+// with neither, the baseline down.
+class OrvLabel : public OrvActor {
+public:
+    char* text; // owned
+    Orv2dPoint point;
+    OrvPosition alignment;
+
+    OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment = OrvLeft,
+             OrvMakeUp* makeUp = 0);
+    OrvLabel(const OrvLabel& source);
+    explicit OrvLabel(OrvIStream& stream);
+    ~OrvLabel() override;
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    void apply2d(const Orv2dMatrix& matrix) override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    void setText(const char* text);
+    void setAlignment(OrvPosition alignment);
+
+    static OrvClassInfo* _classInfo;
+
+protected:
+    // The text's box in mapped space, and its baseline origin.
+    Orv2dRect textBox(const Orv2dMatrix* matrix, Orv2dPoint* baseline) const;
+};
+
+// A bitmap at a point, drawn through its mask when it has one; only the
+// pixels of the mask are hit.
+class OrvIcon : public OrvActor {
+public:
+    OrvBitmap* bitmap; // locked
+    Orv2dPoint point;  // top left
+
+    OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point, OrvMakeUp* makeUp = 0);
+    OrvIcon(const OrvIcon& source);
+    explicit OrvIcon(OrvIStream& stream);
+    ~OrvIcon() override;
+
+    OrvActor* copy() const override;
+    OrvClassInfo* classInfo() const override;
+    void write(OrvOStream& stream) const override;
+    static OrvActor* read(OrvIStream& stream);
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    void apply2d(const Orv2dMatrix& matrix) override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+
+    void setBitmap(OrvBitmap* bitmap);
+
+    static OrvClassInfo* _classInfo;
+
+private:
+    // The mask's bits, read once per bitmap: one X round trip, not one per hit.
+    unsigned char* maskBits;
+    unsigned long maskBytesPerLine;
+    void readMask();
+};
+
+ORV_DECLARE_CLASS_INIT(OrvRectangle)
+ORV_DECLARE_CLASS_INIT(OrvFilledRectangle)
+ORV_DECLARE_CLASS_INIT(OrvLine)
+ORV_DECLARE_CLASS_INIT(OrvArrowLine)
+ORV_DECLARE_CLASS_INIT(Orv2dPolyline)
+ORV_DECLARE_CLASS_INIT(Orv2dPolygon)
+ORV_DECLARE_CLASS_INIT(OrvEllipse)
+ORV_DECLARE_CLASS_INIT(OrvFilledEllipse)
+ORV_DECLARE_CLASS_INIT(OrvArc)
+ORV_DECLARE_CLASS_INIT(OrvLabel)
+ORV_DECLARE_CLASS_INIT(OrvIcon)
+
+#endif

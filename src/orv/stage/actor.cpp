@@ -1,0 +1,393 @@
+// The actor: flags, user properties, identity, the change protocol, copying
+// and destruction.
+#include <cstdlib>
+#include <cstring>
+
+#include "orv/actor.h"
+#include "orv/director.h"
+#include "orv/role.h"
+#include "orv/stage.h"
+
+ORV_DEFINE_CLASS_INIT(OrvActor, "Root", OrvActor::read)
+
+OrvKey* OrvActor::_inVirtualStage = 0;
+Orv2dDragger OrvActor::_default2dDragger;
+
+OrvKey* callbackA = 0;
+OrvKey* secondaryCallbackA = 0;
+OrvKey* callbackNameA = 0;
+OrvKey* secondaryCallbackNameA = 0;
+OrvKey* nameA = 0;
+OrvKey* roleA = 0;
+OrvKey* engineA = 0;
+
+static unsigned long _forgetUpdateDrawing = 0;
+
+unsigned long OrvForgetUpdateDrawing() { return _forgetUpdateDrawing; }
+void OrvForgetUpdateDrawing(unsigned long on) { _forgetUpdateDrawing = on; }
+
+OrvKey* OrvStageKey() {
+    static OrvKey* key = OrvGetKey("P_layer", 1);
+    return key;
+}
+
+OrvKey* OrvTheaterKey() {
+    static OrvKey* key = OrvGetKey("T_layer", 1);
+    return key;
+}
+
+// The keys of names, roles, engines and callbacks are made together, by the
+// first operation that needs one of them.
+static void makeIdentityKeys() {
+    if (nameA) return;
+    callbackA = OrvGetKey("P_callback", 1);
+    secondaryCallbackA = OrvGetKey("SP_callback", 1);
+    callbackNameA = OrvGetKey("P_cname", 1);
+    secondaryCallbackNameA = OrvGetKey("SP_cname", 1);
+    nameA = OrvGetKey("P_name", 1);
+    roleA = OrvGetKey("P_baheviour", 1);
+    engineA = OrvGetKey("P_engine", 1);
+}
+
+// ---------------------------------------------------------------------------
+// Construction, copying, destruction
+// ---------------------------------------------------------------------------
+
+OrvActor::OrvActor(OrvDirector* director, OrvMakeUp* m)
+    : userProperties(0), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(0), makeUp(m) {
+    if (!_inVirtualStage) _inVirtualStage = OrvGetKey("ActorInVirtualStage", 1);
+    if (!makeUp && director) makeUp = director->defaultMakeUp;
+    OrvCount(makeUp);
+}
+
+OrvActor::OrvActor(const OrvActor& source)
+    : userProperties(0), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(source.layer), makeUp(source.makeUp) {
+    // Only the look and the permissions travel: a copy starts unselected,
+    // without focus, name, role, callbacks or properties, outside any container.
+    static const unsigned char copied[] = {OrvSelectableBit, OrvVisibleBit,  OrvSensitiveBit,
+                                           OrvInvertedBit,   OrvMoveableBit, OrvResizeableBit,
+                                           OrvZBufferBit,    OrvLightBit,    OrvTextureBit,
+                                           OrvHighlightAllowedBit};
+    for (unsigned char bit : copied) setBit(bit, source.getProperty(bit));
+    OrvCount(makeUp);
+}
+
+OrvActor::~OrvActor() {
+    // Leaving the container first redraws the actor's place and drops its links,
+    // so no container needs to hear of the actor's end.
+    OrvStage* stage = getStage();
+    if (stage) stage->remove(this, 0);
+    OrvRelease(makeUp);
+    makeUp = 0;
+    if (callbackA) {
+        setCallback(0);
+        setSecondaryCallback(0);
+    }
+    if (getProperty(OrvHasNameBit)) setName(0);
+    delete userProperties;
+    userProperties = 0;
+}
+
+OrvActor* OrvActor::copy() const { return new OrvActor(*this); }
+
+OrvClassInfo* OrvActor::classInfo() const { return _classInfo; }
+
+const char* OrvActor::className() const {
+    OrvClassInfo* info = classInfo();
+    return info ? info->name : 0;
+}
+
+unsigned long OrvActor::isSubtypeOf(const char* name) const {
+    OrvClassInfo* current = classInfo();
+    OrvClassInfo* requested = OrvGetClassInfo(name);
+    if (!requested) return OrvError("Unknown requested type %s in isSubtypeOf", name);
+    if (!current) return OrvError("Unknown proposed type %s in isSubtypeOf", className());
+    for (;;) {
+        if (current == requested) return 1;
+        if (!current->parentName) return 0;
+        current = OrvGetClassInfo(current->parentName);
+        if (!current) return 0; // "Root" is not registered, which ends the climb
+    }
+}
+
+// ---------------------------------------------------------------------------
+// User properties
+// ---------------------------------------------------------------------------
+
+void OrvActor::setUserProperty(const OrvKey* key, void* value) {
+    if (!userProperties) userProperties = new OrvAList;
+    if (!userProperties->replace(key, value)) userProperties->insert(key, value);
+}
+
+void* OrvActor::getUserProperty(const OrvKey* key) {
+    if (!userProperties) userProperties = new OrvAList;
+    return userProperties->get(key);
+}
+
+int OrvActor::removeUserProperty(const OrvKey* key) {
+    if (!userProperties) userProperties = new OrvAList;
+    return userProperties->remove(key);
+}
+
+int OrvActor::hasUserProperty(const OrvKey* key) {
+    if (!userProperties) userProperties = new OrvAList;
+    return userProperties->find(key);
+}
+
+// ---------------------------------------------------------------------------
+// Container
+// ---------------------------------------------------------------------------
+
+void OrvActor::setStage(OrvStage* stage) {
+    if (stage)
+        setUserProperty(OrvStageKey(), stage);
+    else if (userProperties)
+        userProperties->remove(OrvStageKey());
+}
+
+OrvStage* OrvActor::getStage() const {
+    return userProperties ? (OrvStage*)userProperties->get(OrvStageKey()) : 0;
+}
+
+void OrvActor::setTheater(OrvTheater* theater) {
+    if (theater)
+        setUserProperty(OrvTheaterKey(), theater);
+    else if (userProperties)
+        userProperties->remove(OrvTheaterKey());
+}
+
+OrvTheater* OrvActor::getTheater() const {
+    return userProperties ? (OrvTheater*)userProperties->get(OrvTheaterKey()) : 0;
+}
+
+OrvStage* OrvActor::drawingStage() {
+    OrvStage* stage = getStage();
+    if (!stage && userProperties && userProperties->find(_inVirtualStage))
+        stage = (OrvStage*)userProperties->get(_inVirtualStage);
+    return stage;
+}
+
+void OrvActor::setDefaultAttachments(long) {}
+
+// ---------------------------------------------------------------------------
+// Change protocol
+// ---------------------------------------------------------------------------
+
+void OrvActor::beginDrawing(unsigned long withLinks) {
+    if (OrvForgetUpdateDrawing()) return;
+    OrvStage* stage = getStage();
+    if (stage) {
+        stage->beginDrawing();
+        stage->invalidate(this, withLinks);
+    }
+}
+
+void OrvActor::flushDrawing(unsigned long withLinks) {
+    if (OrvForgetUpdateDrawing()) return;
+    OrvStage* stage = getStage();
+    if (stage) {
+        stage->invalidate(this, withLinks);
+        stage->flushDrawing(1);
+    }
+}
+
+void OrvActor::changeFlag(unsigned char n, unsigned long on, unsigned long withLinks) {
+    if (getProperty(n) == (on ? 1ul : 0ul)) return;
+    beginDrawing(withLinks);
+    setBit(n, on);
+    flushDrawing(withLinks);
+}
+
+void OrvActor::setSelected(unsigned long on) {
+    if (isSelected() == (on ? 1ul : 0ul)) return;
+    beginDrawing(0);
+    setBit(OrvSelectedBit, on && isSelectable());
+    flushDrawing(0);
+    // Told even when the flag stayed clear, so that the stage's list is right.
+    OrvStage* stage = getStage();
+    if (stage) stage->makeSelected(this);
+}
+
+void OrvActor::setLayer(unsigned short l) {
+    if (l == layer) return;
+    beginDrawing(0);
+    // The stage finds the actor by its old number, so it moves it first.
+    OrvStage* stage = getStage();
+    if (stage) stage->makeLayer(this, l);
+    layer = l;
+    flushDrawing(0);
+}
+
+void OrvActor::setVisible(unsigned long on) {
+    if (isVisible() == (on ? 1ul : 0ul)) return;
+    beginDrawing(1);
+    setBit(OrvVisibleBit, on);
+    flushDrawing(1);
+    OrvStage* stage = getStage();
+    if (stage) stage->contentsChanged();
+}
+
+void OrvActor::setFocus(unsigned long on) { changeFlag(OrvFocusBit, on, 0); }
+void OrvActor::setSensitive(unsigned long on) { changeFlag(OrvSensitiveBit, on, 0); }
+void OrvActor::setInverted(unsigned long on) { changeFlag(OrvInvertedBit, on, 0); }
+void OrvActor::setZBuffer(unsigned long on) { changeFlag(OrvZBufferBit, on, 0); }
+void OrvActor::lightOn(unsigned long on) { changeFlag(OrvLightBit, on, 0); }
+void OrvActor::setInvariant(unsigned long on) { changeFlag(OrvInvariantBit, on, 1); }
+void OrvActor::trackBallSelection(unsigned long on) { changeFlag(OrvTrackBallBit, on, 0); }
+
+void OrvActor::textureOn(unsigned long on) {
+    if (isTextureOn() == (on ? 1ul : 0ul)) return;
+    beginDrawing(0);
+    setBit(OrvTextureBit, on);
+    takeAPicture();
+    flushDrawing(0);
+}
+
+void OrvActor::immediate(unsigned long on) { setBit(OrvImmediateBit, on); }
+void OrvActor::set3dFastFaceRendering(unsigned long on) { setBit(OrvFastFaceBit, on); }
+void OrvActor::allowHighlight(unsigned long on) { setBit(OrvHighlightAllowedBit, on); }
+void OrvActor::takeAPicture() {}
+void OrvActor::notifyOn3dMatrixChanged() {}
+
+unsigned long OrvActor::setHighlighted(unsigned long on, const Orv2dPoint&, unsigned long redraw) {
+    if (!isHighlightAllowed() || isHighlighted() == (on ? 1ul : 0ul)) return 0;
+    if (redraw) beginDrawing(0);
+    setBit(OrvHighlightedBit, on);
+    if (redraw) flushDrawing(0);
+    return 1;
+}
+
+void OrvActor::notifyOnMakeUpChanged() {}
+void OrvActor::map(void (*)(OrvActor*, void*), void*) {}
+void OrvActor::mapReferences(void (*)(OrvActor*, void*), void*) {}
+const char* OrvActor::defaultRole() const { return 0; }
+Orv2dPoint OrvActor::beforeMappingBalloon(const Orv2dPoint&) { return Orv2dPoint(); }
+
+// ---------------------------------------------------------------------------
+// Names, roles, engines, callbacks
+// ---------------------------------------------------------------------------
+
+void OrvActor::setName(const char* name) {
+    makeIdentityKeys();
+    free(getUserProperty(nameA));
+    if (name) {
+        size_t n = strlen(name) + 1;
+        char* copy = (char*)malloc(n);
+        memcpy(copy, name, n);
+        setUserProperty(nameA, copy);
+        setProperty(OrvHasNameBit);
+    } else {
+        removeUserProperty(nameA);
+        removeProperty(OrvHasNameBit);
+    }
+}
+
+const char* OrvActor::getName() const {
+    if (!nameA || !userProperties) return 0;
+    return (const char*)userProperties->get(nameA);
+}
+
+void OrvActor::setRole(OrvRole* role) {
+    makeIdentityKeys();
+    OrvRole* old = (OrvRole*)getUserProperty(roleA);
+    if (old && makeUp) makeUp->director->remove(old);
+    if (role) {
+        if (makeUp) makeUp->director->add(role);
+        setUserProperty(roleA, role);
+        setProperty(OrvHasRoleBit);
+    } else {
+        removeUserProperty(roleA);
+        removeProperty(OrvHasRoleBit);
+    }
+}
+
+void OrvActor::setRole(const char* name) {
+    if (!name || !*name)
+        setRole((OrvRole*)0);
+    else
+        setRole(OrvGetRole(name));
+}
+
+OrvRole* OrvActor::getRole() const {
+    if (!roleA || !userProperties) return 0;
+    return (OrvRole*)userProperties->get(roleA);
+}
+
+void OrvActor::setEngine(OrvEngine* engine) {
+    makeIdentityKeys();
+    if (engine)
+        setUserProperty(engineA, engine);
+    else
+        removeUserProperty(engineA);
+    // Set in both cases: an actor that once had an engine keeps the mark.
+    setProperty(OrvHasEngineBit);
+}
+
+OrvEngine* OrvActor::getEngine() const {
+    if (!engineA || !userProperties) return 0;
+    return (OrvEngine*)userProperties->get(engineA);
+}
+
+static void replaceCallback(OrvActor* actor, OrvKey* key, OrvCallback* callback) {
+    OrvCallback* old = (OrvCallback*)actor->getUserProperty(key);
+    if (callback) {
+        OrvCount(callback);
+        actor->setUserProperty(key, callback);
+    } else {
+        actor->removeUserProperty(key);
+    }
+    OrvRelease(old);
+}
+
+void OrvActor::setCallback(OrvCallback* callback) {
+    makeIdentityKeys();
+    replaceCallback(this, callbackA, callback);
+}
+
+OrvCallback* OrvActor::getCallback() const {
+    makeIdentityKeys();
+    return userProperties ? (OrvCallback*)userProperties->get(callbackA) : 0;
+}
+
+void OrvActor::setSecondaryCallback(OrvCallback* callback) {
+    makeIdentityKeys();
+    replaceCallback(this, secondaryCallbackA, callback);
+}
+
+OrvCallback* OrvActor::getSecondaryCallback() const {
+    // The one reader that makes no keys.
+    if (!secondaryCallbackA || !userProperties) return 0;
+    return (OrvCallback*)userProperties->get(secondaryCallbackA);
+}
+
+void OrvActor::setCallbackName(OrvKey* name) {
+    makeIdentityKeys();
+    if (name) {
+        setUserProperty(callbackNameA, name);
+        setProperty(OrvHasCallbackNameBit);
+    } else {
+        removeUserProperty(callbackNameA);
+        removeProperty(OrvHasCallbackNameBit);
+    }
+}
+
+OrvKey* OrvActor::getCallbackName() const {
+    makeIdentityKeys();
+    return userProperties ? (OrvKey*)userProperties->get(callbackNameA) : 0;
+}
+
+void OrvActor::setSecondaryCallbackName(OrvKey* name) {
+    makeIdentityKeys();
+    if (name) {
+        setUserProperty(secondaryCallbackNameA, name);
+        setProperty(OrvHasSecondaryCallbackNameBit);
+    } else {
+        removeUserProperty(secondaryCallbackNameA);
+        removeProperty(OrvHasSecondaryCallbackNameBit);
+    }
+}
+
+OrvKey* OrvActor::getSecondaryCallbackName() const {
+    makeIdentityKeys();
+    return userProperties ? (OrvKey*)userProperties->get(secondaryCallbackNameA) : 0;
+}

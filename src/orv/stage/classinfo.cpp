@@ -1,0 +1,43 @@
+// The class registry: one record per actor class, found by name.
+#include <cstdlib>
+#include <cstring>
+
+#include "orv/actor.h"
+
+unsigned OrvClassInfo::_counter = 0;
+
+static OrvStringHashTable* _types = 0;
+
+static char* copyName(const char* s) {
+    size_t n = strlen(s) + 1;
+    char* copy = (char*)malloc(n);
+    memcpy(copy, s, n);
+    return copy;
+}
+
+OrvClassInfo::OrvClassInfo(const char* name, const char* parentName, OrvReadFunction readFunction)
+    : name(copyName(name)),
+      // A parent name of fewer than 3 characters ("" for one) means none, so
+      // that isSubtypeOf stops at this class.
+      parentName(parentName && strlen(parentName) >= 3 ? copyName(parentName) : 0),
+      readFunction(readFunction),
+      index(_counter++) {}
+
+OrvClassInfo::~OrvClassInfo() {
+    free(name);
+    free(parentName);
+}
+
+OrvClassInfo* OrvInsertNewType(const char* name, OrvClassInfo* info) {
+    if (!_types) _types = new OrvStringHashTable(1000);
+    // The table keeps the key pointer: the record's own copy lives as long.
+    _types->put(info && info->name && strcmp(info->name, name) == 0 ? info->name : name, info);
+    return info;
+}
+
+OrvClassInfo* OrvGetClassInfo(const char* name) {
+    if (!_types || !name) return 0;
+    return (OrvClassInfo*)_types->get(name);
+}
+
+OrvStringHashTable* OrvGetHashTypes() { return _types; }

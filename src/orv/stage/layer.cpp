@@ -1,0 +1,160 @@
+// A stage layer: an array of actors in painting order, with the paint and
+// hit walks that the stage runs over it.
+#include <cstdlib>
+#include <cstring>
+
+#include "orv/layer.h"
+#include "orv/stage.h"
+
+OrvStageLayer::OrvStageLayer(OrvStage* stage, unsigned short number)
+    : stage(stage), actors(0), count(0), capacity(0), visible(1), enabled(1), number(number) {
+    init();
+}
+
+OrvStageLayer::~OrvStageLayer() {
+    if (actors) {
+        deleteActors(0);
+        free(actors);
+        actors = 0;
+        count = 0;
+    }
+    if (stage && !stage->destroying) stage->layers.remove(this);
+}
+
+void OrvStageLayer::init() {
+    capacity = 4;
+    count = 0;
+    actors = (OrvActor**)calloc(capacity, sizeof(OrvActor*));
+}
+
+void OrvStageLayer::grow() {
+    uint32_t larger = capacity ? capacity * 2 : 4;
+    OrvActor** next = (OrvActor**)calloc(larger, sizeof(OrvActor*));
+    if (actors) memcpy(next, actors, count * sizeof(OrvActor*));
+    free(actors);
+    actors = next;
+    capacity = larger;
+}
+
+void OrvStageLayer::append(OrvActor* actor) {
+    if (!actors) init();
+    // One slot always stays free.
+    if (capacity == count + 1) grow();
+    actors[count++] = actor;
+}
+
+void OrvStageLayer::insert(OrvActor* actor) {
+    if (!actors) init();
+    if (capacity == count + 1) grow();
+    memmove(actors + 1, actors, count * sizeof(OrvActor*));
+    actors[0] = actor;
+    count++;
+}
+
+int OrvStageLayer::remove(OrvActor* actor) {
+    int i = position(actor);
+    if (i < 0) return 0;
+    memmove(actors + i, actors + i + 1, (count - i - 1) * sizeof(OrvActor*));
+    actors[--count] = 0;
+    return 1;
+}
+
+int OrvStageLayer::position(const OrvActor* actor) const {
+    if (!actors) return -1;
+    for (uint32_t i = 0; i < count; i++)
+        if (actors[i] == actor) return (int)i;
+    return -1;
+}
+
+int OrvStageLayer::pop(OrvActor* actor) {
+    if (count == 0) return 0;
+    int i = position(actor);
+    if (i < 0 || (uint32_t)i == count - 1) return 0;
+    // An exchange: the last actor drops to the popped one's place.
+    actors[i] = actors[count - 1];
+    actors[count - 1] = actor;
+    return 1;
+}
+
+int OrvStageLayer::push(OrvActor*) {
+    // The exchange with the bottom actor would ask for an empty layer that
+    // holds the actor above index 0, which cannot be: push changes nothing.
+    return 0;
+}
+
+void OrvStageLayer::apply(OrvActorFunction function, void* data) {
+    for (uint32_t i = 0; i < count; i++) function(actors[i], data);
+}
+
+// Hit order is the reverse of paint order: the last actor painted is on top.
+OrvActor* OrvStageLayer::contains(const Orv2dPoint& point, const Orv2dMatrix* matrix, unsigned long withRole,
+                                  const char* type) const {
+    if (count == 0 || !visible) return 0;
+    for (int i = (int)count - 1; i >= 0; i--) {
+        OrvActor* actor = actors[i];
+        if (withRole && !actor->getRole()) continue;
+        if (type && !actor->isSubtypeOf(type)) continue;
+        if (!actor->isVisible() || !actor->isSelectable()) continue;
+        if (actor->contains2d(point, matrix)) return actor;
+    }
+    return 0;
+}
+
+OrvActor* OrvStageLayer::containsDragger(const Orv2dPoint& point, const Orv2dMatrix* matrix,
+                                         unsigned long withRole, const char* type) const {
+    if (count == 0 || !visible) return 0;
+    Orv2dRegion handles(25);
+    for (int i = (int)count - 1; i >= 0; i--) {
+        OrvActor* actor = actors[i];
+        if (withRole && !actor->getRole()) continue;
+        if (type && !actor->isSubtypeOf(type)) continue;
+        if (!actor->isVisible() || !actor->isSelected()) continue;
+        actor->draggerRegions2d(handles, matrix);
+        for (unsigned short k = 0; k < handles.count; k++)
+            if (handles.rectangle(k).contains(point)) return actor;
+    }
+    return 0;
+}
+
+void OrvStageLayer::draw(OrvCanvas* canvas, const Orv2dMatrix* matrix, const Orv2dRegion* region) {
+    for (uint32_t i = 0; i < count; i++) {
+        OrvActor* actor = actors[i];
+        if (!actor->isVisible()) continue;
+        if (region && !actor->intersects2d(*region, matrix)) continue;
+        // Handles lie under the actor they belong to.
+        if (actor->isSelected()) actor->draggerDraw2d(canvas, matrix);
+        actor->draw2d(canvas, matrix);
+    }
+}
+
+void OrvStageLayer::deleteActors(unsigned long dropLinkProperties) {
+    // Walk a copy: removing an actor changes the array. Links go first, since
+    // removing an actor would otherwise remove its links a second time.
+    uint32_t n = count;
+    OrvActor** copy = (OrvActor**)malloc((n + 1) * sizeof(OrvActor*));
+    memcpy(copy, actors, n * sizeof(OrvActor*));
+    for (int pass = 0; pass < 2; pass++) {
+        for (uint32_t i = 0; i < n; i++) {
+            OrvActor* actor = copy[i];
+            if (!actor) continue;
+            if (pass == 0 && !actor->getProperty(OrvLinkBit)) continue;
+            if (dropLinkProperties && stage) {
+                actor->removeUserProperty(stage->fromKey);
+                actor->removeUserProperty(stage->toKey);
+            }
+            if (stage) stage->remove(actor, 0);
+            delete actor;
+            copy[i] = 0;
+        }
+    }
+    free(copy);
+}
+
+void OrvStageLayer::empty(unsigned long deleteAll) {
+    if (actors && deleteAll) deleteActors(1);
+    free(actors);
+    actors = 0;
+    count = 0;
+    capacity = 0;
+    if (!stage || !stage->destroying) init();
+}

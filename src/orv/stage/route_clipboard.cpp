@@ -1,0 +1,110 @@
+// Cut, copy and paste: the selections travel as text of the persistent
+// format through the director's clipboard, which is the X cut buffer.
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <string>
+
+#include "orv/actor.h"
+#include "orv/director.h"
+#include "orv/stage.h"
+#if __has_include("orv/stream.h")
+#include "orv/stream.h"
+#define ORV_HAVE_STREAM 1
+#else
+#define ORV_HAVE_STREAM 0
+#endif
+
+// The selections as persistent text; empty without a selection.
+static std::string OrvSelectionsText(OrvStage* stage) {
+    unsigned count = 0;
+    OrvActor** selected = stage->selections(count);
+    if (!selected) return std::string();
+    std::ostringstream text;
+#if ORV_HAVE_STREAM
+    OrvOStream out(text);
+    out.write(count, selected, 1);
+#endif
+    free(selected);
+    return text.str();
+}
+
+void OrvStage::copy() {
+    std::string text = OrvSelectionsText(this);
+    if (text.empty()) return;
+    director->setClipboard(text.c_str(), 0);
+}
+
+void OrvStage::cut() {
+    unsigned long allow = OrvAllowCallContentsChanged;
+    OrvAllowCallContentsChanged = 0;
+    std::string text = OrvSelectionsText(this);
+    if (text.empty()) {
+        OrvAllowCallContentsChanged = allow;
+        return;
+    }
+    unsigned count = 0;
+    OrvActor** selected = selections(count);
+    remove(selected, count, 1);
+    free(selected);
+    OrvAllowCallContentsChanged = allow;
+    contentsChanged();
+    // The clipboard is set last, once the stage is consistent again.
+    director->setClipboard(text.c_str(), 0);
+}
+
+void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
+    int length = 0;
+    const char* clip = director->getClipboard(length);
+    if (!clip || !*clip || length <= 0) return;
+    std::string text(clip, (size_t)length);
+
+    // The old handles are not repainted: the repaint below covers them.
+    int privateNest = nesting == 0;
+    if (privateNest) beginDrawing();
+    deSelect();
+    if (privateNest) abortDrawing();
+
+    unsigned count = 0;
+#if ORV_HAVE_STREAM
+    std::istringstream in(text);
+    OrvIStream reader(director, in);
+    OrvActor** actors = reader.read(count, 1);
+    // The array ends at the first object that could not be read.
+    unsigned readable = 0;
+    while (actors && readable < count && actors[readable]) readable++;
+    count = readable;
+#else
+    OrvActor** actors = 0;
+#endif
+    if (!actors || !count) {
+        delete[] actors;
+        drawAll(nullptr, 1);
+        return;
+    }
+
+    privateNest = nesting == 0;
+    if (privateNest) beginDrawing();
+    Orv2dPoint at = where;
+    if (transformer) transformer->inverse(at);
+    Orv2dRect box;
+    for (unsigned i = 0; i < count; i++) box.extendBy(actors[i]->bbox2d(nullptr));
+    Orv2dMatrix shift(Orv2dPoint(at.x - box.x, at.y - box.y));
+
+    unsigned long allow = OrvAllowCallContentsChanged;
+    OrvAllowCallContentsChanged = 0;
+    for (unsigned i = 0; i < count; i++) {
+        OrvActor* a = actors[i];
+        a->apply2d(shift);
+        append(a, a->layer);
+        a->setSelected(select);
+    }
+    if (privateNest) {
+        abortDrawing();
+        drawAll(nullptr, 1);
+    }
+    // With the flag still clear this reaches no hook: a paste is silent.
+    contentsChanged();
+    OrvAllowCallContentsChanged = allow;
+    delete[] actors;
+}

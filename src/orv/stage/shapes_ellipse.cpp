@@ -1,0 +1,97 @@
+// Ellipses and arcs, outlined or filled. Under a matrix that keeps the axes
+// they are the X arcs of their mapped box; under a rotation they are tested in
+// their own space and drawn as polygons.
+#include "orv/canvas.h"
+#include "orv/makeup.h"
+#include "orv/shapes.h"
+#include "shapes_geometry.h"
+
+ORV_DEFINE_CLASS_INIT(OrvEllipse, "OrvActor", OrvEllipse::read)
+ORV_DEFINE_CLASS_INIT(OrvFilledEllipse, "OrvEllipse", OrvFilledEllipse::read)
+ORV_DEFINE_CLASS_INIT(OrvArc, "OrvEllipse", OrvArc::read)
+
+OrvEllipse::OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp)
+    : OrvActor(director, makeUp), rect(rect) {}
+
+OrvEllipse::OrvEllipse(const OrvEllipse& source) : OrvActor(source), rect(source.rect) {}
+
+OrvActor* OrvEllipse::copy() const { return new OrvEllipse(*this); }
+OrvClassInfo* OrvEllipse::classInfo() const { return _classInfo; }
+
+static unsigned long isPie(const OrvEllipse* e) {
+    return e->isFilled() && e->makeUp && e->makeUp->arcMode() == 0 && e->endAngle() - e->startAngle() < 360;
+}
+
+Orv2dRect OrvEllipse::bbox2d(const Orv2dMatrix* matrix) const {
+    Orv2dRect box;
+    if (OrvKeepsAxes(matrix)) {
+        Orv2dRect r = rect;
+        if (matrix) matrix->apply(r);
+        OrvComputeArcBBox(r, startAngle(), endAngle(), box);
+        // A pie reaches the centre, which the arc's own box may leave out.
+        if (isPie(this)) box.extendBy(Orv2dRect(r.x + (int32_t)(r.w >> 1), r.y + (int32_t)(r.h >> 1), 1, 1));
+    } else {
+        unsigned n = 0;
+        Orv2dPoint* p = OrvEllipsePoints(rect, startAngle(), endAngle(), isPie(this), matrix, n);
+        box = OrvPointsBox(n, p);
+    }
+    return isFilled() ? box : OrvGrowRect(box, OrvHalfLineWidth(makeUp));
+}
+
+void OrvEllipse::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
+    if (OrvKeepsAxes(matrix)) {
+        canvas->arc(makeUp, rect, startAngle(), endAngle(), isFilled(), matrix);
+        return;
+    }
+    unsigned n = 0;
+    Orv2dPoint* p = OrvEllipsePoints(rect, startAngle(), endAngle(), isPie(this), matrix, n);
+    canvas->polyLine(makeUp, n, p, isFilled());
+}
+
+void OrvEllipse::apply2d(const Orv2dMatrix& matrix) { matrix.apply(rect); }
+
+unsigned long OrvEllipse::contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
+    if (isSelected() && dragger2d(point, matrix)) return 1;
+    Orv2dRect r = rect;
+    Orv2dPoint p = point;
+    if (OrvKeepsAxes(matrix)) {
+        if (matrix) matrix->apply(r);
+    } else if (!matrix->inverse(p)) {
+        return 0;
+    }
+    if (isFilled()) return OrvPointInFilledArc(p, r, startAngle(), endAngle(), (OrvArcMode)(makeUp ? makeUp->arcMode() : 0));
+    return OrvPointInArc(p, r, startAngle(), endAngle());
+}
+
+void OrvEllipse::setRect(const Orv2dRect& r) {
+    if (r == rect) return;
+    beginDrawing(1);
+    rect = r;
+    flushDrawing(1);
+}
+
+OrvFilledEllipse::OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp)
+    : OrvEllipse(director, rect, makeUp) {}
+
+OrvFilledEllipse::OrvFilledEllipse(const OrvFilledEllipse& source) : OrvEllipse(source) {}
+
+OrvActor* OrvFilledEllipse::copy() const { return new OrvFilledEllipse(*this); }
+OrvClassInfo* OrvFilledEllipse::classInfo() const { return _classInfo; }
+
+OrvArc::OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end, unsigned long filled,
+               OrvMakeUp* makeUp)
+    : OrvEllipse(director, rect, makeUp), start(start), end(end), filled(filled) {}
+
+OrvArc::OrvArc(const OrvArc& source)
+    : OrvEllipse(source), start(source.start), end(source.end), filled(source.filled) {}
+
+OrvActor* OrvArc::copy() const { return new OrvArc(*this); }
+OrvClassInfo* OrvArc::classInfo() const { return _classInfo; }
+
+void OrvArc::setAngles(float s, float e) {
+    if (s == start && e == end) return;
+    beginDrawing(1);
+    start = s;
+    end = e;
+    flushDrawing(1);
+}

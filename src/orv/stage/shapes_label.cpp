@@ -1,0 +1,83 @@
+// Labels: one line of text in the make-up's font, placed by an alignment.
+#include <cstdlib>
+#include <cstring>
+
+#include "orv/canvas.h"
+#include "orv/makeup.h"
+#include "orv/resource.h"
+#include "orv/shapes.h"
+#include "shapes_geometry.h"
+
+ORV_DEFINE_CLASS_INIT(OrvLabel, "OrvActor", OrvLabel::read)
+
+static char* copyText(const char* text) {
+    if (!text) text = "";
+    size_t n = strlen(text) + 1;
+    char* copy = (char*)malloc(n);
+    memcpy(copy, text, n);
+    return copy;
+}
+
+OrvLabel::OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment,
+                   OrvMakeUp* makeUp)
+    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment) {}
+
+OrvLabel::OrvLabel(const OrvLabel& source)
+    : OrvActor(source), text(copyText(source.text)), point(source.point), alignment(source.alignment) {}
+
+OrvLabel::~OrvLabel() { free(text); }
+
+OrvActor* OrvLabel::copy() const { return new OrvLabel(*this); }
+OrvClassInfo* OrvLabel::classInfo() const { return _classInfo; }
+
+// Raster text does not scale or turn: only its anchor follows the matrix.
+Orv2dRect OrvLabel::textBox(const Orv2dMatrix* matrix, Orv2dPoint* baseline) const {
+    Orv2dPoint anchor = OrvMapPoint(point, matrix);
+    OrvRasterFont* font = makeUp ? makeUp->font() : 0;
+    Orv2dRect extent = font ? font->bbox(text, 0, 0) : Orv2dRect();
+    // The extent is relative to the baseline origin: y is minus the ascent.
+    int32_t left = anchor.x;
+    if (alignment & OrvRight)
+        left = anchor.x - (int32_t)extent.w;
+    else if (alignment & OrvCenter)
+        left = anchor.x - (int32_t)(extent.w / 2);
+    int32_t base = anchor.y;
+    if (alignment & OrvTop)
+        base = anchor.y - extent.y;
+    else if (alignment & OrvBottom)
+        base = anchor.y - (extent.y + (int32_t)extent.h);
+    if (baseline) *baseline = Orv2dPoint(left - extent.x, base);
+    return Orv2dRect(left, base + extent.y, extent.w, extent.h);
+}
+
+Orv2dRect OrvLabel::bbox2d(const Orv2dMatrix* matrix) const { return textBox(matrix, 0); }
+
+void OrvLabel::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
+    if (!*text) return;
+    Orv2dPoint baseline;
+    textBox(matrix, &baseline);
+    canvas->string(makeUp, baseline, text, 0, OrvLeft, 0, 0);
+}
+
+void OrvLabel::apply2d(const Orv2dMatrix& matrix) { matrix.apply(point); }
+
+unsigned long OrvLabel::contains2d(const Orv2dPoint& p, const Orv2dMatrix* matrix) {
+    if (isSelected() && dragger2d(p, matrix)) return 1;
+    Orv2dRect box = textBox(matrix, 0);
+    return box.w && box.contains(p);
+}
+
+void OrvLabel::setText(const char* t) {
+    if (t && strcmp(t, text) == 0) return;
+    beginDrawing(1);
+    free(text);
+    text = copyText(t);
+    flushDrawing(1);
+}
+
+void OrvLabel::setAlignment(OrvPosition a) {
+    if (a == alignment) return;
+    beginDrawing(1);
+    alignment = a;
+    flushDrawing(1);
+}

@@ -1,0 +1,92 @@
+// Straight lines, with or without arrow heads.
+#include "orv/canvas.h"
+#include "orv/makeup.h"
+#include "orv/shapes.h"
+#include "shapes_geometry.h"
+
+ORV_DEFINE_CLASS_INIT(OrvLine, "OrvActor", OrvLine::read)
+ORV_DEFINE_CLASS_INIT(OrvArrowLine, "OrvLine", OrvArrowLine::read)
+
+OrvLine::OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp)
+    : OrvActor(director, makeUp), from(from), to(to) {}
+
+OrvLine::OrvLine(const OrvLine& source) : OrvActor(source), from(source.from), to(source.to) {}
+
+OrvActor* OrvLine::copy() const { return new OrvLine(*this); }
+OrvClassInfo* OrvLine::classInfo() const { return _classInfo; }
+
+// One pixel more than the stroke, so that a vertical or horizontal line still
+// has a box with area to repaint.
+Orv2dRect OrvLine::bbox2d(const Orv2dMatrix* matrix) const {
+    Orv2dPoint p[2] = {OrvMapPoint(from, matrix), OrvMapPoint(to, matrix)};
+    return OrvGrowRect(OrvPointsBox(2, p), OrvHalfLineWidth(makeUp) + 1);
+}
+
+void OrvLine::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) { canvas->line(makeUp, from, to, matrix); }
+
+void OrvLine::apply2d(const Orv2dMatrix& matrix) {
+    matrix.apply(from);
+    matrix.apply(to);
+}
+
+unsigned long OrvLine::contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
+    if (isSelected() && dragger2d(point, matrix)) return 1;
+    return OrvPointInLine(point, OrvMapPoint(from, matrix), OrvMapPoint(to, matrix));
+}
+
+void OrvLine::setPoints(const Orv2dPoint& f, const Orv2dPoint& t) {
+    if (f == from && t == to) return;
+    beginDrawing(1);
+    from = f;
+    to = t;
+    flushDrawing(1);
+}
+
+OrvArrowLine::OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp,
+                           unsigned long arrows)
+    : OrvLine(director, from, to, makeUp), arrows(arrows) {}
+
+OrvArrowLine::OrvArrowLine(const OrvArrowLine& source) : OrvLine(source), arrows(source.arrows) {}
+
+OrvActor* OrvArrowLine::copy() const { return new OrvArrowLine(*this); }
+OrvClassInfo* OrvArrowLine::classInfo() const { return _classInfo; }
+
+void OrvArrowLine::head(unsigned long atEnd, const Orv2dMatrix* matrix, Orv2dPoint out[3]) const {
+    Orv2dPoint f = OrvMapPoint(from, matrix), t = OrvMapPoint(to, matrix);
+    if (atEnd)
+        OrvComputeArrow(f, t, 1.0f, out);
+    else
+        OrvComputeArrow(t, f, 1.0f, out);
+}
+
+Orv2dRect OrvArrowLine::bbox2d(const Orv2dMatrix* matrix) const {
+    Orv2dRect box = OrvLine::bbox2d(matrix);
+    Orv2dPoint h[3];
+    for (unsigned long end = 0; end < 2; end++) {
+        if (!(arrows & (end ? OrvArrowAtEnd : OrvArrowAtStart))) continue;
+        head(end, matrix, h);
+        box.extendBy(OrvGrowRect(OrvPointsBox(3, h), 1));
+    }
+    return box;
+}
+
+void OrvArrowLine::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
+    OrvLine::draw2d(canvas, matrix);
+    Orv2dPoint h[3];
+    for (unsigned long end = 0; end < 2; end++) {
+        if (!(arrows & (end ? OrvArrowAtEnd : OrvArrowAtStart))) continue;
+        head(end, matrix, h);
+        canvas->polyLine(makeUp, 3, h, 1);
+    }
+}
+
+unsigned long OrvArrowLine::contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
+    if (OrvLine::contains2d(point, matrix)) return 1;
+    Orv2dPoint h[3];
+    for (unsigned long end = 0; end < 2; end++) {
+        if (!(arrows & (end ? OrvArrowAtEnd : OrvArrowAtStart))) continue;
+        head(end, matrix, h);
+        if (OrvPointInPolygon(point, 3, h) != -1) return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,383 @@
+// The quadtree: split rule, the 6-pixel floor, child boxes, growth, messages,
+// the optimize mode, and queries checked against a brute-force walk.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "orv/layer.h"
+#include "orv/shapes.h"
+
+namespace {
+
+// A box actor whose hit test is its box, as the default one is.
+class Box : public OrvActor {
+public:
+    Orv2dRect r;
+    explicit Box(const Orv2dRect& r) : OrvActor(nullptr), r(r) {}
+    Orv2dRect bbox2d(const Orv2dMatrix* m) const override {
+        Orv2dRect b = r;
+        if (m) m->apply(b);
+        return b;
+    }
+};
+
+struct Owned {
+    std::vector<Box*> boxes;
+    ~Owned() {
+        for (Box* b : boxes) delete b;
+    }
+    Box* make(int x, int y, unsigned w, unsigned h) {
+        boxes.push_back(new Box(Orv2dRect(x, y, w, h)));
+        return boxes.back();
+    }
+};
+
+void collect(OrvActor* a, void* data) { ((std::vector<OrvActor*>*)data)->push_back(a); }
+
+std::set<OrvActor*> all(OrvQuadtree& t) {
+    std::vector<OrvActor*> v;
+    t.apply(collect, &v);
+    return std::set<OrvActor*>(v.begin(), v.end());
+}
+
+unsigned depth(const OrvQuadtree* t) {
+    if (!t) return 0;
+    unsigned d = 0;
+    for (const OrvQuadtree* c : {t->topLeft, t->topRight, t->bottomLeft, t->bottomRight}) d = std::max(d, depth(c));
+    return d + 1;
+}
+
+unsigned listLength(const OrvQuadtree* t) {
+    unsigned n = 0;
+    for (OrvLink* l = t->head; l; l = l->next) n++;
+    return n;
+}
+
+} // namespace
+
+TEST(Quadtree, DefaultsAndChildBoxes) {
+    EXPECT_EQ(OrvDefaultQuadtreeMax, 40u);
+    EXPECT_EQ(OrvGetOptimizeMode(), 0);
+    OrvQuadtree t(10, nullptr);
+    EXPECT_EQ(t.box, Orv2dRect(-100000, -100000, 200000, 200000));
+    EXPECT_EQ(t.count, 0u);
+    EXPECT_EQ(t.internal, 0u);
+    EXPECT_EQ(t.max, 10u);
+    OrvQuadtree bare;
+    EXPECT_EQ(bare.max, 0u);
+    EXPECT_EQ(bare.box, Orv2dRect());
+
+    // The right and bottom children take the odd pixel.
+    Orv2dRect odd(10, 20, 7, 9);
+    OrvQuadtree o(4, &odd);
+    EXPECT_EQ(o.childBox(OrvQuadTopLeft), Orv2dRect(10, 20, 3, 4));
+    EXPECT_EQ(o.childBox(OrvQuadTopRight), Orv2dRect(13, 20, 4, 4));
+    EXPECT_EQ(o.childBox(OrvQuadBottomLeft), Orv2dRect(10, 24, 3, 5));
+    EXPECT_EQ(o.childBox(OrvQuadBottomRight), Orv2dRect(13, 24, 4, 5));
+
+    // Positions: mx = 13, my = 24.
+    EXPECT_EQ(o.findPos(Orv2dRect(13, 20, 2, 2)), 5u);  // starts at mx: right
+    EXPECT_EQ(o.findPos(Orv2dRect(10, 20, 3, 2)), 6u);  // ends at mx: left
+    EXPECT_EQ(o.findPos(Orv2dRect(12, 20, 3, 2)), 65535u);
+    EXPECT_EQ(o.findPos(Orv2dRect(10, 22, 2, 2)), 6u);  // ends at my: top
+    EXPECT_EQ(o.findPos(Orv2dRect(10, 24, 2, 0)), 10u); // height 0 on my: bottom
+    EXPECT_EQ(o.findPos(Orv2dRect(14, 23, 2, 2)), 65535u);
+    EXPECT_EQ(o.findPos(Orv2dRect(14, 25, 2, 2)), 9u);
+    EXPECT_EQ(o.findPos(Orv2dPoint(12, 23)), 6u);
+    EXPECT_EQ(o.findPos(Orv2dPoint(13, 23)), 5u);
+    EXPECT_EQ(o.findPos(Orv2dPoint(12, 24)), 10u);
+    EXPECT_EQ(o.findPos(Orv2dPoint(13, 24)), 9u);
+    // Under 6 on the short side: everything stays.
+    Orv2dRect thin(0, 0, 5, 100);
+    OrvQuadtree n(4, &thin);
+    EXPECT_EQ(n.findPos(Orv2dRect(0, 0, 1, 1)), 65535u);
+    EXPECT_EQ(n.findPos(Orv2dPoint(0, 0)), 65535u);
+}
+
+TEST(Quadtree, SplitsWhenTheCountReachesMax) {
+    Owned own;
+    Orv2dRect area(0, 0, 1000, 1000);
+    OrvQuadtree t(OrvDefaultQuadtreeMax, &area);
+    for (unsigned i = 0; i < OrvDefaultQuadtreeMax - 1; i++) t.add(own.make(10 + (int)i, 10, 1, 1));
+    EXPECT_EQ(t.internal, 0u);
+    EXPECT_EQ(listLength(&t), 39u);
+    // The 40th brings the count to max: the leaf splits and spreads its list.
+    Box* straddler = own.make(499, 499, 2, 2);
+    t.add(straddler);
+    EXPECT_EQ(t.internal, 1u);
+    EXPECT_EQ(t.count, 40u);
+    ASSERT_NE(t.topLeft, nullptr);
+    EXPECT_EQ(t.topLeft->count, 39u);
+    EXPECT_EQ(t.topLeft->box, Orv2dRect(0, 0, 500, 500));
+    EXPECT_EQ(t.topRight, nullptr);
+    // The one across the centre stays at the root and is found there first.
+    EXPECT_EQ(listLength(&t), 1u);
+    EXPECT_EQ(t.head->value, straddler);
+    EXPECT_EQ(t.contains(Orv2dPoint(500, 500), Orv2dPoint(500, 500), nullptr), straddler);
+    // Later actors go down by position.
+    Box* br = own.make(700, 700, 5, 5);
+    t.add(br);
+    ASSERT_NE(t.bottomRight, nullptr);
+    EXPECT_EQ(t.bottomRight->count, 1u);
+    EXPECT_EQ(t.contains(Orv2dPoint(702, 702), Orv2dPoint(702, 702), nullptr), br);
+    EXPECT_EQ(all(t).size(), 41u);
+
+    // Removal empties children, destroys them and turns the node back into a leaf.
+    EXPECT_EQ(t.remove(br), 1);
+    EXPECT_EQ(t.bottomRight, nullptr);
+    for (unsigned i = 0; i < 39; i++) EXPECT_EQ(t.remove(own.boxes[i]), 1);
+    EXPECT_EQ(t.topLeft, nullptr);
+    EXPECT_EQ(t.internal, 0u);
+    EXPECT_EQ(t.count, 1u);
+    EXPECT_EQ(listLength(&t), 1u); // a node back to leaf may keep a list
+}
+
+TEST(Quadtree, SixPixelFloorKeepsLeavesWhole) {
+    Owned own;
+    Orv2dRect narrow(0, 0, 5, 1000);
+    OrvQuadtree t(4, &narrow);
+    for (int i = 0; i < 50; i++) t.add(own.make(1, i * 10, 2, 2));
+    EXPECT_EQ(t.internal, 0u);
+    EXPECT_EQ(t.count, 50u);
+    EXPECT_EQ(listLength(&t), 50u);
+    // A deep pile on one point stops splitting when boxes get under 6.
+    Owned pile;
+    Orv2dRect area(0, 0, 1024, 1024);
+    OrvQuadtree p(4, &area);
+    for (int i = 0; i < 100; i++) p.add(pile.make(1, 1, 1, 1));
+    EXPECT_EQ(p.count, 100u);
+    // 1024 halves to 4 in 8 steps: 9 levels at most.
+    EXPECT_LE(depth(&p), 9u);
+    const OrvQuadtree* leaf = &p;
+    while (leaf->topLeft) leaf = leaf->topLeft;
+    EXPECT_LT(std::min(leaf->box.w, leaf->box.h), 6u);
+    EXPECT_EQ(all(p).size(), 100u);
+}
+
+TEST(Quadtree, GrowthOfLeafAndInternalRoots) {
+    Owned own;
+    Orv2dRect area(0, 0, 100, 100);
+    OrvQuadtree leaf(4, &area);
+    leaf.add(own.make(10, 10, 5, 5));
+    // Outside a leaf root: the box widens.
+    leaf.add(own.make(150, 20, 10, 10));
+    EXPECT_EQ(leaf.box, Orv2dRect(0, 0, 160, 100));
+    EXPECT_EQ(leaf.internal, 0u);
+
+    // growToPoint doubles towards the point; the old root becomes the child
+    // on the side away from it and keeps the list.
+    OrvQuadtree g(4, &area);
+    Box* kept = own.make(10, 10, 5, 5);
+    g.add(kept);
+    g.growToPoint(Orv2dPoint(-50, 150)); // left and below
+    EXPECT_EQ(g.box, Orv2dRect(-100, 0, 200, 200));
+    EXPECT_EQ(g.internal, 1u);
+    EXPECT_EQ(g.head, nullptr);
+    ASSERT_NE(g.topRight, nullptr);
+    EXPECT_EQ(g.topRight->box, Orv2dRect(0, 0, 100, 100));
+    EXPECT_EQ(g.topRight->head->value, kept);
+    EXPECT_EQ(g.topLeft, nullptr);
+    EXPECT_EQ(g.count, 1u);
+    EXPECT_TRUE(g.insideP(kept));
+    g.growToPoint(Orv2dPoint(0, 0)); // inside: nothing
+    EXPECT_EQ(g.box, Orv2dRect(-100, 0, 200, 200));
+    // Right and above, several doublings at once.
+    g.growToPoint(Orv2dPoint(700, -10));
+    EXPECT_EQ(g.box, Orv2dRect(-100, -600, 800, 800));
+    ASSERT_NE(g.bottomLeft, nullptr);
+    EXPECT_EQ(g.bottomLeft->box, Orv2dRect(-100, -200, 400, 400));
+    EXPECT_EQ(g.bottomLeft->head, nullptr);
+    ASSERT_NE(g.bottomLeft->bottomLeft, nullptr);
+    EXPECT_EQ(g.bottomLeft->bottomLeft->box, Orv2dRect(-100, 0, 200, 200));
+    ASSERT_NE(g.bottomLeft->bottomLeft->topRight, nullptr);
+    EXPECT_EQ(g.bottomLeft->bottomLeft->topRight->head->value, kept);
+    EXPECT_EQ(g.count, 1u);
+    EXPECT_TRUE(g.insideP(kept));
+    EXPECT_EQ(g.contains(Orv2dPoint(12, 12), Orv2dPoint(12, 12), nullptr), kept);
+
+    // growToRect is the two corners; an internal root grows by doubling in add.
+    OrvQuadtree r(4, &area);
+    r.growToRect(Orv2dRect(-10, -10, 220, 5));
+    EXPECT_EQ(r.box, Orv2dRect(-100, -100, 400, 400));
+    ASSERT_NE(r.topLeft, nullptr);
+    EXPECT_EQ(r.topLeft->box, Orv2dRect(-100, -100, 200, 200));
+    ASSERT_NE(r.topLeft->bottomRight, nullptr);
+    EXPECT_EQ(r.topLeft->bottomRight->box, area);
+    Box* far = own.make(1000, 1000, 10, 10);
+    r.add(far);
+    EXPECT_TRUE(r.box.contains(far->r));
+    EXPECT_EQ(r.box, Orv2dRect(-100, -100, 1600, 1600));
+    EXPECT_TRUE(r.insideP(far));
+}
+
+TEST(Quadtree, MessagesAndOptimizeMode) {
+    Owned own;
+    Orv2dRect area(0, 0, 100, 100);
+    OrvQuadtree t(4, &area);
+    Box* b = own.make(1, 2, 3, 4);
+    EXPECT_EQ(t.add(b), 1);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(t.add(b), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Quadtree::add: OrvActor [1 2 3 4] Already in quadtree\n");
+    EXPECT_EQ(t.count, 1u);
+    Box* stranger = own.make(5, 6, 7, 8);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(t.remove(stranger), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Quadtree::remove: Object OrvActor [5 6 7 8] not in quadtree \n");
+    EXPECT_EQ(t.count, 1u);
+
+    // With the mode set the tests are left out: a double add goes in twice.
+    OrvSetOptimizeMode(1);
+    EXPECT_EQ(OrvGetOptimizeMode(), 1);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(t.add(b), 1);
+    EXPECT_EQ(t.remove(stranger), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(t.count, 1u); // 2 after the add, 1 after the unfound removal
+    OrvSetOptimizeMode(0);
+    EXPECT_EQ(t.remove(b), 1);
+    EXPECT_EQ(t.remove(b), 1);
+    EXPECT_EQ(t.count, 4294967295u); // counts went wrong, as the mode warns
+}
+
+TEST(Quadtree, ApplyInsideGivesTheMatrixOnlyAtTheFirstNode) {
+    struct Spy : Box {
+        std::vector<const Orv2dMatrix*>* seen;
+        Spy(const Orv2dRect& r, std::vector<const Orv2dMatrix*>* s) : Box(r), seen(s) {}
+        unsigned long inside2d(const Orv2dRegion& region, const Orv2dMatrix* m) const override {
+            seen->push_back(m);
+            return OrvActor::inside2d(region, m);
+        }
+    };
+    std::vector<const Orv2dMatrix*> seen;
+    Orv2dRect area(0, 0, 1024, 1024);
+    OrvQuadtree t(2, &area);
+    Spy centre(Orv2dRect(510, 510, 4, 4), &seen);
+    Spy deep1(Orv2dRect(10, 10, 4, 4), &seen);
+    Spy deep2(Orv2dRect(20, 20, 4, 4), &seen);
+    t.add(&centre);
+    t.add(&deep1);
+    t.add(&deep2);
+    ASSERT_EQ(t.internal, 1u);
+    Orv2dMatrix identity;
+    Orv2dRegion window(Orv2dRect(5, 5, 600, 15));
+    std::vector<OrvActor*> got;
+    t.applyInside(window, window, collect, &got, &identity);
+    ASSERT_FALSE(seen.empty());
+    EXPECT_EQ(seen[0], &identity); // the root's own actor
+    for (size_t i = 1; i < seen.size(); i++) EXPECT_EQ(seen[i], nullptr);
+    t.remove(&centre);
+    t.remove(&deep1);
+    t.remove(&deep2);
+}
+
+TEST(Quadtree, EmptyDeletesActorsAndNodes) {
+    Orv2dRect area(0, 0, 512, 512);
+    OrvQuadtree* t = new OrvQuadtree(2, &area);
+    for (int i = 0; i < 30; i++) t->add(new Box(Orv2dRect(i * 15, i * 15, 3, 3)));
+    EXPECT_EQ(t->count, 30u);
+    t->empty(1); // frees all: ASan would report a leak or a double free
+}
+
+// Queries against brute force over many random sets. Actors have even
+// coordinates and sizes, points are odd, and the root box is a power of two
+// at an even origin, so that no point ever lies on a node's centre line,
+// where the walk takes one side only.
+TEST(QuadtreeProperty, QueriesAgreeWithBruteForce) {
+    std::mt19937 rng(20261123);
+    for (int round = 0; round < 60; round++) {
+        Owned own;
+        unsigned max = 2 + rng() % 40;
+        unsigned n = 1 + rng() % 600;
+        int span = 1 << (8 + rng() % 6);
+        Orv2dRect root(-span, -span, 2 * span, 2 * span);
+        OrvQuadtree t(max, &root);
+        // Outside actors make the root grow once it has split.
+        unsigned outsideFrom = n > max ? max : n;
+        for (unsigned i = 0; i < n; i++) {
+            unsigned w = 2 + 2 * (rng() % (span / 16 + 1)), h = 2 + 2 * (rng() % (span / 16 + 1));
+            // Until the root has split, actors stay inside it: a leaf root
+            // would widen to an odd size instead of doubling.
+            int reach = i >= outsideFrom && rng() % 4 == 0 ? 3 * span : span;
+            int x = ((int)(rng() % (2 * reach - w)) - reach) & ~1;
+            int y = ((int)(rng() % (2 * reach - h)) - reach) & ~1;
+            ASSERT_EQ(t.add(own.make(x, y, w, h)), 1);
+        }
+        ASSERT_EQ(t.count, n);
+        ASSERT_EQ(all(t).size(), n);
+        for (Box* b : own.boxes) ASSERT_TRUE(t.insideP(b));
+
+        for (int q = 0; q < 200; q++) {
+            Orv2dPoint p(((int)(rng() % (8 * span)) - 4 * span) | 1, ((int)(rng() % (8 * span)) - 4 * span) | 1);
+            OrvActor* found = t.contains(p, p, nullptr);
+            bool any = false;
+            for (Box* b : own.boxes) any = any || b->r.contains(p);
+            ASSERT_EQ(found != nullptr, any) << "round " << round << " point " << p.x << "," << p.y;
+            if (found) {
+                ASSERT_TRUE(((Box*)found)->r.contains(p));
+            }
+        }
+        for (int q = 0; q < 40; q++) {
+            Orv2dRect window(((int)(rng() % (6 * span)) - 3 * span), ((int)(rng() % (6 * span)) - 3 * span),
+                             1 + rng() % span, 1 + rng() % span);
+            Orv2dRegion region(window);
+            if (q % 3 == 0) region.extendBy(Orv2dRect(window.x + 5 * span / 2, window.y, 1 + rng() % span, 9));
+            std::vector<OrvActor*> got;
+            t.applyIntersect(region, region, collect, &got, nullptr);
+            std::set<OrvActor*> gotSet(got.begin(), got.end());
+            ASSERT_EQ(gotSet.size(), got.size()) << "an actor was called twice";
+            std::set<OrvActor*> want;
+            for (Box* b : own.boxes)
+                if (b->intersects2d(region, nullptr)) want.insert(b);
+            ASSERT_EQ(gotSet, want) << "round " << round << " window " << q;
+        }
+        // Remove a random half and check again.
+        std::shuffle(own.boxes.begin(), own.boxes.end(), rng);
+        size_t half = own.boxes.size() / 2;
+        for (size_t i = 0; i < half; i++) ASSERT_EQ(t.remove(own.boxes[i]), 1);
+        ASSERT_EQ(t.count, n - half);
+        std::set<OrvActor*> rest(own.boxes.begin() + half, own.boxes.end());
+        ASSERT_EQ(all(t), rest);
+        for (int q = 0; q < 100; q++) {
+            Orv2dPoint p(((int)(rng() % (8 * span)) - 4 * span) | 1, ((int)(rng() % (8 * span)) - 4 * span) | 1);
+            bool any = false;
+            for (size_t i = half; i < own.boxes.size(); i++) any = any || own.boxes[i]->r.contains(p);
+            ASSERT_EQ(t.contains(p, p, nullptr) != nullptr, any);
+        }
+    }
+}
+
+TEST(IndexedSet, BoxHitTestAndCopy) {
+    OrvIndexedSet set(nullptr, 3);
+    EXPECT_STREQ(set.className(), "OrvIndexedSet");
+    EXPECT_EQ(set.quadtree->max, 3u);
+    OrvIndexedSet defaults(nullptr);
+    EXPECT_EQ(defaults.quadtree->max, OrvDefaultQuadtreeMax);
+    EXPECT_EQ(set.bbox2d(nullptr), Orv2dRect());
+    std::vector<OrvRectangle*> rects;
+    for (int i = 0; i < 10; i++) {
+        rects.push_back(new OrvFilledRectangle(nullptr, Orv2dRect(i * 20, i * 10, 10, 10)));
+        set.quadtree->add(rects.back());
+    }
+    set.invalidateBox();
+    EXPECT_EQ(set.bbox2d(nullptr), Orv2dRect(0, 0, 190, 100));
+    Orv2dMatrix twice(2, 2);
+    EXPECT_EQ(set.bbox2d(&twice), Orv2dRect(0, 0, 380, 200));
+    EXPECT_EQ(set.whichContains(Orv2dPoint(45, 25), nullptr), rects[2]);
+    EXPECT_EQ(set.whichContains(Orv2dPoint(90, 50), &twice), rects[2]);
+    EXPECT_TRUE(set.contains2d(Orv2dPoint(45, 25), nullptr));
+    EXPECT_FALSE(set.contains2d(Orv2dPoint(45, 45), nullptr));
+    int mapped = 0;
+    set.map([](OrvActor*, void* d) { (*(int*)d)++; }, &mapped);
+    EXPECT_EQ(mapped, 10);
+    OrvActor* copy = set.copy();
+    EXPECT_STREQ(copy->className(), "OrvIndexedSet");
+    EXPECT_EQ(((OrvIndexedSet*)copy)->quadtree->count, 0u);
+    EXPECT_EQ(((OrvIndexedSet*)copy)->quadtree->max, OrvDefaultQuadtreeMax);
+    delete copy;
+}
