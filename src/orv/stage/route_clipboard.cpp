@@ -70,10 +70,15 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     std::istringstream in(text);
     OrvIStream reader(director, in);
     OrvActor** actors = reader.read(count, 1);
+    // The array ends at the first object that could not be read.
+    unsigned readable = 0;
+    while (actors && readable < count && actors[readable]) readable++;
+    count = readable;
 #else
     OrvActor** actors = 0;
 #endif
     if (!actors || !count) {
+        delete[] actors;
         drawAll(nullptr, 1);
         return;
     }
@@ -101,4 +106,5 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     // With the flag still clear this reaches no hook: a paste is silent.
     contentsChanged();
     OrvAllowCallContentsChanged = allow;
+    delete[] actors;
 }
