@@ -101,3 +101,36 @@ TEST_F(StageTest, BufferedDrawRefusesToNest) {
   stage->bufferedDraw(Orv2dRect(0, 0, 50, 50));
   EXPECT_EQ(0xff0000ul, rgb(15, 15));
 }
+
+// A hook the stage does not own outlives it, told by its cleared stage; an
+// owned one dies with it. Nothing paints while the stage goes.
+class KeptHook : public OrvStageHook {
+public:
+  int draws = 0;
+  int contentsCalls = 0;
+  void beforeDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override { draws++; }
+  void contents() override { contentsCalls++; }
+};
+
+TEST_F(StageTest, DestructorLetsHooksGoAndPaintsNothing) {
+  KeptHook kept;
+  RecordingHook* owned = new RecordingHook;
+  stage->install(&kept);
+  stage->install(owned);
+  box(10, 10, 20, 20);
+  box(50, 50, 20, 20, blue);
+  // Contents changes are told only while both switches are on.
+  kept.contentsCalls = 0;
+  OrvAllowCallContentsChanged = 0;
+  stage->contentsChanged();
+  EXPECT_EQ(0, kept.contentsCalls);
+  OrvAllowCallContentsChanged = 1;
+  stage->contentsChanged();
+  EXPECT_EQ(1, kept.contentsCalls);
+  kept.draws = 0;
+  stage->drawAlls = 0;
+  delete stage;  // the owned hook goes with it (the sanitizer build sees a leak otherwise)
+  stage = nullptr;
+  EXPECT_EQ(nullptr, kept.stage);
+  EXPECT_EQ(0, kept.draws);
+}
