@@ -11,5 +11,12 @@
 #include <orv/canvas.h>
 #include <orv/resource.h>
 #include <orv/makeup.h>
+#include <orv/actor.h>
+#include <orv/shapes.h>
+#include <orv/layer.h>
+#include <orv/stage.h>
+#include <orv/role.h>
+#include <orv/producer.h>
+#include <orv/stream.h>
 
 #endif
