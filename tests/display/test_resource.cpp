@@ -330,6 +330,10 @@ TEST_P(Resources, RasterFonts) {
   EXPECT_EQ(d->font("no-such-x-font"), def);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "Creating Font: Invalid Font no-such-x-font \n");
   EXPECT_EQ(d->fonts->get("no-such-x-font"), nullptr);
+  // An empty X name is refused like any unknown one (X itself mishandles it).
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(d->font(""), def);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Creating Font: Invalid Font  \n");
   // Text extents, with the mnemonic mark taken out.
   Orv2dRect hi = h10->bbox("Hi", 0, 0);
   Orv2dRect marked = h10->bbox("H\027i", 0, 1);

@@ -187,8 +187,13 @@ int OrvCanvas::makeFont(OrvRasterFont* font, const char* n) {
   char** missing = 0;
   int missingCount = 0;
   char* def = 0;
-  XFontSet fs = XCreateFontSet((Display*)director->display, load ? load : "", &missing, &missingCount, &def);
-  if (missing) XFreeStringList(missing);
+  // Xlib's font set code frees memory it does not own when the list of base
+  // names is empty, so an empty name is refused before it reaches X.
+  XFontSet fs = 0;
+  if (load && *load) {
+    fs = XCreateFontSet((Display*)director->display, load, &missing, &missingCount, &def);
+    if (missing) XFreeStringList(missing);
+  }
   if (!fs) {
     OrvPrint("Creating Font: Invalid Font %s \n", load ? load : "");
     return 0;
