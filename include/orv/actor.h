@@ -73,6 +73,16 @@ OrvStringHashTable* OrvGetHashTypes();
                 OrvInsertNewType(#Class, new OrvClassInfo(#Class, ParentName, Reader)); \
     }
 
+// The members every persistent actor class declares: the reader constructor,
+// copying, its registry entry and its persistent form. Use it in a public section.
+#define ORV_PERSISTENT_ACTOR(Class)                                                    \
+    explicit Class(OrvIStream& stream);                                                \
+    OrvActor* copy() const override;                                                   \
+    OrvClassInfo* classInfo() const override;                                          \
+    void write(OrvOStream& stream) const override;                                     \
+    static OrvActor* read(OrvIStream& stream);                                         \
+    static OrvClassInfo* _classInfo;
+
 // ---------------------------------------------------------------------------
 // State flags: bit numbers of OrvActor::flags. The numbering is a file format.
 // ---------------------------------------------------------------------------

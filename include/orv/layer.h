@@ -153,14 +153,10 @@ public:
 
     OrvIndexedSet(OrvDirector* director, unsigned short max = 0, OrvMakeUp* makeUp = 0);
     OrvIndexedSet(const OrvIndexedSet& source);
-    explicit OrvIndexedSet(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvIndexedSet)
     // Deletes the actors of the tree with it.
     ~OrvIndexedSet() override;
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     void map(OrvActorFunction function, void* data) override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -171,8 +167,6 @@ public:
     // invalidateBox so that the set's box is computed again.
     OrvActor* whichContains(const Orv2dPoint& point, const Orv2dMatrix* matrix);
     void invalidateBox() { box.w = 0; }
-
-    static OrvClassInfo* _classInfo;
 };
 
 ORV_DECLARE_CLASS_INIT(OrvIndexedSet)

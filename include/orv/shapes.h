@@ -26,12 +26,8 @@ public:
     OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0,
                  unsigned short radius = 0);
     OrvRectangle(const OrvRectangle& source);
-    explicit OrvRectangle(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvRectangle)
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -41,8 +37,6 @@ public:
     void setRect(const Orv2dRect& rect);
     void setRadius(unsigned short radius);
     virtual unsigned long isFilled() const { return 0; }
-
-    static OrvClassInfo* _classInfo;
 
 protected:
     // The outline as a closed path, mapped: 4 corners, or the flattened
@@ -55,15 +49,9 @@ public:
     OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0,
                        unsigned short radius = 0);
     OrvFilledRectangle(const OrvFilledRectangle& source);
-    explicit OrvFilledRectangle(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvFilledRectangle)
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     unsigned long isFilled() const override { return 1; }
-
-    static OrvClassInfo* _classInfo;
 };
 
 // ---------------------------------------------------------------------------
@@ -76,20 +64,14 @@ public:
 
     OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = 0);
     OrvLine(const OrvLine& source);
-    explicit OrvLine(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvLine)
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
     unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
 
     void setPoints(const Orv2dPoint& from, const Orv2dPoint& to);
-
-    static OrvClassInfo* _classInfo;
 };
 
 // Which ends of an arrow line carry a head.
@@ -102,12 +84,8 @@ public:
     OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = 0,
                  unsigned long arrows = OrvArrowAtEnd);
     OrvArrowLine(const OrvArrowLine& source);
-    explicit OrvArrowLine(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvArrowLine)
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
@@ -115,8 +93,6 @@ public:
     // The three points of the head at the end (at 1) or at the start (at 0),
     // in mapped space: tip first.
     void head(unsigned long atEnd, const Orv2dMatrix* matrix, Orv2dPoint out[3]) const;
-
-    static OrvClassInfo* _classInfo;
 };
 
 // ---------------------------------------------------------------------------
@@ -130,13 +106,9 @@ public:
 
     Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points, OrvMakeUp* makeUp = 0);
     Orv2dPolyline(const Orv2dPolyline& source);
-    explicit Orv2dPolyline(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(Orv2dPolyline)
     ~Orv2dPolyline() override;
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -151,8 +123,6 @@ public:
     // Moves one vertex through the change protocol.
     void setPoint(unsigned int index, const Orv2dPoint& point);
 
-    static OrvClassInfo* _classInfo;
-
 protected:
     // The points mapped, in the shared scratch array of OrvAllocPoints.
     Orv2dPoint* mapped(const Orv2dMatrix* matrix) const;
@@ -165,18 +135,12 @@ public:
     Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points, unsigned long filled = 0,
                  OrvMakeUp* makeUp = 0);
     Orv2dPolygon(const Orv2dPolygon& source);
-    explicit Orv2dPolygon(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(Orv2dPolygon)
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
 
     void setFilled(unsigned long on);
-
-    static OrvClassInfo* _classInfo;
 };
 
 // ---------------------------------------------------------------------------
@@ -189,12 +153,8 @@ public:
 
     OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0);
     OrvEllipse(const OrvEllipse& source);
-    explicit OrvEllipse(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvEllipse)
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -205,23 +165,15 @@ public:
     // Angles in degrees, counter-clockwise from three o'clock; end is absolute.
     virtual float startAngle() const { return 0; }
     virtual float endAngle() const { return 360; }
-
-    static OrvClassInfo* _classInfo;
 };
 
 class OrvFilledEllipse : public OrvEllipse {
 public:
     OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0);
     OrvFilledEllipse(const OrvFilledEllipse& source);
-    explicit OrvFilledEllipse(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvFilledEllipse)
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     unsigned long isFilled() const override { return 1; }
-
-    static OrvClassInfo* _classInfo;
 };
 
 // A part of an ellipse; filled, it is a pie slice or a chord by the make-up's arc mode.
@@ -233,19 +185,13 @@ public:
     OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end, unsigned long filled = 0,
            OrvMakeUp* makeUp = 0);
     OrvArc(const OrvArc& source);
-    explicit OrvArc(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvArc)
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     unsigned long isFilled() const override { return filled; }
     float startAngle() const override { return start; }
     float endAngle() const override { return end; }
 
     void setAngles(float start, float end);
-
-    static OrvClassInfo* _classInfo;
 };
 
 // ---------------------------------------------------------------------------
@@ -264,13 +210,9 @@ public:
     OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment = OrvLeft,
              OrvMakeUp* makeUp = 0);
     OrvLabel(const OrvLabel& source);
-    explicit OrvLabel(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvLabel)
     ~OrvLabel() override;
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
@@ -278,8 +220,6 @@ public:
 
     void setText(const char* text);
     void setAlignment(OrvPosition alignment);
-
-    static OrvClassInfo* _classInfo;
 
 protected:
     // The text's box in mapped space, and its baseline origin.
@@ -295,21 +235,15 @@ public:
 
     OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point, OrvMakeUp* makeUp = 0);
     OrvIcon(const OrvIcon& source);
-    explicit OrvIcon(OrvIStream& stream);
+    ORV_PERSISTENT_ACTOR(OrvIcon)
     ~OrvIcon() override;
 
-    OrvActor* copy() const override;
-    OrvClassInfo* classInfo() const override;
-    void write(OrvOStream& stream) const override;
-    static OrvActor* read(OrvIStream& stream);
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
     void apply2d(const Orv2dMatrix& matrix) override;
     unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
 
     void setBitmap(OrvBitmap* bitmap);
-
-    static OrvClassInfo* _classInfo;
 
 private:
     // The mask's bits, read once per bitmap: one X round trip, not one per hit.
