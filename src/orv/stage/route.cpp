@@ -238,79 +238,54 @@ static int OrvCompareReading(const Orv2dRect& a, const Orv2dRect& b) {
     return 0;
 }
 
-void OrvStage::moveFocusAfter() {
-    unsigned count = 0;
-    OrvActor** all = objects(count);
-    if (!all) return;
+// The actor that follows the focus in reading order (direction 1) or precedes it
+// (direction -1); past the last one the walk wraps to the first. The later in
+// the walk wins a tie.
+static OrvActor* OrvFocusStep(OrvActor** all, unsigned count, OrvActor* focus, int direction) {
     OrvActor* best = 0;
     Orv2dRect bestBox;
-    if (focusActor) {
-        Orv2dRect f = focusActor->bbox2d(nullptr);
+    if (focus) {
+        Orv2dRect f = focus->bbox2d(nullptr);
         for (unsigned i = 0; i < count; i++) {
             OrvActor* a = all[i];
-            if (a == focusActor || !OrvCanTakeFocus(a)) continue;
+            if (a == focus || !OrvCanTakeFocus(a)) continue;
             Orv2dRect b = a->bbox2d(nullptr);
-            if (OrvCompareReading(b, f) < 0) continue;
-            // The later in the walk wins a tie.
-            if (!best || OrvCompareReading(b, bestBox) <= 0) {
+            if (direction * OrvCompareReading(b, f) < 0) continue;
+            if (!best || direction * OrvCompareReading(b, bestBox) <= 0) {
                 best = a;
                 bestBox = b;
             }
         }
-        if (best) {
-            setFocus(best);
-            free(all);
-            return;
-        }
+        if (best) return best;
     }
     for (unsigned i = 0; i < count; i++) {
         OrvActor* a = all[i];
         if (!OrvCanTakeFocus(a)) continue;
         Orv2dRect b = a->bbox2d(nullptr);
-        if (!best || OrvCompareReading(b, bestBox) <= 0) {
+        if (!best || direction * OrvCompareReading(b, bestBox) <= 0) {
             best = a;
             bestBox = b;
         }
     }
-    if (best && best != focusActor) setFocus(best);
+    return best;
+}
+
+void OrvStage::moveFocusAfter() {
+    unsigned count = 0;
+    OrvActor** all = objects(count);
+    if (!all) return;
+    OrvActor* next = OrvFocusStep(all, count, focusActor, 1);
     free(all);
+    if (next && next != focusActor) setFocus(next);
 }
 
 void OrvStage::moveFocusBefore() {
     unsigned count = 0;
     OrvActor** all = objects(count);
     if (!all) return;
-    OrvActor* best = 0;
-    Orv2dRect bestBox;
-    if (focusActor) {
-        Orv2dRect f = focusActor->bbox2d(nullptr);
-        for (unsigned i = 0; i < count; i++) {
-            OrvActor* a = all[i];
-            if (a == focusActor || !OrvCanTakeFocus(a)) continue;
-            Orv2dRect b = a->bbox2d(nullptr);
-            if (OrvCompareReading(b, f) > 0) continue;
-            if (!best || OrvCompareReading(b, bestBox) >= 0) {
-                best = a;
-                bestBox = b;
-            }
-        }
-        if (best) {
-            setFocus(best);
-            free(all);
-            return;
-        }
-    }
-    for (unsigned i = 0; i < count; i++) {
-        OrvActor* a = all[i];
-        if (!OrvCanTakeFocus(a)) continue;
-        Orv2dRect b = a->bbox2d(nullptr);
-        if (!best || OrvCompareReading(b, bestBox) >= 0) {
-            best = a;
-            bestBox = b;
-        }
-    }
-    if (best && best != focusActor) setFocus(best);
+    OrvActor* previous = OrvFocusStep(all, count, focusActor, -1);
     free(all);
+    if (previous && previous != focusActor) setFocus(previous);
 }
 
 // ---------------------------------------------------------------------------
