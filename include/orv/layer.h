@@ -129,6 +129,13 @@ public:
     OrvQuadtree* child(unsigned int position) const;
 
 private:
+    // The actors of this node's list again, in the same order, packed in one
+    // array: queries walk it in memory order and fetch the next actors while
+    // asking the current one, where the links would cost a miss each.
+    OrvActor** held;
+    uint32_t heldCount;
+    uint32_t heldCapacity;
+
     OrvQuadtree*& childSlot(unsigned int position);
     OrvQuadtree* makeChild(unsigned int position);
     void appendHere(OrvActor* actor);

@@ -1,6 +1,9 @@
 // Quadtree of actors: leaves split into four when full, actors that straddle
 // a node's centre stay at that node, and the root doubles towards what falls
 // outside it.
+#include <cstdlib>
+#include <cstring>
+
 #include "orv/layer.h"
 
 unsigned int OrvDefaultQuadtreeMax = 40;
@@ -14,14 +17,16 @@ static uint32_t shortSide(const Orv2dRect& r) { return r.w < r.h ? r.w : r.h; }
 
 OrvQuadtree::OrvQuadtree()
     : topLeft(0), topRight(0), bottomLeft(0), bottomRight(0), head(0), tail(0), count(0), internal(0),
-      max(0) {}
+      max(0), held(0), heldCount(0), heldCapacity(0) {}
 
 OrvQuadtree::OrvQuadtree(unsigned int max, const Orv2dRect* b)
     : topLeft(0), topRight(0), bottomLeft(0), bottomRight(0), head(0), tail(0), count(0), internal(0),
-      max(max), box(b ? *b : Orv2dRect(-100000, -100000, 200000, 200000)) {}
+      max(max), box(b ? *b : Orv2dRect(-100000, -100000, 200000, 200000)), held(0), heldCount(0),
+      heldCapacity(0) {}
 
 OrvQuadtree::~OrvQuadtree() {
     delete head; // the links that follow go with it
+    free(held);
     delete topLeft;
     delete topRight;
     delete bottomLeft;
@@ -105,6 +110,12 @@ void OrvQuadtree::appendHere(OrvActor* actor) {
     else
         head = link;
     tail = link;
+    if (heldCount == heldCapacity) {
+        uint32_t larger = heldCapacity ? heldCapacity * 2 : 4;
+        held = (OrvActor**)realloc(held, larger * sizeof(OrvActor*));
+        heldCapacity = larger;
+    }
+    held[heldCount++] = actor;
 }
 
 int OrvQuadtree::removeHere(OrvActor* actor) {
@@ -118,15 +129,34 @@ int OrvQuadtree::removeHere(OrvActor* actor) {
         if (tail == l) tail = previous;
         l->next = 0;
         delete l;
+        // The array keeps the list's order, so the first match is the same entry.
+        for (uint32_t i = 0; i < heldCount; i++) {
+            if (held[i] != actor) continue;
+            memmove(held + i, held + i + 1, (heldCount - i - 1) * sizeof(OrvActor*));
+            heldCount--;
+            break;
+        }
         return 1;
     }
     return 0;
 }
 
 int OrvQuadtree::holdsHere(const OrvActor* actor) const {
-    for (OrvLink* l = head; l; l = l->next)
-        if (l->value == actor) return 1;
+    for (uint32_t i = 0; i < heldCount; i++)
+        if (held[i] == actor) return 1;
     return 0;
+}
+
+// How far ahead a walk over a node's array fetches actors: far enough to hide
+// a miss behind the tests of the actors before it.
+static const uint32_t kPrefetchAhead = 4;
+
+static inline void prefetchActor(OrvActor* const* held, uint32_t i, uint32_t n) {
+    if (i + kPrefetchAhead < n) {
+        const char* p = (const char*)held[i + kPrefetchAhead];
+        __builtin_prefetch(p);
+        __builtin_prefetch(p + 63);
+    }
 }
 
 // ---------------------------------------------------------------------------
@@ -162,6 +192,7 @@ void OrvQuadtree::nodeAdd(OrvActor* actor, const Orv2dRect& r) {
             node->appendHere(actor);
             OrvLink* list = node->head;
             node->head = node->tail = 0;
+            node->heldCount = 0;
             node->nodeAddList(list);
             delete list;
             return;
@@ -203,7 +234,11 @@ void OrvQuadtree::growToPoint(const Orv2dPoint& p) {
     unsigned int position = horizontal + vertical;
     OrvLink* savedHead = head;
     OrvLink* savedTail = tail;
+    OrvActor** savedHeld = held;
+    uint32_t savedCount = heldCount, savedCapacity = heldCapacity;
     head = tail = 0;
+    held = 0;
+    heldCount = heldCapacity = 0;
     // A box without area would never grow.
     if (box.w == 0) box.w = 1;
     if (box.h == 0) box.h = 1;
@@ -219,7 +254,13 @@ void OrvQuadtree::growToPoint(const Orv2dPoint& p) {
         copy->box = box;
         copy->head = savedHead;
         copy->tail = savedTail;
-        savedHead = savedTail = 0; // later copies start empty
+        copy->held = savedHeld;
+        copy->heldCount = savedCount;
+        copy->heldCapacity = savedCapacity;
+        // Later copies start empty.
+        savedHead = savedTail = 0;
+        savedHeld = 0;
+        savedCount = savedCapacity = 0;
         uint32_t oldW = box.w, oldH = box.h;
         box.w *= 2;
         box.h *= 2;
@@ -296,7 +337,10 @@ int OrvQuadtree::nodeInsideP(const OrvActor* actor, const Orv2dRect& r) const {
 // ---------------------------------------------------------------------------
 
 void OrvQuadtree::apply(OrvActorFunction function, void* data) {
-    for (OrvLink* l = head; l; l = l->next) function((OrvActor*)l->value, data);
+    for (uint32_t i = 0; i < heldCount; i++) {
+        prefetchActor(held, i, heldCount);
+        function(held[i], data);
+    }
     if (topLeft) topLeft->apply(function, data);
     if (topRight) topRight->apply(function, data);
     if (bottomLeft) bottomLeft->apply(function, data);
@@ -311,9 +355,9 @@ void OrvQuadtree::applyIntersect(const Orv2dRegion& local, const Orv2dRegion& cl
         return;
     }
     if (!local.intersects(box)) return;
-    for (OrvLink* l = head; l; l = l->next) {
-        OrvActor* actor = (OrvActor*)l->value;
-        if (actor->intersects2d(clip, matrix)) function(actor, data);
+    for (uint32_t i = 0; i < heldCount; i++) {
+        prefetchActor(held, i, heldCount);
+        if (held[i]->intersects2d(clip, matrix)) function(held[i], data);
     }
     if (topLeft) topLeft->applyIntersect(local, clip, function, data, matrix);
     if (topRight) topRight->applyIntersect(local, clip, function, data, matrix);
@@ -335,9 +379,9 @@ void OrvQuadtree::applyInsideNode(const Orv2dRegion& local, const Orv2dRegion& c
         return;
     }
     if (!local.intersects(box)) return;
-    for (OrvLink* l = head; l; l = l->next) {
-        OrvActor* actor = (OrvActor*)l->value;
-        if (actor->inside2d(clip, matrix)) function(actor, data);
+    for (uint32_t i = 0; i < heldCount; i++) {
+        prefetchActor(held, i, heldCount);
+        if (held[i]->inside2d(clip, matrix)) function(held[i], data);
     }
     if (topLeft) topLeft->applyInsideNode(local, clip, function, data, 0);
     if (topRight) topRight->applyInsideNode(local, clip, function, data, 0);
@@ -348,9 +392,10 @@ void OrvQuadtree::applyInsideNode(const Orv2dRegion& local, const Orv2dRegion& c
 OrvActor* OrvQuadtree::contains(const Orv2dPoint& local, const Orv2dPoint& original, const Orv2dMatrix* matrix) {
     OrvQuadtree* node = this;
     while (node && node->box.contains(local)) {
-        for (OrvLink* l = node->head; l; l = l->next) {
-            OrvActor* actor = (OrvActor*)l->value;
-            if (actor->contains2d(original, matrix)) return actor;
+        OrvActor* const* actors = node->held;
+        for (uint32_t i = 0, n = node->heldCount; i < n; i++) {
+            prefetchActor(actors, i, n);
+            if (actors[i]->contains2d(original, matrix)) return actors[i];
         }
         unsigned int position = node->findPos(local);
         if (position == OrvQuadHere) return 0;
