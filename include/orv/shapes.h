@@ -218,12 +218,23 @@ public:
     void apply2d(const Orv2dMatrix& matrix) override;
     unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
 
+    void notifyOnMakeUpChanged() override;
+
+    // Change the text through setText: the label keeps the measure of its text.
     void setText(const char* text);
     void setAlignment(OrvPosition alignment);
 
 protected:
     // The text's box in mapped space, and its baseline origin.
     Orv2dRect textBox(const Orv2dMatrix* matrix, Orv2dPoint* baseline) const;
+
+private:
+    // Measuring text asks the font, which costs more than the rest of a box:
+    // the extent is kept for the text and make-up it was taken with.
+    mutable Orv2dRect extent;
+    mutable const char* extentText;
+    mutable const OrvMakeUp* extentMakeUp;
+    Orv2dRect textExtent() const;
 };
 
 // A bitmap at a point, drawn through its mask when it has one; only the

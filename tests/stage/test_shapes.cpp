@@ -305,6 +305,28 @@ TEST_F(StageTest, LabelsAlignInTheirFont) {
     centre->setText("Hi");
     EXPECT_LT(centre->bbox2d(nullptr).w, extent.w);
     EXPECT_EQ(stage->contains(Orv2dPoint(rb.x + 2, rb.y + 2)), right);
+
+    // The label keeps the measure of its text: a new font measures again, and
+    // the repaint covers the larger box.
+    OrvRasterFont* large = director->font("%helvetica-24-");
+    ASSERT_NE(large, nullptr);
+    Orv2dRect before = centre->bbox2d(nullptr);
+    centre->setFont(large);
+    Orv2dRect after = centre->bbox2d(nullptr);
+    EXPECT_EQ(after.w, large->bbox("Hi", 0, 0).w);
+    EXPECT_GT(after.h, before.h);
+    EXPECT_EQ(after.y + (int)after.h, 100);
+    bool inkAbove = false;
+    for (int x = after.x; x < (int)(after.x + after.w) && !inkAbove; x++)
+        for (int y = after.y; y < before.y && !inkAbove; y++) inkAbove = rgb(x, y) == 0xFF0000u;
+    EXPECT_TRUE(inkAbove);
+    // A copy measures in its own right.
+    OrvLabel* twin = (OrvLabel*)centre->copy();
+    EXPECT_EQ(twin->bbox2d(nullptr), after);
+    twin->setText("Hi there");
+    EXPECT_GT(twin->bbox2d(nullptr).w, after.w);
+    EXPECT_EQ(centre->bbox2d(nullptr), after);
+    delete twin;
 }
 
 TEST_F(StageTest, IconsPaintAndHitThroughTheirMask) {

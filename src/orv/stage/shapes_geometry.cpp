@@ -30,10 +30,6 @@ Orv2dRect OrvPointsBox(unsigned n, const Orv2dPoint* points) {
     return Orv2dRect(x0, y0, (uint32_t)((int64_t)x1 - x0), (uint32_t)((int64_t)y1 - y0));
 }
 
-Orv2dRect OrvGrowRect(const Orv2dRect& r, int margin) {
-    return Orv2dRect(r.x - margin, r.y - margin, r.w + 2 * margin, r.h + 2 * margin);
-}
-
 int OrvHalfLineWidth(const OrvMakeUp* makeUp) { return makeUp ? makeUp->lineWidth() / 2 : 0; }
 
 Orv2dPoint* OrvEllipsePoints(const Orv2dRect& rect, float start, float end, unsigned long pie,

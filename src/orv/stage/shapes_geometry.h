@@ -14,8 +14,17 @@ Orv2dPoint* OrvShapePoints(unsigned n);
 // The box that holds the points; a zero width or height stays zero.
 Orv2dRect OrvPointsBox(unsigned n, const Orv2dPoint* points);
 
+// The box of a segment's two ends, inline: lines ask it at every repaint.
+inline Orv2dRect OrvSegmentBox(const Orv2dPoint& a, const Orv2dPoint& b) {
+    int32_t x0 = a.x < b.x ? a.x : b.x, x1 = a.x < b.x ? b.x : a.x;
+    int32_t y0 = a.y < b.y ? a.y : b.y, y1 = a.y < b.y ? b.y : a.y;
+    return Orv2dRect(x0, y0, (uint32_t)((int64_t)x1 - x0), (uint32_t)((int64_t)y1 - y0));
+}
+
 // The rectangle grown by margin on every side.
-Orv2dRect OrvGrowRect(const Orv2dRect& r, int margin);
+inline Orv2dRect OrvGrowRect(const Orv2dRect& r, int margin) {
+    return Orv2dRect(r.x - margin, r.y - margin, r.w + 2 * margin, r.h + 2 * margin);
+}
 
 // Half the make-up's line width: how far a stroke reaches past its path.
 int OrvHalfLineWidth(const OrvMakeUp* makeUp);

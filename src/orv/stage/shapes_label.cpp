@@ -20,22 +20,38 @@ static char* copyText(const char* text) {
 
 OrvLabel::OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment,
                    OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment) {}
+    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment), extentText(0),
+      extentMakeUp(0) {}
 
 OrvLabel::OrvLabel(const OrvLabel& source)
-    : OrvActor(source), text(copyText(source.text)), point(source.point), alignment(source.alignment) {}
+    : OrvActor(source), text(copyText(source.text)), point(source.point), alignment(source.alignment),
+      extentText(0), extentMakeUp(0) {}
 
 OrvLabel::~OrvLabel() { free(text); }
 
 OrvActor* OrvLabel::copy() const { return new OrvLabel(*this); }
 OrvClassInfo* OrvLabel::classInfo() const { return _classInfo; }
 
+// Relative to the baseline origin: y is minus the ascent.
+Orv2dRect OrvLabel::textExtent() const {
+    if (extentText != text || extentMakeUp != makeUp) {
+        OrvRasterFont* font = makeUp ? makeUp->font() : 0;
+        extent = font ? font->bbox(text, 0, 0) : Orv2dRect();
+        extentText = text;
+        extentMakeUp = makeUp;
+    }
+    return extent;
+}
+
+void OrvLabel::notifyOnMakeUpChanged() {
+    extentMakeUp = 0;
+    OrvActor::notifyOnMakeUpChanged();
+}
+
 // Raster text does not scale or turn: only its anchor follows the matrix.
 Orv2dRect OrvLabel::textBox(const Orv2dMatrix* matrix, Orv2dPoint* baseline) const {
     Orv2dPoint anchor = OrvMapPoint(point, matrix);
-    OrvRasterFont* font = makeUp ? makeUp->font() : 0;
-    Orv2dRect extent = font ? font->bbox(text, 0, 0) : Orv2dRect();
-    // The extent is relative to the baseline origin: y is minus the ascent.
+    Orv2dRect extent = textExtent();
     int32_t left = anchor.x;
     if (alignment & OrvRight)
         left = anchor.x - (int32_t)extent.w;
@@ -72,6 +88,7 @@ void OrvLabel::setText(const char* t) {
     beginDrawing(1);
     free(text);
     text = copyText(t);
+    extentText = 0;
     flushDrawing(1);
 }
 

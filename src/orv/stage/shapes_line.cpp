@@ -18,8 +18,8 @@ OrvClassInfo* OrvLine::classInfo() const { return _classInfo; }
 // One pixel more than the stroke, so that a vertical or horizontal line still
 // has a box with area to repaint.
 Orv2dRect OrvLine::bbox2d(const Orv2dMatrix* matrix) const {
-    Orv2dPoint p[2] = {OrvMapPoint(from, matrix), OrvMapPoint(to, matrix)};
-    return OrvGrowRect(OrvPointsBox(2, p), OrvHalfLineWidth(makeUp) + 1);
+    return OrvGrowRect(OrvSegmentBox(OrvMapPoint(from, matrix), OrvMapPoint(to, matrix)),
+                       OrvHalfLineWidth(makeUp) + 1);
 }
 
 void OrvLine::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) { canvas->line(makeUp, from, to, matrix); }

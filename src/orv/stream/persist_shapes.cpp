@@ -143,7 +143,8 @@ void OrvLabel::write(OrvOStream& out) const {
   out.writePosition(alignment);
 }
 
-OrvLabel::OrvLabel(OrvIStream& in) : OrvActor(in), text((char*)calloc(1, 1)), point(), alignment(OrvLeft) {
+OrvLabel::OrvLabel(OrvIStream& in)
+    : OrvActor(in), text((char*)calloc(1, 1)), point(), alignment(OrvLeft), extentText(0), extentMakeUp(0) {
   char* value = nullptr;
   in >> value;
   if (value) {
