@@ -52,6 +52,15 @@ public:
     void empty(unsigned long deleteActors);
 
 private:
+    // The allocation that `actors` points into, `offset` slots from its start.
+    // Taking an actor from near the bottom moves the start up rather than
+    // shifting all above it, so emptying a large layer from the bottom is
+    // linear. Capacity counts the slots of the whole allocation.
+    OrvActor** block;
+    uint32_t offset;
+
+    // Moves the actors back to the start of the allocation.
+    void compact();
     // Removes, deletes and clears the entries of the array copy, links first.
     void deleteActors(unsigned long dropLinkProperties);
 };

@@ -1,6 +1,7 @@
 // Layers: array order, pop's exchange, push doing nothing, growth; the
 // stage's membership: layer creation, makeLayer, hit order against paint
 // order, selections and counts.
+#include <algorithm>
 #include <cstdlib>
 
 #include "orv/shapes.h"
@@ -74,6 +75,49 @@ TEST(StageLayer, OrderGrowthPopAndPush) {
     l.empty(0);
     EXPECT_EQ(l.count, 0u);
     EXPECT_EQ(l.position(&keep), -1);
+}
+
+// Random appends, inserts, removals and pops against a plain model of the
+// array, whose capacity grows only when an addition finds count + 1 equal to
+// it. Removals near the bottom move the start of the array up, so this walks
+// every path through that bookkeeping and the growth around it.
+TEST(StageLayer, RandomEditsKeepOrderAndCapacity) {
+    srand(4242);
+    std::vector<OrvActor*> pool;
+    for (int i = 0; i < 64; i++) pool.push_back(new OrvActor(nullptr));
+    for (int round = 0; round < 20; round++) {
+        OrvStageLayer l(nullptr, 0);
+        std::vector<OrvActor*> model;
+        uint32_t capacity = 4;
+        for (int step = 0; step < 400; step++) {
+            OrvActor* a = pool[rand() % pool.size()];
+            bool present = std::find(model.begin(), model.end(), a) != model.end();
+            int op = rand() % 4;
+            if ((op == 0 || op == 1) && !present) {
+                if (capacity == model.size() + 1) capacity *= 2;
+                if (op == 0) {
+                    l.append(a);
+                    model.push_back(a);
+                } else {
+                    l.insert(a);
+                    model.insert(model.begin(), a);
+                }
+            } else if (op == 2 || op == 0) {
+                ASSERT_EQ(l.remove(a), present ? 1 : 0);
+                if (present) model.erase(std::find(model.begin(), model.end(), a));
+            } else {
+                int at = l.position(a);
+                int expected = present && a != model.back() ? 1 : 0;
+                ASSERT_EQ(l.pop(a), expected);
+                if (expected) std::swap(model[(size_t)at], model.back());
+            }
+            ASSERT_EQ(order(l), model) << "round " << round << " step " << step;
+            ASSERT_EQ(l.capacity, capacity);
+            for (size_t k = 0; k < model.size(); k++) ASSERT_EQ(l.position(model[k]), (int)k);
+        }
+        l.empty(0);
+    }
+    for (OrvActor* a : pool) delete a;
 }
 
 TEST(StageLayer, HitOrderIsReversePaintOrderWithSkips) {

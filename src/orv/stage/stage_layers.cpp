@@ -100,7 +100,13 @@ unsigned long OrvStage::push(OrvActor* actor) {
 
 unsigned long OrvStage::makeLayer(OrvActor* actor, unsigned short n) {
     OrvStageLayer* old = layer(actor->layer, 0);
-    if (!old || !old->remove(actor)) return 0;
+    if (!old) return 0;
+    // Appending puts the actor on top of its layer before its number changes:
+    // an actor lives in one layer of a stage, so the old one cannot hold it,
+    // and a large old layer need not be searched to learn that.
+    OrvStageLayer* target = layer(n, 0);
+    if (target && target != old && target->count && target->actors[target->count - 1] == actor) return 0;
+    if (!old->remove(actor)) return 0;
     layer(n, 1)->append(actor);
     return 1;
 }
