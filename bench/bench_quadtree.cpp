@@ -90,10 +90,12 @@ void BM_Build(benchmark::State& state) {
     state.counters["ns_per_actor"] = benchmark::Counter(n * state.iterations(),
                                                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
     state.counters["nodes"] = (double)nodes;
-    // The tree's share: its nodes and one pooled link per actor.
-    state.counters["tree_bytes_per_actor"] = (nodes * sizeof(OrvQuadtree) + links * sizeof(OrvLink)) / n;
+    // The tree's share: its nodes, one pooled link per actor and the arrays
+    // that the queries walk.
+    double treeBytes = (double)d.tree->memoryUse();
+    state.counters["tree_bytes_per_actor"] = treeBytes / n;
     state.counters["actor_bytes"] = (double)sizeof(OrvRectangle);
-    state.counters["bytes_per_actor"] = sizeof(OrvRectangle) + (nodes * sizeof(OrvQuadtree) + links * sizeof(OrvLink)) / n;
+    state.counters["bytes_per_actor"] = sizeof(OrvRectangle) + treeBytes / n;
 }
 
 // How many actors a point query asks at most: the lists along its path.

@@ -3,6 +3,7 @@
 #ifndef ORV_LAYER_H
 #define ORV_LAYER_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "orv/actor.h"
@@ -127,6 +128,9 @@ public:
     OrvActor* contains(const Orv2dPoint& local, const Orv2dPoint& original, const Orv2dMatrix* matrix);
     // Frees everything, this node included: the caller must not touch it after.
     void empty(unsigned long deleteActors);
+    // Bytes held by this node and those below it: nodes, links and arrays,
+    // not the actors.
+    size_t memoryUse() const;
 
     // Doubles the root towards the point until its box holds it.
     void growToPoint(const Orv2dPoint& p);

@@ -276,6 +276,27 @@ TEST(Quadtree, ApplyInsideGivesTheMatrixOnlyAtTheFirstNode) {
     t.remove(&deep2);
 }
 
+// What a tree holds besides its actors: nodes, one link per actor and the
+// arrays the queries walk, which grow by doubling from 4.
+TEST(Quadtree, MemoryUseCountsNodesLinksAndArrays) {
+    Owned own;
+    Orv2dRect area(0, 0, 512, 512);
+    OrvQuadtree t(40, &area);
+    EXPECT_EQ(t.memoryUse(), sizeof(OrvQuadtree));
+    for (int i = 0; i < 3; i++) t.add(own.make(i * 10, 0, 5, 5));
+    EXPECT_EQ(t.memoryUse(), sizeof(OrvQuadtree) + 3 * sizeof(OrvLink) + 4 * sizeof(OrvActor*));
+    for (int i = 3; i < 5; i++) t.add(own.make(i * 10, 0, 5, 5));
+    EXPECT_EQ(t.memoryUse(), sizeof(OrvQuadtree) + 5 * sizeof(OrvLink) + 8 * sizeof(OrvActor*));
+    // A split hands the actors to the children; the root keeps its array.
+    OrvQuadtree s(2, &area);
+    s.add(own.make(10, 10, 5, 5));
+    s.add(own.make(300, 300, 5, 5));
+    ASSERT_EQ(s.internal, 1u);
+    ASSERT_NE(s.topLeft, nullptr);
+    ASSERT_NE(s.bottomRight, nullptr);
+    EXPECT_EQ(s.memoryUse(), 3 * sizeof(OrvQuadtree) + 3 * 4 * sizeof(OrvActor*) + 2 * sizeof(OrvLink));
+}
+
 TEST(Quadtree, EmptyDeletesActorsAndNodes) {
     Orv2dRect area(0, 0, 512, 512);
     OrvQuadtree* t = new OrvQuadtree(2, &area);

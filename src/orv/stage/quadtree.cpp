@@ -404,6 +404,15 @@ OrvActor* OrvQuadtree::contains(const Orv2dPoint& local, const Orv2dPoint& origi
     return 0;
 }
 
+size_t OrvQuadtree::memoryUse() const {
+    size_t bytes = sizeof(OrvQuadtree) + heldCapacity * sizeof(OrvActor*);
+    for (OrvLink* l = head; l; l = l->next) bytes += sizeof(OrvLink);
+    const OrvQuadtree* children[4] = {topLeft, topRight, bottomLeft, bottomRight};
+    for (const OrvQuadtree* c : children)
+        if (c) bytes += c->memoryUse();
+    return bytes;
+}
+
 void OrvQuadtree::empty(unsigned long deleteActors) {
     if (deleteActors)
         for (OrvLink* l = head; l; l = l->next) delete (OrvActor*)l->value;
