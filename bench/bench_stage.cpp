@@ -29,30 +29,18 @@ long gDraws = 0;  // draw2d calls of the counting actors below
 
 // Only draw2d is counted: a counting intersects2d would add its own call to
 // every actor a repaint looks at, the very cost being measured.
-class BenchRect : public OrvFilledRectangle {
+template <class Shape>
+class Counting : public Shape {
 public:
-  using OrvFilledRectangle::OrvFilledRectangle;
+  using Shape::Shape;
   void draw2d(OrvCanvas* c, const Orv2dMatrix* m) override {
     gDraws++;
-    OrvFilledRectangle::draw2d(c, m);
+    Shape::draw2d(c, m);
   }
 };
-class BenchLine : public OrvLine {
-public:
-  using OrvLine::OrvLine;
-  void draw2d(OrvCanvas* c, const Orv2dMatrix* m) override {
-    gDraws++;
-    OrvLine::draw2d(c, m);
-  }
-};
-class BenchLabel : public OrvLabel {
-public:
-  using OrvLabel::OrvLabel;
-  void draw2d(OrvCanvas* c, const Orv2dMatrix* m) override {
-    gDraws++;
-    OrvLabel::draw2d(c, m);
-  }
-};
+typedef Counting<OrvFilledRectangle> BenchRect;
+typedef Counting<OrvLine> BenchLine;
+typedef Counting<OrvLabel> BenchLabel;
 
 // One primitive of the scene, kept so that the Xlib floor sends the same.
 struct Item {

@@ -405,8 +405,8 @@ OrvActor* OrvQuadtree::contains(const Orv2dPoint& local, const Orv2dPoint& origi
 }
 
 size_t OrvQuadtree::memoryUse() const {
-    size_t bytes = sizeof(OrvQuadtree) + heldCapacity * sizeof(OrvActor*);
-    for (OrvLink* l = head; l; l = l->next) bytes += sizeof(OrvLink);
+    // One link per actor held: the array mirrors the list.
+    size_t bytes = sizeof(OrvQuadtree) + heldCapacity * sizeof(OrvActor*) + heldCount * sizeof(OrvLink);
     const OrvQuadtree* children[4] = {topLeft, topRight, bottomLeft, bottomRight};
     for (const OrvQuadtree* c : children)
         if (c) bytes += c->memoryUse();
