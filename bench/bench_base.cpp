@@ -1,5 +1,5 @@
 // The pool against malloc, list edits and string table lookups.
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <benchmark/benchmark.h>
 

@@ -8,16 +8,16 @@
 #include "orv/view.h"
 
 #include <X11/Xlib.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include <vector>
 
 namespace {
 
-OrvDirector* director = 0;
-OrvView* view = 0;
+OrvDirector* director = nullptr;
+OrvView* view = nullptr;
 long delivered = 0;
 
 void countInput(OrvView*, const OrvEvent&, void*) { delivered++; }
@@ -25,10 +25,10 @@ void countExpose(OrvView*, const Orv2dRegion*, void*) { delivered++; }
 
 void setUp() {
   if (director) return;
-  director = new OrvDirector("bench", 0, 0, 0);
+  director = new OrvDirector("bench", nullptr, 0, nullptr);
   view = new OrvView(director, Orv2dRect(10, 10, 200, 150), "bench");
-  view->onInput(countInput, 0);
-  view->onExpose(countExpose, 0);
+  view->onInput(countInput, nullptr);
+  view->onExpose(countExpose, nullptr);
   XSync((Display*)director->display, False);
   director->readAndDispatchEvents();
 }

@@ -1,6 +1,6 @@
 // Hot paths of the 2D side: region accumulation, integer point mapping,
 // Bézier flattening and hit testing.
-#include <orv/region.h>
+#include "orv/region.h"
 
 #include <benchmark/benchmark.h>
 

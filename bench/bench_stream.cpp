@@ -2,13 +2,13 @@
 // plain std::getline pass over the same text as the floor. Needs DISPLAY.
 #include <benchmark/benchmark.h>
 
-#include <orv/actor.h>
-#include <orv/director.h>
-#include <orv/makeup.h>
-#include <orv/resource.h>
-#include <orv/shapes.h>
-#include <orv/stage.h>
-#include <orv/stream.h>
+#include "orv/actor.h"
+#include "orv/director.h"
+#include "orv/makeup.h"
+#include "orv/resource.h"
+#include "orv/shapes.h"
+#include "orv/stage.h"
+#include "orv/stream.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -4,10 +4,10 @@
 //
 //   drawing_sheet                  interactive: close the window to quit
 //   drawing_sheet --shot OUT.ppm   draws once, saves the window's pixels as PPM and exits
-#include <math.h>
+#include <cmath>
 #include <unistd.h>
-#include <stdio.h>
-#include <string.h>
+#include <cstdio>
+#include <cstring>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -34,7 +34,7 @@ struct Sheet {
 
   void draw() {
     OrvCanvas* c = view;
-    c->setClip(0);
+    c->setClip(nullptr);
     c->rectangle(ink("white"), Orv2dRect(0, 0, W, H), 1);
     c->string(d->makeUpFont(ink("navy"), d->font("%helvetica-18-B")), Orv2dPoint(16, 30),
               "Orvis drawing sheet");
@@ -114,17 +114,17 @@ struct Sheet {
     caption(16, 384, "text by matrix, turned copy, xor");
     Orv2dMatrix big(2.0f, 3.0f);
     big.setValues(16, 392);
-    c->string(ink("darkred"), big, "Big", 0, 0);
+    c->string(ink("darkred"), big, "Big", 0, nullptr);
     OrvBitmap* pic = new OrvBitmap(c, 40, 24, d->depth);
-    pic->setClip(0);
+    pic->setClip(nullptr);
     pic->rectangle(ink("yellow"), Orv2dRect(0, 0, 40, 24), 1);
     pic->rectangle(ink("blue"), Orv2dRect(4, 4, 14, 16), 1);
     pic->arc(ink("red"), Orv2dRect(20, 4, 16, 16), 0, 360, 1);
-    c->setClip(0);
+    c->setClip(nullptr);
     c->bitblit(ink("black"), pic, Orv2dRect(0, 0, 40, 24), Orv2dPoint(110, 400));
     Orv2dMatrix turn(Orv2dPoint(0, 0), 30);
     turn.setValues(turn.a * 1.5f, turn.b * 1.5f, turn.c * 1.5f, turn.d * 1.5f, 190, 392);
-    c->bitblit(ink("black"), turn, pic, 0, 0);
+    c->bitblit(ink("black"), turn, pic, 0, nullptr);
     delete pic;
     // Exclusive or: the second rectangle crosses the first.
     c->rectangle(ink("blue"), Orv2dRect(290, 400, 50, 40), 1);
@@ -153,7 +153,7 @@ struct Sheet {
     c->setClip(&region);
     for (int i = 0; i < 20; i++)
       c->line(d->makeUpLineWidth(ink("green"), 3), Orv2dPoint(10 + 10 * i, 470), Orv2dPoint(10 * i - 60, 560));
-    c->setClip(0);
+    c->setClip(nullptr);
     c->rectangle(ink("black"), Orv2dRect(16, 480, 60, 60), 0);
     c->rectangle(ink("black"), Orv2dRect(100, 490, 60, 40), 0);
     d->flush();
@@ -204,14 +204,14 @@ static bool writePPM(Display* dpy, Window w, unsigned long colormap, const char*
 }
 
 int main(int argc, char** argv) {
-  const char* shot = 0;
+  const char* shot = nullptr;
   for (int i = 1; i < argc; i++)
     if (strcmp(argv[i], "--shot") == 0 && i + 1 < argc) shot = argv[++i];
-  OrvDirector* d = new OrvDirector("drawing_sheet", 0, argc, argv);
-  Sheet sheet = {d, 0};
+  OrvDirector* d = new OrvDirector("drawing_sheet", nullptr, argc, argv);
+  Sheet sheet = {d, nullptr};
   sheet.view = new OrvView(d, Orv2dRect(40, 40, W, H), "Orvis drawing sheet");
   sheet.view->onExpose(expose, &sheet);
-  sheet.view->onQuit(quit, 0);
+  sheet.view->onQuit(quit, nullptr);
   if (!shot) OrvPlay();
 
   // Wait until the window shows, then draw once and save it.

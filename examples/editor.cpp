@@ -7,9 +7,9 @@
 //                          arrows and control-Z/-U/-O as usual; q quits.
 //   editor --script DIR    drives itself with XTest, writes a screenshot of
 //                          each step as DIR/editor-NN-step.ppm, and exits.
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <sys/time.h>
 
 #include <string>
@@ -127,7 +127,7 @@ static void Build(Editor& e) {
 
 static long NowMs() {
   struct timeval tv;
-  gettimeofday(&tv, 0);
+  gettimeofday(&tv, nullptr);
   return tv.tv_sec * 1000L + tv.tv_usec / 1000;
 }
 
@@ -139,7 +139,7 @@ static void Pump(Editor& e, int ms) {
     XSync(dpy, False);
     e.director->readAndDispatchEvents();
     struct timeval tv = {0, 2000};
-    select(0, 0, 0, 0, &tv);
+    select(0, nullptr, nullptr, nullptr, &tv);
   } while (NowMs() < end);
 }
 
@@ -149,7 +149,7 @@ static void Shot(Editor& e, const char* dir, int n, const char* step) {
   char path[1024];
   snprintf(path, sizeof path, "%s/editor-%02d-%s.ppm", dir, n, step);
   XImage* im = XGetImage(dpy, e.stage->window(), 0, 0, e.stage->width, e.stage->height, AllPlanes, ZPixmap);
-  FILE* f = im ? fopen(path, "wb") : 0;
+  FILE* f = im ? fopen(path, "wb") : nullptr;
   if (!f) {
     fprintf(stderr, "editor: cannot write %s\n", path);
     if (im) XDestroyImage(im);
@@ -265,11 +265,11 @@ static int RunScript(Editor& e, const char* dir) {
 }
 
 int main(int argc, char** argv) {
-  const char* script = 0;
+  const char* script = nullptr;
   for (int i = 1; i < argc; i++)
     if (!strcmp(argv[i], "--script") && i + 1 < argc) script = argv[++i];
   Editor e;
-  e.director = new OrvDirector("editor", 0, argc, argv);
+  e.director = new OrvDirector("editor", nullptr, argc, argv);
   Build(e);
   int status = 0;
   if (script) {

@@ -6,10 +6,10 @@
 //   stage_demo --shots DIR  runs the animation for a while, writes
 //                           DIR/stage_demo-1-start.ppm ... -4-layers.ppm
 //                           (binary PPM read back from the window), and exits
-#include <math.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include <string>
 #include <vector>
@@ -56,7 +56,7 @@ static void writeShot(OrvView* view, const std::string& path) {
   Display* dpy = (Display*)view->director->display;
   XSync(dpy, False);
   XImage* im = XGetImage(dpy, view->window(), 0, 0, view->width, view->height, AllPlanes, ZPixmap);
-  FILE* f = im ? fopen(path.c_str(), "wb") : 0;
+  FILE* f = im ? fopen(path.c_str(), "wb") : nullptr;
   if (!f) {
     printf("could not write %s\n", path.c_str());
     if (im) XDestroyImage(im);
@@ -267,11 +267,11 @@ struct Animator : OrvTimer {
 static void onQuit(OrvView*, void*) { OrvExit(0); }
 
 int main(int argc, char** argv) {
-  const char* shots = 0;
+  const char* shots = nullptr;
   if (argc >= 2 && strcmp(argv[1], "--shots") == 0) shots = argc >= 3 ? argv[2] : ".";
-  OrvDirector* director = new OrvDirector("stage_demo", 0, argc, argv);
+  OrvDirector* director = new OrvDirector("stage_demo", nullptr, argc, argv);
   Demo* demo = new Demo(director);
-  demo->stage->onQuit(onQuit, 0);
+  demo->stage->onQuit(onQuit, nullptr);
   printf("stage_demo: %u actors; close the window to quit\n", demo->actors);
   fflush(stdout);
   (new Animator(director, demo, shots))->run();

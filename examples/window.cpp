@@ -12,8 +12,8 @@
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
-#include <stdio.h>
-#include <string.h>
+#include <cstdio>
+#include <cstring>
 
 static const char* typeName(OrvEventType t) {
   static const char* const names[] = {"?",           "KeyUp",        "KeyDown",       "ButtonDown",
@@ -110,7 +110,7 @@ struct SelfTest : OrvTimer {
   // A few bands so that the screenshot shows something beyond the background.
   void paint() {
     Display* dpy = (Display*)director->display;
-    GC gc = XCreateGC(dpy, view->window(), 0, 0);
+    GC gc = XCreateGC(dpy, view->window(), 0, nullptr);
     unsigned long colors[] = {0xC03030, 0x30A030, 0x3050C0};
     for (int i = 0; i < 3; i++) {
       XSetForeground(dpy, gc, colors[i]);
@@ -124,7 +124,7 @@ struct SelfTest : OrvTimer {
     Display* dpy = (Display*)director->display;
     XSync(dpy, False);
     XImage* im = XGetImage(dpy, view->window(), 0, 0, view->width, view->height, AllPlanes, ZPixmap);
-    FILE* f = im ? fopen(shot, "wb") : 0;
+    FILE* f = im ? fopen(shot, "wb") : nullptr;
     if (!f) {
       printf("could not write %s\n", shot);
       if (im) XDestroyImage(im);
@@ -144,14 +144,14 @@ struct SelfTest : OrvTimer {
 };
 
 int main(int argc, char** argv) {
-  const char* shot = 0;
+  const char* shot = nullptr;
   if (argc >= 2 && strcmp(argv[1], "--selftest") == 0) shot = argc >= 3 ? argv[2] : "window.ppm";
-  OrvDirector* director = new OrvDirector("window", 0, argc, argv);
+  OrvDirector* director = new OrvDirector("window", nullptr, argc, argv);
   OrvView* view = new OrvView(director, Orv2dRect(100, 100, 320, 220), "Orvis window");
-  view->onInput(onInput, 0);
-  view->onExpose(onExpose, 0);
-  view->onResize(onResize, 0);
-  view->onQuit(onQuit, 0);
+  view->onInput(onInput, nullptr);
+  view->onExpose(onExpose, nullptr);
+  view->onResize(onResize, nullptr);
+  view->onQuit(onQuit, nullptr);
   printf("window %s (0x%lx) \"Orvis window\"; close it to quit\n", view->name, view->window());
   if (shot) (new SelfTest(director, view, shot))->run();
   OrvPlay();

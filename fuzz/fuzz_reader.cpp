@@ -1,8 +1,8 @@
 // libFuzzer target: any bytes given to the stage-file reader must neither
 // crash nor leak nor leave a half-read object behind.
-#include <orv/actor.h>
-#include <orv/director.h>
-#include <orv/stream.h>
+#include "orv/actor.h"
+#include "orv/director.h"
+#include "orv/stream.h"
 
 #include <cstdint>
 #include <cstdlib>

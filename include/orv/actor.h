@@ -138,7 +138,7 @@ public:
     int32_t index;             // handle number, -1 for none
     Orv2dPoint point;          // the handle's centre
 
-    Orv2dDragger() : matrix(0), position(0), dragging(0), index(-1) {}
+    Orv2dDragger() : matrix(nullptr), position(0), dragging(0), index(-1) {}
     virtual ~Orv2dDragger() {}
 
     virtual unsigned long onButtonDown(const Orv2dPoint& point, const Orv2dMatrix* matrix);
@@ -161,7 +161,7 @@ public:
     unsigned short layer;
     OrvMakeUp* makeUp;        // counted, never null after construction
 
-    OrvActor(OrvDirector* director, OrvMakeUp* makeUp = 0);
+    OrvActor(OrvDirector* director, OrvMakeUp* makeUp = nullptr);
     OrvActor(const OrvActor& source);
     OrvActor(OrvIStream& stream);
     OrvActor& operator=(const OrvActor&) = delete;

@@ -59,7 +59,7 @@ public:
     void* value;
     OrvLink* next;
 
-    OrvLink(void* value = 0, OrvLink* next = 0) : value(value), next(next) {}
+    OrvLink(void* value = nullptr, OrvLink* next = nullptr) : value(value), next(next) {}
     OrvLink(const OrvLink&) = delete;
     OrvLink& operator=(const OrvLink&) = delete;
     // Deletes every node that follows, one by one.
@@ -80,7 +80,7 @@ public:
     OrvLink* first;
     OrvLink* last;
 
-    OrvList() : first(0), last(0) {}
+    OrvList() : first(nullptr), last(nullptr) {}
     OrvList(const OrvList&) = delete;
     OrvList& operator=(const OrvList&) = delete;
     ~OrvList();
@@ -96,7 +96,7 @@ public:
     void pop(void* value);
 
     unsigned length() const { return first ? first->length() : 0; }
-    OrvLink* find(const void* value) const { return first ? first->find(value) : 0; }
+    OrvLink* find(const void* value) const { return first ? first->find(value) : nullptr; }
 };
 
 // ---------------------------------------------------------------------------
@@ -109,7 +109,7 @@ public:
     void* value;
     OrvAListItem* next;
 
-    OrvAListItem(const void* key, void* value, OrvAListItem* next = 0)
+    OrvAListItem(const void* key, void* value, OrvAListItem* next = nullptr)
         : key(const_cast<void*>(key)), value(value), next(next) {}
     OrvAListItem(const OrvAListItem&) = delete;
     OrvAListItem& operator=(const OrvAListItem&) = delete;
@@ -124,7 +124,7 @@ class OrvAList : public OrvPooled {
 public:
     OrvAListItem* first;
 
-    OrvAList() : first(0) {}
+    OrvAList() : first(nullptr) {}
     OrvAList(const OrvAList&) = delete;
     OrvAList& operator=(const OrvAList&) = delete;
     ~OrvAList();

@@ -49,6 +49,8 @@ int OrvDrawModeFunction(OrvDrawMode mode);
 
 class OrvCanvas {
 public:
+  OrvCanvas(const OrvCanvas&) = delete;
+  OrvCanvas& operator=(const OrvCanvas&) = delete;
   unsigned long width, height;  // never 0
   unsigned long drawable;       // X Drawable
   OrvDirector* director;
@@ -68,20 +70,20 @@ public:
   virtual void getClip(Orv2dRegion& region) const;
   virtual const Orv2dRegion* getClip() const;
   virtual void polyLine(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
-                        unsigned long filled, const Orv2dMatrix* matrix = 0);
+                        unsigned long filled, const Orv2dMatrix* matrix = nullptr);
   virtual void points(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
-                      const Orv2dMatrix* matrix = 0);
+                      const Orv2dMatrix* matrix = nullptr);
   virtual void arc(const OrvMakeUp* makeUp, const Orv2dRect& rect, float start, float end,
-                   unsigned long filled, const Orv2dMatrix* matrix = 0);
+                   unsigned long filled, const Orv2dMatrix* matrix = nullptr);
   virtual void bitblit(const OrvMakeUp* makeUp, const OrvCanvas* source, const Orv2dRect& rect,
-                       const Orv2dPoint& point, unsigned long mask = 0, const Orv2dMatrix* matrix = 0);
+                       const Orv2dPoint& point, unsigned long mask = 0, const Orv2dMatrix* matrix = nullptr);
   virtual void string(const OrvMakeUp* makeUp, const Orv2dPoint& point, const char* text,
                       int length = 0, OrvPosition position = OrvLeft, unsigned long mnemonic = 0,
-                      const Orv2dMatrix* matrix = 0);
+                      const Orv2dMatrix* matrix = nullptr);
   virtual void bezier(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
-                      unsigned long filled, const Orv2dMatrix* matrix = 0);
+                      unsigned long filled, const Orv2dMatrix* matrix = nullptr);
   virtual void rectangle(const OrvMakeUp* makeUp, const Orv2dRect& rect, unsigned long filled,
-                         const Orv2dMatrix* matrix = 0);
+                         const Orv2dMatrix* matrix = nullptr);
   virtual void bitblit(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, const OrvCanvas* source,
                        unsigned long mask, const Orv2dRegion* clip);
   virtual void string(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, const char* text, int length,
@@ -94,23 +96,23 @@ public:
   virtual void initializeVisual();
 
   void line(const OrvMakeUp* makeUp, const Orv2dPoint& from, const Orv2dPoint& to,
-            const Orv2dMatrix* matrix = 0);
+            const Orv2dMatrix* matrix = nullptr);
   void reliefRectangle(const OrvMakeUp* frame, const OrvMakeUp* surface, const OrvMakeUp* light,
                        const OrvMakeUp* dark, const Orv2dRect& rect, unsigned long thickness,
-                       unsigned long drawFrame, const Orv2dMatrix* matrix = 0);
+                       unsigned long drawFrame, const Orv2dMatrix* matrix = nullptr);
   void reliefDiamond(const OrvMakeUp* frame, const OrvMakeUp* surface, const OrvMakeUp* light,
                      const OrvMakeUp* dark, const Orv2dRect& rect, unsigned long thickness,
-                     unsigned long drawFrame, const Orv2dMatrix* matrix = 0);
+                     unsigned long drawFrame, const Orv2dMatrix* matrix = nullptr);
   void clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const char* text, int length = 0,
                   OrvPosition position = OrvCenter, unsigned long mnemonic = 0,
-                  const Orv2dMatrix* matrix = 0);
+                  const Orv2dMatrix* matrix = nullptr);
   void clipBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const OrvBitmap* bitmap,
                   OrvPosition position = OrvCenter, unsigned long mask = 0,
-                  const Orv2dMatrix* matrix = 0);
+                  const Orv2dMatrix* matrix = nullptr);
   void clipStringBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const char* text,
                         const OrvBitmap* bitmap, int length = 0, unsigned long mnemonic = 0,
                         OrvPosition position = OrvCenter, OrvPosition bitmapPosition = OrvLeft,
-                        const Orv2dMatrix* matrix = 0);
+                        const Orv2dMatrix* matrix = nullptr);
   void testClip(const OrvMakeUp* makeUp) const;
 
   // Realisation of resources on this canvas; each returns non-zero on success.
@@ -127,8 +129,6 @@ public:
   unsigned long contextDrawable() const;
 
 private:
-  OrvCanvas(const OrvCanvas&);
-  OrvCanvas& operator=(const OrvCanvas&);
   void copyArea(const OrvMakeUp* makeUp, unsigned long sourceDrawable, unsigned short sourceDepth,
                 const OrvBitmap* sourceMask, const Orv2dRect& rect, const Orv2dPoint& point,
                 unsigned long mask);

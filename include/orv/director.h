@@ -31,6 +31,8 @@ class OrvMessageDatabase;
 
 class OrvDirector {
 public:
+  OrvDirector(const OrvDirector&) = delete;
+  OrvDirector& operator=(const OrvDirector&) = delete;
   unsigned int markerLists;    // first of the 40 GL marker lists, 0 until a 3D view makes them
   unsigned short glVersion;    // 10, or 11 when GL_VERSION says "1.1"
   void* display;               // Display*
@@ -84,7 +86,7 @@ public:
   virtual OrvRasterFont* font(const char* name);
   virtual OrvRasterFont* systemFont(const char* name);
   virtual OrvRasterFont* font(const char* family, unsigned short size, OrvFontStyle style,
-                              const char* foundry = 0);
+                              const char* foundry = nullptr);
   virtual OrvPattern* pattern(const char* name) const;
   virtual OrvPattern* pattern(const char* name, unsigned long width, unsigned long height,
                               const unsigned char* data);
@@ -131,8 +133,8 @@ public:
   void indexToRGB(unsigned pixel, float& r, float& g, float& b) const;
   unsigned long numberOfColors() const;
   // Puts a font in the table and realises it, loading the X font `loadName`.
-  int addFont(OrvRasterFont* font, const char* loadName = 0);
-  const int* fontSizes(const char* family, OrvFontStyle style, int& count, const char* foundry = 0) const;
+  int addFont(OrvRasterFont* font, const char* loadName = nullptr);
+  const int* fontSizes(const char* family, OrvFontStyle style, int& count, const char* foundry = nullptr) const;
 
   OrvMakeUp* copyMakeUp(const OrvMakeUp* base);
   OrvMakeUp* tmpMakeUp();
@@ -251,10 +253,6 @@ protected:
   // Parts of closeResources that belong to the loop and the windows.
   void closeRolesAndViews();
   void closeTimers();
-
-private:
-  OrvDirector(const OrvDirector&);
-  OrvDirector& operator=(const OrvDirector&);
 };
 
 // The list of all directors, null before the first one.

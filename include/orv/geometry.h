@@ -269,7 +269,7 @@ struct Orv2dMatrix {
     // Rotation about a point by degrees, built with 3.14 for pi on purpose.
     Orv2dMatrix(const Orv2dPoint& center, float angle);
     // Scale, about a centre when one is given.
-    Orv2dMatrix(float sx, float sy, Orv2dPoint* center = 0);
+    Orv2dMatrix(float sx, float sy, Orv2dPoint* center = nullptr);
     explicit Orv2dMatrix(const Orv2dPoint& translation)
         : a(1), b(0), c(0), d(1), tx((float)translation.x), ty((float)translation.y) {
         updateFlags();

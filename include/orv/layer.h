@@ -171,7 +171,7 @@ public:
     OrvQuadtree* quadtree;
     mutable Orv2dRect box; // recomputed when its width is 0
 
-    OrvIndexedSet(OrvDirector* director, unsigned short max = 0, OrvMakeUp* makeUp = 0);
+    OrvIndexedSet(OrvDirector* director, unsigned short max = 0, OrvMakeUp* makeUp = nullptr);
     OrvIndexedSet(const OrvIndexedSet& source);
     ORV_PERSISTENT_ACTOR(OrvIndexedSet)
     // Deletes the actors of the tree with it.

@@ -191,6 +191,8 @@ public:
 // The director's table of shared make-ups, hashed on their attributes.
 class OrvMakeUpHashTable {
 public:
+  OrvMakeUpHashTable(const OrvMakeUpHashTable&) = delete;
+  OrvMakeUpHashTable& operator=(const OrvMakeUpHashTable&) = delete;
   unsigned long size;
   unsigned long count;
   OrvList** buckets;
@@ -204,10 +206,6 @@ public:
   void put(OrvMakeUp* makeUp);
   int remove(OrvMakeUp* makeUp);
   void empty();
-
-private:
-  OrvMakeUpHashTable(const OrvMakeUpHashTable&);
-  OrvMakeUpHashTable& operator=(const OrvMakeUpHashTable&);
 };
 
 void OrvUpdateDisplayListOnMakeUpChanged(unsigned long flag);

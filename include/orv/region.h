@@ -4,7 +4,7 @@
 #ifndef ORV_REGION_H
 #define ORV_REGION_H
 
-#include <orv/geometry.h>
+#include "orv/geometry.h"
 
 #include <cstdint>
 

@@ -24,12 +24,14 @@ const char OrvMnemonicMark = 23;
 
 class OrvResource {
 public:
+  OrvResource(const OrvResource&) = delete;
+  OrvResource& operator=(const OrvResource&) = delete;
   OrvDirector* director;
   int count;
   char* name;
   OrvAList internals;  // key: the canvas; value: its X object
 
-  OrvResource(OrvDirector* director, const char* name = 0);
+  OrvResource(OrvDirector* director, const char* name = nullptr);
   virtual void setName(const char* name);
   virtual unsigned long internal(const OrvCanvas* canvas) const = 0;
   virtual ~OrvResource();
@@ -39,10 +41,6 @@ public:
   int hasInternal(const OrvCanvas* key) const;
   unsigned long internalValue(const OrvCanvas* key) const;
   void add(const OrvCanvas* canvas, unsigned long value);
-
-private:
-  OrvResource(const OrvResource&);
-  OrvResource& operator=(const OrvResource&);
 };
 
 // The counting rule: a holder adds one; letting go subtracts one and deletes below one.

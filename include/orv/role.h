@@ -23,7 +23,7 @@ public:
     void* data; // for the subclass's own use
     int count;
 
-    OrvCallback() : data(0), count(0) {}
+    OrvCallback() : data(nullptr), count(0) {}
     OrvCallback(const OrvCallback&) = delete;
     OrvCallback& operator=(const OrvCallback&) = delete;
     virtual ~OrvCallback() {}

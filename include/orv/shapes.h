@@ -23,7 +23,7 @@ public:
     Orv2dRect rect;
     unsigned short radius; // of the rounded corners; 0 for square ones
 
-    OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0,
+    OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr,
                  unsigned short radius = 0);
     OrvRectangle(const OrvRectangle& source);
     ORV_PERSISTENT_ACTOR(OrvRectangle)
@@ -46,7 +46,7 @@ protected:
 
 class OrvFilledRectangle : public OrvRectangle {
 public:
-    OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0,
+    OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr,
                        unsigned short radius = 0);
     OrvFilledRectangle(const OrvFilledRectangle& source);
     ORV_PERSISTENT_ACTOR(OrvFilledRectangle)
@@ -62,7 +62,7 @@ class OrvLine : public OrvActor {
 public:
     Orv2dPoint from, to;
 
-    OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = 0);
+    OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = nullptr);
     OrvLine(const OrvLine& source);
     ORV_PERSISTENT_ACTOR(OrvLine)
 
@@ -81,7 +81,7 @@ class OrvArrowLine : public OrvLine {
 public:
     unsigned long arrows; // OrvArrowAtEnd, OrvArrowAtStart or both
 
-    OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = 0,
+    OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = nullptr,
                  unsigned long arrows = OrvArrowAtEnd);
     OrvArrowLine(const OrvArrowLine& source);
     ORV_PERSISTENT_ACTOR(OrvArrowLine)
@@ -104,7 +104,7 @@ public:
     unsigned int count;
     Orv2dPoint* points; // owned
 
-    Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points, OrvMakeUp* makeUp = 0);
+    Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points, OrvMakeUp* makeUp = nullptr);
     Orv2dPolyline(const Orv2dPolyline& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolyline)
     ~Orv2dPolyline() override;
@@ -133,7 +133,7 @@ public:
     unsigned long filled;
 
     Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points, unsigned long filled = 0,
-                 OrvMakeUp* makeUp = 0);
+                 OrvMakeUp* makeUp = nullptr);
     Orv2dPolygon(const Orv2dPolygon& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolygon)
 
@@ -151,7 +151,7 @@ class OrvEllipse : public OrvActor {
 public:
     Orv2dRect rect; // the box of the whole ellipse
 
-    OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0);
+    OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr);
     OrvEllipse(const OrvEllipse& source);
     ORV_PERSISTENT_ACTOR(OrvEllipse)
 
@@ -169,7 +169,7 @@ public:
 
 class OrvFilledEllipse : public OrvEllipse {
 public:
-    OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = 0);
+    OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr);
     OrvFilledEllipse(const OrvFilledEllipse& source);
     ORV_PERSISTENT_ACTOR(OrvFilledEllipse)
 
@@ -183,7 +183,7 @@ public:
     unsigned long filled;
 
     OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end, unsigned long filled = 0,
-           OrvMakeUp* makeUp = 0);
+           OrvMakeUp* makeUp = nullptr);
     OrvArc(const OrvArc& source);
     ORV_PERSISTENT_ACTOR(OrvArc)
 
@@ -208,7 +208,7 @@ public:
     OrvPosition alignment;
 
     OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment = OrvLeft,
-             OrvMakeUp* makeUp = 0);
+             OrvMakeUp* makeUp = nullptr);
     OrvLabel(const OrvLabel& source);
     ORV_PERSISTENT_ACTOR(OrvLabel)
     ~OrvLabel() override;
@@ -244,7 +244,7 @@ public:
     OrvBitmap* bitmap; // locked
     Orv2dPoint point;  // top left
 
-    OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point, OrvMakeUp* makeUp = 0);
+    OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point, OrvMakeUp* makeUp = nullptr);
     OrvIcon(const OrvIcon& source);
     ORV_PERSISTENT_ACTOR(OrvIcon)
     ~OrvIcon() override;

@@ -167,10 +167,10 @@ public:
   unsigned long makeLayer(OrvActor* actor, unsigned short n);
   unsigned long isVisible(const OrvActor* actor) const;
   // Hit test from the highest layer down; a null matrix means the transformer.
-  OrvActor* contains(const Orv2dPoint& point, const Orv2dMatrix* matrix = 0,
-                     unsigned long withRole = 0, const char* type = 0) const;
-  OrvActor* containsDragger(const Orv2dPoint& point, const Orv2dMatrix* matrix = 0,
-                            unsigned long withRole = 0, const char* type = 0) const;
+  OrvActor* contains(const Orv2dPoint& point, const Orv2dMatrix* matrix = nullptr,
+                     unsigned long withRole = 0, const char* type = nullptr) const;
+  OrvActor* containsDragger(const Orv2dPoint& point, const Orv2dMatrix* matrix = nullptr,
+                            unsigned long withRole = 0, const char* type = nullptr) const;
   void apply(void (*function)(OrvActor*, void*), void* data);
   void applyToSelections(void (*function)(OrvActor*, void*), void* data);
   void makeSelected(OrvActor* actor);

@@ -3,8 +3,8 @@
 #ifndef ORV_STREAM_H
 #define ORV_STREAM_H
 
-#include <orv/base.h>
-#include <orv/geometry.h>
+#include "orv/base.h"
+#include "orv/geometry.h"
 
 #include <istream>
 #include <ostream>

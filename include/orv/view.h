@@ -33,6 +33,8 @@ typedef void (*OrvViewCallback)(OrvView*, void*);
 
 class OrvView : public OrvCanvas {
 public:
+  OrvView(const OrvView&) = delete;
+  OrvView& operator=(const OrvView&) = delete;
   OrvView* parent;
   long x, y;
   int mapFlag;
@@ -96,7 +98,7 @@ public:
   virtual void erase(int exposures);
   virtual void childNotifyAdd(OrvView*) {}
   virtual void childNotifyRemove(OrvView*) {}
-  virtual int grab(OrvCursor* cursor = 0);
+  virtual int grab(OrvCursor* cursor = nullptr);
   virtual void unGrab();
 
   void onExpose(OrvExposeCallback f, void* data);
@@ -135,10 +137,6 @@ protected:
   void init3d(const char* title, unsigned long parentWindow);
   void nameView();
   void finishWindow(const char* title, unsigned long parentWindow);
-
-private:
-  OrvView(const OrvView&);
-  OrvView& operator=(const OrvView&);
 };
 
 // The WM_STATE property of a window (to be freed with XFree), or null.

@@ -1,5 +1,5 @@
 // Colour space conversions and relief shades.
-#include <orv/region.h>
+#include "orv/region.h"
 
 #include <gtest/gtest.h>
 

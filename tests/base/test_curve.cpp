@@ -1,5 +1,5 @@
 // Bézier flattening, hit tests, arrow heads and arcs.
-#include <orv/region.h>
+#include "orv/region.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Points, rectangles, volumes and planes.
-#include <orv/geometry.h>
+#include "orv/geometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ void* P(int i) { return &v[i]; }
 // last node reached.
 std::vector<void*> values(const OrvList& list) {
     std::vector<void*> out;
-    OrvLink* previous = 0;
+    OrvLink* previous = nullptr;
     for (OrvLink* l = list.first; l; l = l->next) {
         out.push_back(l->value);
         previous = l;

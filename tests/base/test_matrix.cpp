@@ -1,5 +1,5 @@
 // The 2D matrix of stages and the 4×4 matrix of the 3D side.
-#include <orv/geometry.h>
+#include "orv/geometry.h"
 
 #include <gtest/gtest.h>
 

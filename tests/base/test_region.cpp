@@ -1,5 +1,5 @@
 // Regions of rectangles to redraw.
-#include <orv/region.h>
+#include "orv/region.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <orv/base.h>
+#include "orv/base.h"
 #include "orv/base/scratch.h"
 
 #include <gtest/gtest.h>
@@ -160,9 +160,9 @@ TEST(OrvDiagnostics, PrintAndErrorWriteToStdout) {
 }
 
 TEST(OrvDiagnostics, DateIsCtimeWithoutNewline) {
-    time_t before = time(0);
+    time_t before = time(nullptr);
     std::string date = OrvDate();
-    time_t after = time(0);
+    time_t after = time(nullptr);
     ASSERT_EQ(date.size(), 24u);
     EXPECT_TRUE(date == std::string(ctime(&before), 24) || date == std::string(ctime(&after), 24)) << date;
     EXPECT_EQ(date.find('\n'), std::string::npos);

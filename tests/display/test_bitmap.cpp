@@ -1,6 +1,6 @@
 // Bitmaps: locks and masks, bits in and out, and copies onto canvases, straight and transformed.
 #include <gtest/gtest.h>
-#include <string.h>
+#include <cstring>
 
 #include <string>
 
@@ -103,7 +103,7 @@ TEST_P(Bitmaps, StraightCopies) {
   OrvBitmap* src = sheet(10, 10);
   src->rectangle(paint("blue"), Orv2dRect(0, 0, 5, 10), 1);
   OrvMakeUp* red = paint("red", "yellow");
-  dst->setClip(0);
+  dst->setClip(nullptr);
   dst->bitblit(red, src, Orv2dRect(0, 0, 10, 10), Orv2dPoint(20, 20));
   EXPECT_EQ(pixel(dst, 21, 25), px("blue"));
   EXPECT_EQ(pixel(dst, 27, 25), px("white"));
@@ -158,10 +158,10 @@ TEST_P(Bitmaps, TransformedCopy) {
   OrvBitmap* src = sheet(10, 10);
   src->rectangle(paint("red"), Orv2dRect(2, 3, 1, 1), 1);
   OrvMakeUp* mu = paint("black");
-  dst->setClip(0);
+  dst->setClip(nullptr);
   Orv2dMatrix m(2.0f, 2.0f);
   m.setValues(20, 10);
-  dst->bitblit(mu, m, src, 0, 0);
+  dst->bitblit(mu, m, src, 0, nullptr);
   // Each target pixel takes the source pixel of its inverse image.
   EXPECT_EQ(pixel(dst, 24, 16), px("red"));
   EXPECT_EQ(pixel(dst, 22, 16), px("white"));
@@ -173,7 +173,7 @@ TEST_P(Bitmaps, TransformedCopy) {
   bits->setBits(Orv2dRect(0, 0, 8, 2), rows, 2, 8, 0);
   dst->rectangle(paint("yellow"), Orv2dRect(40, 40, 40, 20), 1);
   Orv2dMatrix at(Orv2dPoint(50, 45));
-  dst->bitblit(mu, at, bits, 1, 0);
+  dst->bitblit(mu, at, bits, 1, nullptr);
   EXPECT_EQ(pixel(dst, 50, 45), px("black"));
   EXPECT_EQ(pixel(dst, 55, 45), px("yellow"));
   EXPECT_EQ(pixel(dst, 55, 46), px("black"));

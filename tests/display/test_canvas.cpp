@@ -1,7 +1,7 @@
 // The canvas primitives on real drawables of both test screens, checked pixel by pixel.
 #include <gtest/gtest.h>
-#include <math.h>
-#include <string.h>
+#include <cmath>
+#include <cstring>
 
 #include <string>
 
@@ -217,10 +217,10 @@ TEST_P(Canvas, FillStylesPatternsAndTiles) {
   EXPECT_EQ(pixel(b, 34, 15), R);
   // A tile of two colours.
   OrvBitmap* tile = new OrvBitmap(d->rootCanvas, 4, 4, d->depth);
-  tile->setClip(0);
+  tile->setClip(nullptr);
   tile->rectangle(paint("green"), Orv2dRect(0, 0, 4, 4), 1);
   tile->rectangle(paint("yellow"), Orv2dRect(0, 0, 2, 4), 1);
-  b->setClip(0);
+  b->setClip(nullptr);
   OrvMakeUp* tiled = d->makeUpFillStyle(d->makeUpColorPattern(mu, tile), OrvFillTiled);
   b->rectangle(tiled, Orv2dRect(0, 20, 16, 8), 1);
   EXPECT_EQ(pixel(b, 0, 22), px("yellow"));
@@ -251,7 +251,7 @@ TEST_P(Canvas, ClipRegionAndItsCaching) {
   b->clip = Orv2dRegion(25);
   b->rectangle(red, Orv2dRect(30, 30, 10, 10), 1);
   EXPECT_EQ(pixel(b, 35, 35), W);
-  b->setClip(0);
+  b->setClip(nullptr);
   EXPECT_EQ(b->getClip(), nullptr);
   b->rectangle(red, Orv2dRect(30, 30, 10, 10), 1);
   EXPECT_EQ(pixel(b, 35, 35), R);
@@ -333,7 +333,7 @@ TEST_P(Canvas, StringUnderAGeneralMatrix) {
   Orv2dRect box = black->font()->bbox("HH", 0, 0);
   Orv2dMatrix scale(3.0f, 3.0f);
   scale.setValues(20, 10);
-  b->string(black, scale, "HH", 0, 0);
+  b->string(black, scale, "HH", 0, nullptr);
   // Three times as wide, drawn from (20, 10) in the foreground only.
   EXPECT_GT(countPixels(b, Orv2dRect(20 + 2 * box.w, 10, box.w, 3 * box.h), K), 10);
   EXPECT_EQ(countPixels(b, Orv2dRect(0, 0, 20, 100), K), 0);
@@ -434,7 +434,7 @@ TEST_P(Canvas, ReliefRectangleAndDiamond) {
 TEST_P(Canvas, DrawsOnAViewToo) {
   OrvView* v = new OrvView(d, Orv2dRect(30, 30, 120, 80), "canvas");
   ASSERT_TRUE(OrvTestWaitViewable(dpy, v->window()));
-  v->setClip(0);
+  v->setClip(nullptr);
   OrvMakeUp* red = paint("red");
   v->rectangle(paint("white"), Orv2dRect(0, 0, 120, 80), 1);
   v->rectangle(red, Orv2dRect(10, 10, 30, 20), 1);
@@ -442,13 +442,13 @@ TEST_P(Canvas, DrawsOnAViewToo) {
   Orv2dRegion clip(Orv2dRect(60, 0, 60, 80));
   v->setClip(&clip);
   v->rectangle(red, Orv2dRect(50, 60, 40, 10), 1);
-  v->setClip(0);
+  v->setClip(nullptr);
   XSync(dpy, False);
   ASSERT_NE(v->ghostMakeUp, nullptr);
   v->ghostMakeUp->clipValid = 1;
   v->setClip(&clip);
   EXPECT_EQ(v->ghostMakeUp->clipValid, 0) << "a new clip reaches the ghost too";
-  v->setClip(0);
+  v->setClip(nullptr);
   EXPECT_EQ(pixel(v, 20, 20), px("red"));
   EXPECT_EQ(pixel(v, 45, 20), px("white"));
   EXPECT_EQ(pixel(v, 80, 50), px("red"));
@@ -470,9 +470,9 @@ TEST(CanvasGL, CopiesBetweenBackAndFrontBuffers) {
   if (!name || !*name) GTEST_SKIP() << "no DISPLAY";
   static Display* keeper = XOpenDisplay(name);
   (void)keeper;
-  OrvDirector* d = new OrvDirector("gltest", name, 0, 0);
+  OrvDirector* d = new OrvDirector("gltest", name, 0, nullptr);
   Display* dpy = (Display*)d->display;
-  OrvView* v = d->rootContext ? new OrvView(d, Orv2dRect(10, 10, 80, 60), "gl", OrvViewGL) : 0;
+  OrvView* v = d->rootContext ? new OrvView(d, Orv2dRect(10, 10, 80, 60), "gl", OrvViewGL) : nullptr;
   if (!v || !v->glContext) {
     delete v;
     delete d;
@@ -497,7 +497,7 @@ TEST(CanvasGL, CopiesBetweenBackAndFrontBuffers) {
   EXPECT_EQ(OrvTestRGB(dpy, v->window(), 28, 28), 0xFF0000u);
   EXPECT_EQ(OrvTestRGB(dpy, v->window(), 50, 40), 0x0000FFu);
   EXPECT_EQ(OrvTestRGB(dpy, v->window(), 15, 32), 0x0000FFu);
-  glXMakeCurrent(dpy, None, 0);
+  glXMakeCurrent(dpy, None, nullptr);
   delete v;
   delete d;
 }

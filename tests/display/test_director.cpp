@@ -8,8 +8,8 @@
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdlib>
+#include <cstring>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,7 +20,7 @@
 
 namespace {
 
-bool haveDisplay() { return getenv("DISPLAY") != 0; }
+bool haveDisplay() { return getenv("DISPLAY") != nullptr; }
 
 #define REQUIRE_X()                                   \
   if (!haveDisplay()) GTEST_SKIP() << "no DISPLAY"
@@ -49,7 +49,7 @@ std::string runChild(void (*body)(), int& status) {
   return out;
 }
 
-void openMissingDisplay() { new OrvDirector("nodisplay", ":1987.0", 0, 0); }
+void openMissingDisplay() { new OrvDirector("nodisplay", ":1987.0", 0, nullptr); }
 
 // Adds resource lines to the server's RESOURCE_MANAGER for the time it
 // takes to open a connection (Xlib reads the property at open time), then
@@ -62,7 +62,7 @@ struct ServerResources {
     Atom type;
     int format;
     unsigned long n, after;
-    unsigned char* data = 0;
+    unsigned char* data = nullptr;
     Window root = DefaultRootWindow(raw);
     if (XGetWindowProperty(raw, root, XA_RESOURCE_MANAGER, 0, 1 << 20, False, XA_STRING, &type, &format, &n,
                            &after, &data) == Success &&
@@ -100,7 +100,7 @@ struct NullTimer : OrvTimer {
 };
 
 bool inList(OrvList* l, void* v) {
-  for (OrvLink* k = l ? l->first : 0; k; k = k->next)
+  for (OrvLink* k = l ? l->first : nullptr; k; k = k->next)
     if (k->value == v) return true;
   return false;
 }
@@ -109,7 +109,7 @@ bool inList(OrvList* l, void* v) {
 
 TEST(Director, OpensDisplayWithBothConstructors) {
   REQUIRE_X();
-  OrvDirector* d = new OrvDirector("dirapp", 0, 0, 0);
+  OrvDirector* d = new OrvDirector("dirapp", nullptr, 0, nullptr);
   ASSERT_NE(d->display, nullptr);
   EXPECT_EQ(d->ownsDisplay, 1);
   EXPECT_STREQ(d->name, "dirapp");
@@ -129,7 +129,7 @@ TEST(Director, OpensDisplayWithBothConstructors) {
   EXPECT_NE(d->grabbedViews, nullptr);
 
   // An empty display name is the default display too; a null name is "Orv".
-  OrvDirector* e = new OrvDirector(0, "", 0, 0);
+  OrvDirector* e = new OrvDirector(nullptr, "", 0, nullptr);
   EXPECT_STREQ(e->name, "Orv");
   ASSERT_NE(OrvGetAllDirectors(), nullptr);
   EXPECT_EQ(OrvGetAllDirectors()->first->value, e) << "newest first";
@@ -168,7 +168,7 @@ TEST(Director, MissingDisplayPrintsAndExitsWithZero) {
 
 TEST(Director, CloseTwiceDoesTheWorkOnce) {
   REQUIRE_X();
-  OrvDirector* d = new OrvDirector("closer", 0, 0, 0);
+  OrvDirector* d = new OrvDirector("closer", nullptr, 0, nullptr);
   CountingProc::deleted = 0;
   CountingProc* p = new CountingProc;
   d->add(p);
@@ -201,7 +201,7 @@ TEST(Director, SearchPathFromEnvironmentAndResources) {
   {
     ServerResources res("pathapp.OrvPath:\t/res/dir   \nOrv.orvTestKey: general\n"
                         "pathapp.orvTestKey: specific\nOrv.orvTestEmpty:   \n");
-    d = new OrvDirector("pathapp", 0, 0, 0);
+    d = new OrvDirector("pathapp", nullptr, 0, nullptr);
   }
   EXPECT_STREQ(d->path,
                "/home/orv/data/zedtorv:/home/orv/data/texture:/home/orv/data/material:"
@@ -212,25 +212,25 @@ TEST(Director, SearchPathFromEnvironmentAndResources) {
   EXPECT_STREQ(d->resource("orvTestKey", "x"), "specific");
   EXPECT_STREQ(d->resource("orvTestEmpty", "dflt"), "dflt");
   EXPECT_STREQ(d->resource("orvTestAbsent", "dflt"), "dflt");
-  EXPECT_EQ(d->resource("orvTestAbsent", 0), nullptr);
+  EXPECT_EQ(d->resource("orvTestAbsent", nullptr), nullptr);
   delete d;
 
   {
     ServerResources res("Orv.OrvPath: /class/dir\n");
     unsetenv("ORVPATH");
     unsetenv("ORVHOME");
-    d = new OrvDirector("otherapp", 0, 0, 0);
+    d = new OrvDirector("otherapp", nullptr, 0, nullptr);
   }
   EXPECT_STREQ(d->path, "/class/dir:.");
-  EXPECT_STREQ(d->resource("OrvPath", 0), "/class/dir");
+  EXPECT_STREQ(d->resource("OrvPath", nullptr), "/class/dir");
   delete d;
 
-  d = new OrvDirector("plainapp", 0, 0, 0);
+  d = new OrvDirector("plainapp", nullptr, 0, nullptr);
   EXPECT_STREQ(d->path, ".");
   EXPECT_EQ(d->doNotOptimize, 0);
   delete d;
   setenv("ORVDONOTOPTIMIZE", "", 1);
-  d = new OrvDirector("plainapp", 0, 0, 0);
+  d = new OrvDirector("plainapp", nullptr, 0, nullptr);
   EXPECT_EQ(d->doNotOptimize, 1);
   delete d;
   unsetenv("ORVDONOTOPTIMIZE");
@@ -240,7 +240,7 @@ TEST(Director, PathEditingAndFindInPath) {
   REQUIRE_X();
   unsetenv("ORVPATH");
   unsetenv("ORVHOME");
-  OrvDirector d("findapp", 0, 0, 0);
+  OrvDirector d("findapp", nullptr, 0, nullptr);
   char dirA[] = "/tmp/orvfindA.XXXXXX";
   char dirB[] = "/tmp/orvfindB.XXXXXX";
   ASSERT_NE(mkdtemp(dirA), nullptr);
@@ -263,7 +263,7 @@ TEST(Director, PathEditingAndFindInPath) {
   EXPECT_EQ(std::string(d.findInPath("only.orv")), onlyB);
   EXPECT_EQ(d.findInPath("absent.orv"), nullptr);
   EXPECT_EQ(d.findInPath(""), nullptr);
-  EXPECT_EQ(d.findInPath(0), nullptr);
+  EXPECT_EQ(d.findInPath(nullptr), nullptr);
   // An absolute name ignores the path and comes back as given.
   const char* abs = onlyB.c_str();
   EXPECT_EQ(d.findInPath(abs), abs);
@@ -274,7 +274,7 @@ TEST(Director, PathEditingAndFindInPath) {
   EXPECT_EQ(std::string(d.findInPath(rel.c_str())), fileA);
 
   // Without a path, a relative name is taken as it stands.
-  d.setPath(0);
+  d.setPath(nullptr);
   EXPECT_EQ(d.path, nullptr);
   ASSERT_EQ(chdir(dirB), 0);
   const char* plain = "only.orv";
@@ -282,7 +282,7 @@ TEST(Director, PathEditingAndFindInPath) {
   EXPECT_EQ(d.findInPath("both2.orv"), nullptr);
   d.appendToPath("a");
   EXPECT_STREQ(d.path, "a");
-  d.setPath(0);
+  d.setPath(nullptr);
   d.prependToPath("b");
   EXPECT_STREQ(d.path, "b");
   ASSERT_EQ(chdir("/"), 0);
@@ -300,7 +300,7 @@ TEST(Director, PathEditingAndFindInPath) {
 
 TEST(Director, ClipboardRoundTripThroughTheServer) {
   REQUIRE_X();
-  OrvDirector d("clip", 0, 0, 0);
+  OrvDirector d("clip", nullptr, 0, nullptr);
   d.setClipboard("hello orvis");
   d.flush();
   int length = -1;
@@ -333,7 +333,7 @@ TEST(Director, ClipboardRoundTripThroughTheServer) {
 TEST(Director, PointerWarpAndQuery) {
   REQUIRE_X();
   OrvTestInputLock lock;
-  OrvDirector d("pointer", 0, 0, 0);
+  OrvDirector d("pointer", nullptr, 0, nullptr);
   d.movePointer(Orv2dPoint(300, 200));
   long x = 0, y = 0;
   unsigned short mods = 0xFFFF;
@@ -366,7 +366,7 @@ TEST(Director, EightBitScreenWithoutGLStaysUsable) {
   const char* name8 = getenv("ORV_TEST_DISPLAY8");
   if (!name8) GTEST_SKIP() << "no 8-bit screen";
   testing::internal::CaptureStdout();
-  OrvDirector* d = new OrvDirector("eight", name8, 0, 0);
+  OrvDirector* d = new OrvDirector("eight", name8, 0, nullptr);
   std::string out = testing::internal::GetCapturedStdout();
   EXPECT_NE(out.find("OrvDirector::initContext : Can't find a visual.\n"), std::string::npos) << out;
   EXPECT_EQ(d->rootContext, nullptr);
@@ -376,7 +376,7 @@ TEST(Director, EightBitScreenWithoutGLStaysUsable) {
   Display* raw = OrvTestOpenDisplay(name8);
   ASSERT_NE(raw, nullptr);
   EXPECT_TRUE(OrvTestWaitViewable(raw, v->window()));
-  char* title = 0;
+  char* title = nullptr;
   ASSERT_TRUE(XFetchName(raw, v->window(), &title));
   EXPECT_STREQ(title, "eight-bit");
   XFree(title);
@@ -391,7 +391,7 @@ TEST(Director, EightBitScreenWithoutGLStaysUsable) {
 TEST(Director, ViewsByNameAndByPoint) {
   REQUIRE_X();
   OrvTestInputLock lock;  // windows of other tests could stand over these
-  OrvDirector d("finder", 0, 0, 0);
+  OrvDirector d("finder", nullptr, 0, nullptr);
   OrvView* a = new OrvView(&d, Orv2dRect(820, 560, 200, 150), "A");
   OrvView* b = new OrvView(&d, Orv2dRect(300, 760, 200, 150), "B");
   OrvView* child = new OrvView(a, Orv2dRect(20, 30, 50, 40));

@@ -6,10 +6,10 @@
 #include "orv/view.h"
 
 #include <X11/Xlib.h>
-#include <errno.h>
+#include <cerrno>
 #include <fcntl.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdlib>
+#include <cstring>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -27,7 +27,7 @@ namespace {
 
 long nowMs() {
   struct timeval tv;
-  gettimeofday(&tv, 0);
+  gettimeofday(&tv, nullptr);
   return tv.tv_sec * 1000L + tv.tv_usec / 1000;
 }
 
@@ -86,7 +86,7 @@ bool waitSteps(const OrvDirector& d, F done, int ms) {
 
 TEST(Loop, TimersFireInOrderFromTheWaitStep) {
   REQUIRE_X();
-  OrvDirector d("timers", 0, 0, 0);
+  OrvDirector d("timers", nullptr, 0, nullptr);
   fired.clear();
   RecordTimer late(&d, 60, 3), early(&d, 10, 1), middle(&d, 30, 2);
   RecordTimer never(&d, 5, 9);  // never given run: never fires
@@ -127,7 +127,7 @@ TEST(Loop, TimersFireInOrderFromTheWaitStep) {
   middle.run(1, 500);
   EXPECT_EQ(middle.period, 1500u);
   struct timeval now;
-  gettimeofday(&now, 0);
+  gettimeofday(&now, nullptr);
   long expiry = middle.record->expirySeconds * 1000 + middle.record->expiryMicroseconds / 1000;
   long expected = now.tv_sec * 1000 + now.tv_usec / 1000 + 1500;
   EXPECT_NEAR((double)expiry, (double)expected, 20.0);
@@ -148,7 +148,7 @@ TEST(Loop, TimersFireInOrderFromTheWaitStep) {
 
 TEST(Loop, WorkProcedures) {
   REQUIRE_X();
-  OrvDirector d("work", 0, 0, 0);
+  OrvDirector d("work", nullptr, 0, nullptr);
   Busy* busy = new Busy(1);
   Busy* idle = new Busy(0);
   Busy* off = new Busy(1);
@@ -183,7 +183,7 @@ TEST(Loop, WorkProcedures) {
 
 TEST(Loop, OtherDescriptorsAndClosedOnes) {
   REQUIRE_X();
-  OrvDirector d("pipes", 0, 0, 0);
+  OrvDirector d("pipes", nullptr, 0, nullptr);
   int p[2], q[2];
   ASSERT_EQ(pipe(p), 0);
   ASSERT_EQ(pipe(q), 0);
@@ -200,7 +200,7 @@ TEST(Loop, OtherDescriptorsAndClosedOnes) {
   }
   d.waitAndDispatchEvents();
   EXPECT_GE(nowMs() - start, 140);
-  waitpid(writer, 0, 0);
+  waitpid(writer, nullptr, 0);
   ASSERT_EQ(log.inputs.size(), 1u);
   EXPECT_EQ(log.inputs[0], p[0]);
   EXPECT_EQ(log.text, "abc");
@@ -256,7 +256,7 @@ TEST(Loop, SleepAndClock) {
   close(p[1]);
 
   struct timeval tv;
-  gettimeofday(&tv, 0);
+  gettimeofday(&tv, nullptr);
   unsigned int expected = ((unsigned int)tv.tv_sec * 1000000u + (unsigned int)tv.tv_usec) / 1000;
   unsigned int t = OrvGetTime();
   EXPECT_LT(t - expected, 5u);
@@ -276,7 +276,7 @@ TEST(Loop, NoDirectorReportsAndReturns) {
 TEST(Loop, DirectorGrabsStack) {
   REQUIRE_X();
   OrvTestInputLock lock;
-  OrvDirector d("grabs", 0, 0, 0);
+  OrvDirector d("grabs", nullptr, 0, nullptr);
   OrvView* a = new OrvView(&d, Orv2dRect(40, 40, 100, 80), "a");
   OrvView* b = new OrvView(&d, Orv2dRect(300, 40, 100, 80), "b");
   OrvView* c = new OrvView(&d, Orv2dRect(600, 40, 100, 80), "c");
@@ -338,7 +338,7 @@ TEST(Loop, DirectorGrabsStack) {
 
 TEST(Loop, XErrorsAreReportedAndSurvived) {
   REQUIRE_X();
-  OrvDirector d("xerror", 0, 0, 0);
+  OrvDirector d("xerror", nullptr, 0, nullptr);
   Display* dpy = (Display*)d.display;
   testing::internal::CaptureStdout();
   XMapWindow(dpy, 0x1234567);

@@ -1,6 +1,6 @@
 // Make-ups: one object per set of attributes, derivations, counting, contexts per canvas.
 #include <gtest/gtest.h>
-#include <string.h>
+#include <cstring>
 
 #include <string>
 
@@ -46,9 +46,9 @@ TEST_P(MakeUps, DefaultsOfStartUp) {
   EXPECT_EQ(m->markerScale(), 2);
   EXPECT_EQ(m->planeMask, 0xFFFFFFFFu);
   EXPECT_EQ(m->count, 1);
-  EXPECT_EQ(d->makeUp(0, 0, 0, 0, 0, 0, 0, 0, OrvArcPieSlice, 0, 0, 0, 1, 1, 4, 4, 1, 2, 0), m);
-  EXPECT_EQ(d->makeUp(d->defaultBackground, d->defaultForeground, d->solidLineStyle, 0, 0, d->defaultFont, 0, 0,
-                      OrvArcPieSlice, 0, 0, 0, 1, 1, 4, 4, 1, 2, 0),
+  EXPECT_EQ(d->makeUp(nullptr, nullptr, nullptr, 0, nullptr, nullptr, nullptr, 0, OrvArcPieSlice, 0, nullptr, 0, 1, 1, 4, 4, 1, 2, nullptr), m);
+  EXPECT_EQ(d->makeUp(d->defaultBackground, d->defaultForeground, d->solidLineStyle, 0, nullptr, d->defaultFont, nullptr, 0,
+                      OrvArcPieSlice, 0, nullptr, 0, 1, 1, 4, 4, 1, 2, nullptr),
             m);
   ASSERT_NE(d->wideMakeUp, nullptr);
   EXPECT_EQ(d->wideMakeUp->lineWidth(), 4);
@@ -81,7 +81,7 @@ TEST_P(MakeUps, EverySetterSharesTheEqualButOne) {
       d->makeUpArcMode(base, OrvArcChord),
       d->makeUpFillRule(base, OrvWindingRule),
       // Any pointer serves as another vectorial font here: only its identity is compared.
-      0,
+      nullptr,
       d->makeUpDistinguish(base, 1),
       d->makeUpSmooth(base, 0),
       d->makeUpCull(base, OrvCullBoth),
@@ -89,7 +89,7 @@ TEST_P(MakeUps, EverySetterSharesTheEqualButOne) {
       d->makeUpBackStyle(base, OrvFacePoints),
       d->makeUpMarkerType(base, 3),
       d->makeUpMarkerScale(base, 5),
-      0,
+      nullptr,
   };
   for (int i = 0; i < 19; i++) {
     if (!made[i]) continue;

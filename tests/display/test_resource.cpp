@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <fcntl.h>
 #include <signal.h>
-#include <stdio.h>
-#include <string.h>
+#include <cstdio>
+#include <cstring>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,7 +20,7 @@ ORV_ON_BOTH_SCREENS(Resources);
 TEST_P(Resources, ReliefColoursAreShadesOfTheBase) {
   // A light base: the lit edge loses saturation and gains value, capped at 1.
   OrvColor* base = d->color(0.8f, 0.4f, 0.4f);
-  OrvColor *lit = 0, *shaded = 0, *pressed = 0;
+  OrvColor *lit = nullptr, *shaded = nullptr, *pressed = nullptr;
   OrvComputeReliefColors(base, lit, shaded, pressed);
   ASSERT_TRUE(lit && shaded && pressed);
   float h, s, v;
@@ -101,7 +101,7 @@ TEST_P(Resources, ColourPixelsOnEachVisual) {
     EXPECT_FLOAT_EQ(r, 1.0f);
     EXPECT_FLOAT_EQ(g, 0.0f);
     unsigned short tr[256], tg[256], tb[256];
-    d->colorTable(tr, tg, tb, 0);
+    d->colorTable(tr, tg, tb, nullptr);
     EXPECT_EQ(tr[p], 255);
     EXPECT_EQ(tg[p], 0);
   }
@@ -147,7 +147,7 @@ TEST_P(Resources, FullColormapReportsAndTriesAgain) {
   Colormap own = XCreateColormap(dpy, DefaultRootWindow(dpy), (Visual*)d->rootCanvas->visual, AllocNone);
   d->rootCanvas->colormap = own;
   int failures = 0;
-  OrvColor* last = 0;
+  OrvColor* last = nullptr;
   testing::internal::CaptureStdout();
   for (int i = 0; i < 300; i++) {
     OrvColor* c = d->color(i / 300.0f, 0.5f, (i % 7) / 7.0f);
@@ -311,7 +311,7 @@ TEST_P(Resources, RasterFonts) {
   EXPECT_EQ(h10->foundary(), nullptr);
   OrvRasterFont* bi = d->font("%times-12-BI");
   ASSERT_NE(bi, nullptr);
-  EXPECT_EQ(d->font("times", 12, 5, 0), bi);
+  EXPECT_EQ(d->font("times", 12, 5, nullptr), bi);
   EXPECT_EQ(bi->style, 5u);
   OrvRasterFont* adobe = d->font("%helvetica-12-B-adobe");
   EXPECT_STREQ(adobe->foundary(), "adobe");
@@ -495,7 +495,7 @@ TEST(ResourcesExit, NoDefaultFontEndsTheProcess) {
   if (child == 0) {
     close(out[0]);
     dup2(out[1], 1);
-    new OrvDirector("nofont", name.c_str(), 0, 0);
+    new OrvDirector("nofont", name.c_str(), 0, nullptr);
     _exit(3);  // not reached when the director ends the process
   }
   close(out[1]);
@@ -511,7 +511,7 @@ TEST(ResourcesExit, NoDefaultFontEndsTheProcess) {
   EXPECT_NE(text.find("## Can't find a default found !.\n"), std::string::npos) << text;
   XCloseDisplay(raw);
   kill(server, SIGTERM);
-  waitpid(server, 0, 0);
+  waitpid(server, nullptr, 0);
   unlink(fontsDir.c_str());
   rmdir(dir);
 }

@@ -9,8 +9,8 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/keysym.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdlib>
+#include <cstring>
 
 #include <string>
 #include <vector>
@@ -37,7 +37,7 @@ struct Log {
   const OrvEvent* last(OrvEventType t) const {
     for (auto i = input.rbegin(); i != input.rend(); ++i)
       if (i->type == t) return &*i;
-    return 0;
+    return nullptr;
   }
 };
 
@@ -69,7 +69,7 @@ struct Fixture {
   Display* raw;
   Log log;
   Fixture(const char* title, const Orv2dRect& r) {
-    d = new OrvDirector("viewtest", 0, 0, 0);
+    d = new OrvDirector("viewtest", nullptr, 0, nullptr);
     v = new OrvView(d, r, title);
     listen(v, &log);
     raw = OrvTestOpenDisplay();
@@ -89,7 +89,7 @@ struct Fixture {
 };
 
 std::string fetchName(Display* dpy, Window w) {
-  char* name = 0;
+  char* name = nullptr;
   if (!XFetchName(dpy, w, &name) || !name) return "";
   std::string s = name;
   XFree(name);
@@ -113,7 +113,7 @@ TEST(View, TopLevelWindowAndWindowManagerProperties) {
   EXPECT_EQ(v->sharesRootResources, 1);
   EXPECT_TRUE(v->isViewable());
   EXPECT_EQ(fetchName(f.raw, v->window()), "Orvis window");
-  char* icon = 0;
+  char* icon = nullptr;
   ASSERT_TRUE(XGetIconName(f.raw, v->window(), &icon));
   EXPECT_STREQ(icon, "Orvis window");
   XFree(icon);
@@ -123,7 +123,7 @@ TEST(View, TopLevelWindowAndWindowManagerProperties) {
   EXPECT_STREQ(ch.res_class, "Orvis window");
   XFree(ch.res_name);
   XFree(ch.res_class);
-  Atom* protocols = 0;
+  Atom* protocols = nullptr;
   int n = 0;
   ASSERT_TRUE(XGetWMProtocols(f.raw, v->window(), &protocols, &n));
   ASSERT_EQ(n, 1);
@@ -188,7 +188,7 @@ TEST(View, ChildrenAndDestruction) {
   EXPECT_EQ(c1->parent, f.v);
   EXPECT_EQ(f.v->children.length(), 2u);
   EXPECT_EQ(c1->children.length(), 1u);
-  Window root, parentW, *kids = 0;
+  Window root, parentW, *kids = nullptr;
   unsigned nk = 0;
   XQueryTree(f.raw, c1->window(), &root, &parentW, &kids, &nk);
   if (kids) XFree(kids);
@@ -216,10 +216,10 @@ TEST(View, ChildrenAndDestruction) {
   listen(c1, &l1);
   listen(c2, &l2);
   listen(grandchild, &lg);
-  c1->onDestroy([](OrvView* self, void*) { delete (OrvView*)self->parent->children.last->value; }, 0);
+  c1->onDestroy([](OrvView* self, void*) { delete (OrvView*)self->parent->children.last->value; }, nullptr);
   Window w1 = c1->window(), wg = grandchild->window();
   delete f.v;
-  f.v = 0;
+  f.v = nullptr;
   EXPECT_EQ(l1.destroys, 1);
   EXPECT_EQ(l2.destroys, 1);
   EXPECT_EQ(lg.destroys, 1);
@@ -233,7 +233,7 @@ TEST(View, ChildrenAndDestruction) {
 TEST(View, ForeignWindowsAreWrappedNotDestroyed) {
   REQUIRE_X();
   OrvTestInputLock lock;
-  OrvDirector d("foreign", 0, 0, 0);
+  OrvDirector d("foreign", nullptr, 0, nullptr);
   Display* raw = OrvTestOpenDisplay();
   Window w = XCreateSimpleWindow(raw, DefaultRootWindow(raw), 44, 55, 120, 90, 0, 0, 0);
   XMapWindow(raw, w);
@@ -261,7 +261,7 @@ TEST(View, ForeignWindowsAreWrappedNotDestroyed) {
 
   // A child of a foreign window.
   OrvView* inside = new OrvView(&d, (void*)w, Orv2dRect(3, 4, 20, 20));
-  Window root, parentW, *kids = 0;
+  Window root, parentW, *kids = nullptr;
   unsigned nk = 0;
   XQueryTree(raw, inside->window(), &root, &parentW, &kids, &nk);
   if (kids) XFree(kids);
@@ -323,7 +323,7 @@ TEST(View, ExposeErasesMergesAndCallsBack) {
   Display* dpy = (Display*)f.d->display;
   unsigned long bg = OrvTestPixel(f.raw, v->window(), 80, 60);
   // Paint it over from outside, then ask for three exposures at once.
-  GC gc = XCreateGC(f.raw, v->window(), 0, 0);
+  GC gc = XCreateGC(f.raw, v->window(), 0, nullptr);
   XSetForeground(f.raw, gc, bg ^ 0xFFFFFF);
   XFillRectangle(f.raw, v->window(), gc, 0, 0, 160, 120);
   XSync(f.raw, False);
@@ -430,7 +430,7 @@ TEST(View, ButtonsModifiersAndMotion) {
   OrvTestButton(raw, 1, false);
   ASSERT_TRUE(f.runUntil([&] { return f.log.countType(OrvButtonUp) == 2; }));
   EXPECT_EQ(f.log.input.back().modifiers, 0);
-  const OrvEvent* firstUp = 0;
+  const OrvEvent* firstUp = nullptr;
   for (const OrvEvent& e : f.log.input)
     if (e.type == OrvButtonUp && !firstUp) firstUp = &e;
   EXPECT_EQ(firstUp->button, 4);
@@ -570,7 +570,7 @@ TEST(View, KeysAndTheirCodes) {
         if (e.type == OrvKeyUp && e.key == c.key) return true;
       return false;
     })) << XKeysymToString(c.sym);
-    const OrvEvent* down = 0;
+    const OrvEvent* down = nullptr;
     for (const OrvEvent& e : f.log.input)
       if (e.type == OrvKeyDown && e.key == c.key) down = &e;
     ASSERT_NE(down, nullptr) << XKeysymToString(c.sym);
@@ -622,7 +622,7 @@ TEST(View, WindowManagerCloseAndClientMessages) {
   XDestroyWindow(f.raw, w);
   ASSERT_TRUE(f.runUntil([&] { return f.log.destroys == 1; }));
   EXPECT_EQ(f.d->findView(w), nullptr);
-  f.v = 0;
+  f.v = nullptr;
 }
 
 TEST(View, DispatchEntryPoints) {
@@ -670,7 +670,7 @@ TEST(View, DispatchEntryPoints) {
 
 TEST(View, GLWindowSharesTheRootContext) {
   REQUIRE_X();
-  OrvDirector d("glview", 0, 0, 0);
+  OrvDirector d("glview", nullptr, 0, nullptr);
   ASSERT_NE(d.rootContext, nullptr);
   OrvView* v = new OrvView(&d, Orv2dRect(50, 50, 100, 80), "gl", OrvViewGL);
   EXPECT_NE(v->glContext, nullptr);
@@ -720,12 +720,12 @@ TEST(View, BackgroundCursorGhostIconAndBackingBitmap) {
   v->setCursor(cross);
   v->setCursor(cross);
   EXPECT_EQ(cross->count, c0 + 1);
-  v->setCursor(0);
+  v->setCursor(nullptr);
   EXPECT_EQ(cross->count, c0);
   EXPECT_EQ(v->cursor, nullptr);
 
   OrvBitmap* icon = new OrvBitmap(d->rootCanvas, 16, 16, 1);
-  v->iconBitmap(icon, 0);
+  v->iconBitmap(icon, nullptr);
   EXPECT_EQ(icon->lockCount, 1u);
   XSync((Display*)d->display, False);
   XWMHints* hints = XGetWMHints(f.raw, w);
@@ -748,7 +748,7 @@ TEST(View, BackgroundCursorGhostIconAndBackingBitmap) {
   EXPECT_EQ(v->bitmap->width, 140u);
   EXPECT_EQ(v->bitmap->height, 100u);
   // With a backing bitmap an expose leaves the window to the subclass.
-  GC gc = XCreateGC(f.raw, w, 0, 0);
+  GC gc = XCreateGC(f.raw, w, 0, nullptr);
   XSetForeground(f.raw, gc, 0x00FF00);
   XFillRectangle(f.raw, w, gc, 0, 0, 140, 100);
   XFreeGC(f.raw, gc);

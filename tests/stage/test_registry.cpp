@@ -18,13 +18,13 @@ public:
     static OrvClassInfo* _classInfo;
 };
 OrvClassInfo* ShortParentActor::_classInfo =
-    OrvInsertNewType("ShortParentActor", new OrvClassInfo("ShortParentActor", "Or", 0));
+    OrvInsertNewType("ShortParentActor", new OrvClassInfo("ShortParentActor", "Or", nullptr));
 
 // A class with no record at all.
 class UnregisteredActor : public OrvActor {
 public:
     UnregisteredActor() : OrvActor(nullptr) {}
-    OrvClassInfo* classInfo() const override { return 0; }
+    OrvClassInfo* classInfo() const override { return nullptr; }
 };
 
 } // namespace
@@ -70,9 +70,9 @@ TEST(Registry, RecordCopiesNamesAndNumbersInOrder) {
     char name[] = "TmpClass";
     char parent[] = "OrvActor";
     unsigned before = OrvClassInfo::_counter;
-    OrvClassInfo a(name, parent, 0);
-    OrvClassInfo b(name, "", 0);
-    OrvClassInfo c(name, nullptr, 0);
+    OrvClassInfo a(name, parent, nullptr);
+    OrvClassInfo b(name, "", nullptr);
+    OrvClassInfo c(name, nullptr, nullptr);
     name[0] = 'X';
     parent[0] = 'X';
     EXPECT_STREQ(a.name, "TmpClass");

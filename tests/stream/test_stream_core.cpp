@@ -1,6 +1,6 @@
 // The text layer of the stream: strings, typed items, comments, header,
 // object table and their diagnostics, on plain string streams.
-#include <orv/stream.h>
+#include "orv/stream.h"
 
 #include <gtest/gtest.h>
 

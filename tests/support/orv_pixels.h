@@ -4,7 +4,7 @@
 #define ORV_TEST_PIXELS_H
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
+#include <cstdlib>
 
 #include <string>
 
@@ -21,8 +21,8 @@
 // screen (ORV_TEST_DISPLAY8), where pixels read back as colormap indices.
 class OrvScreenTest : public testing::TestWithParam<const char*> {
 protected:
-  OrvDirector* d = 0;
-  Display* dpy = 0;
+  OrvDirector* d = nullptr;
+  Display* dpy = nullptr;
 
   void SetUp() override {
     const char* name = getenv(GetParam());
@@ -31,7 +31,7 @@ protected:
     // resets and refuses the next connection for a moment.
     static Display* keeper = XOpenDisplay(name);
     (void)keeper;
-    d = new OrvDirector("drawtest", name, 0, 0);
+    d = new OrvDirector("drawtest", name, 0, nullptr);
     dpy = (Display*)d->display;
   }
   void TearDown() override { delete d; }
@@ -65,7 +65,7 @@ protected:
   // A white bitmap of the director's depth, without clip.
   OrvBitmap* sheet(unsigned long w = 100, unsigned long h = 100) {
     OrvBitmap* b = new OrvBitmap(d->rootCanvas, w, h, d->depth);
-    b->setClip(0);
+    b->setClip(nullptr);
     b->rectangle(paint("white"), Orv2dRect(0, 0, w, h), 1);
     return b;
   }

@@ -4,10 +4,10 @@
 
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
-#include <stdio.h>
-#include <stdlib.h>
+#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
-#include <string.h>
+#include <cstring>
 #include <sys/file.h>
 #include <sys/select.h>
 #include <sys/time.h>
@@ -17,13 +17,13 @@
 
 static long nowMs() {
   struct timeval tv;
-  gettimeofday(&tv, 0);
+  gettimeofday(&tv, nullptr);
   return tv.tv_sec * 1000L + tv.tv_usec / 1000;
 }
 
 Display* OrvTestOpenDisplay(const char* name) {
   const char* dn = name ? name : getenv("DISPLAY");
-  if (!dn) return 0;
+  if (!dn) return nullptr;
   return XOpenDisplay(dn);
 }
 
@@ -47,7 +47,7 @@ bool OrvTestWaitMapNotify(Display* dpy, Window window, int timeoutMs) {
     fd_set set;
     FD_ZERO(&set);
     FD_SET(fd, &set);
-    select(fd + 1, &set, 0, 0, &tv);
+    select(fd + 1, &set, nullptr, nullptr, &tv);
   }
   return false;
 }
@@ -123,7 +123,7 @@ bool OrvTestRunUntil(const std::function<bool()>& done, int timeoutMs) {
     if (done()) return true;
     if (nowMs() >= end) return false;
     struct timeval tv = {0, 1000};
-    select(0, 0, 0, 0, &tv);
+    select(0, nullptr, nullptr, nullptr, &tv);
   }
 }
 

@@ -9,7 +9,7 @@
 #include <functional>
 
 // A raw connection to $DISPLAY (or `name`); null when none can be opened.
-Display* OrvTestOpenDisplay(const char* name = 0);
+Display* OrvTestOpenDisplay(const char* name = nullptr);
 
 // Polls (on `dpy`) until `window` is viewable; false after `timeoutMs`.
 bool OrvTestWaitViewable(Display* dpy, Window window, int timeoutMs = 3000);

@@ -1,5 +1,5 @@
 // The small-block pool behind lists, association lists and their nodes.
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,7 +15,7 @@ static void orvMlkAssertFailed(const char* expr, const char* file, int line, con
     abort();
 }
 
-OrvMemoryManager* OrvGlobalMemoryManager = 0;
+OrvMemoryManager* OrvGlobalMemoryManager = nullptr;
 
 OrvMemoryManager* OrvGetMemoryManager() {
     if (!OrvGlobalMemoryManager)
@@ -23,11 +23,11 @@ OrvMemoryManager* OrvGetMemoryManager() {
     return OrvGlobalMemoryManager;
 }
 
-OrvMemoryManager::OrvMemoryManager() : location(0), end(0), chunkSize(FirstChunkSize) {
+OrvMemoryManager::OrvMemoryManager() : location(nullptr), end(nullptr), chunkSize(FirstChunkSize) {
     for (int i = 0; i < NumClasses; i++)
-        freeList[i] = 0;
+        freeList[i] = nullptr;
     location = (char*)malloc(chunkSize);
-    end = location ? location + chunkSize : 0;
+    end = location ? location + chunkSize : nullptr;
 }
 
 static inline int orvMlkClass(unsigned size) {
@@ -63,8 +63,8 @@ void* OrvMemoryManager::alloc(unsigned size) {
     chunkSize *= 2;
     location = (char*)malloc(chunkSize);
     if (!location) {
-        end = 0;
-        return 0;
+        end = nullptr;
+        return nullptr;
     }
     end = location + chunkSize;
     void* block = location;

@@ -1,5 +1,5 @@
 // Colour space conversions and the shades of relief gadgets.
-#include <orv/region.h>
+#include "orv/region.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // Bézier flattening, hit tests on lines, polygons and arcs, and arrow heads.
 // Results live in shared static buffers: the library runs in one thread.
-#include <orv/region.h>
+#include "orv/region.h"
 
 #include <cmath>
 #include <cstdint>
@@ -34,7 +34,7 @@ struct OrvDPoint {
 inline OrvDPoint mid(const OrvDPoint& a, const OrvDPoint& b) { return {(a.x + b.x) / 2, (a.y + b.y) / 2}; }
 
 // The growing point buffer of all flattenings; never freed.
-Orv2dPoint* bezierPoints = 0;
+Orv2dPoint* bezierPoints = nullptr;
 unsigned bezierCapacity = 0;
 unsigned bezierCount = 0;
 

@@ -1,7 +1,7 @@
 // Float rectangles, volumes, planes, spherical vectors and the 2D matrix.
-#include <orv/geometry.h>
+#include "orv/geometry.h"
 
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <cmath>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // Hash tables with a fixed number of buckets, each a lazily made OrvAList.
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <cstdint>
 #include <cstring>
@@ -7,7 +7,7 @@
 static OrvAList** orvNewBuckets(unsigned size) {
     OrvAList** buckets = new OrvAList*[size];
     for (unsigned i = 0; i < size; i++)
-        buckets[i] = 0;
+        buckets[i] = nullptr;
     return buckets;
 }
 
@@ -23,7 +23,7 @@ static void orvEmptyBuckets(OrvAList** buckets, unsigned size) {
         if (!buckets[i])
             continue;
         delete buckets[i]->first;
-        buckets[i]->first = 0;
+        buckets[i]->first = nullptr;
     }
 }
 
@@ -51,7 +51,7 @@ int OrvHashTable::put(void* key, void* value) {
 
 void* OrvHashTable::get(void* key) {
     OrvAList* bucket = buckets[orvPointerBucket(key, size)];
-    return bucket ? bucket->get(key) : 0;
+    return bucket ? bucket->get(key) : nullptr;
 }
 
 int OrvHashTable::remove(void* key) {
@@ -104,11 +104,11 @@ int OrvStringHashTable::put(const char* key, void* value) {
 void* OrvStringHashTable::get(const char* key) {
     OrvAList* bucket = buckets[makeKey(key) % size];
     if (!bucket)
-        return 0;
+        return nullptr;
     for (OrvAListItem* item = bucket->first; item; item = item->next)
         if (!strcmp((const char*)item->key, key))
             return item->value;
-    return 0;
+    return nullptr;
 }
 
 int OrvStringHashTable::remove(const char* key) {
@@ -137,7 +137,7 @@ int OrvStringHashTable::remove(const char* key, void* value) {
     OrvAList* kept = new OrvAList;
     if (!kept)
         return 0;
-    OrvAListItem* tail = 0;
+    OrvAListItem* tail = nullptr;
     unsigned keptCount = 0;
     for (OrvAListItem* item = bucket->first; item; item = item->next) {
         if (item->value == value && !strcmp((const char*)item->key, key))

@@ -1,11 +1,11 @@
 // Interned keys: one OrvKey per name, found through a process-wide table.
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <cstring>
 
 // 1000 buckets: the byte-sum hash spreads an application's names over a few
 // hundred values, so a smaller table would make long buckets.
-static OrvStringHashTable* orvKeyTable = 0;
+static OrvStringHashTable* orvKeyTable = nullptr;
 
 static OrvStringHashTable* orvGetKeyTable() {
     if (!orvKeyTable)
@@ -24,7 +24,7 @@ OrvKey::~OrvKey() {
 
 OrvKey* OrvGetKey(const char* name, unsigned long create) {
     if (!name)
-        return 0;
+        return nullptr;
     OrvStringHashTable* table = orvGetKeyTable();
     OrvKey* key = (OrvKey*)table->get(name);
     if (key || !create)

@@ -1,5 +1,5 @@
 // Singly linked lists of untyped pointers and association lists.
-#include <orv/base.h>
+#include "orv/base.h"
 
 // ---------------------------------------------------------------------------
 // OrvLink
@@ -8,10 +8,10 @@ OrvLink::~OrvLink() {
     // Detach each follower before deleting it, so that a long list is freed
     // in a loop rather than by one nested destructor call per node.
     OrvLink* l = next;
-    next = 0;
+    next = nullptr;
     while (l) {
         OrvLink* following = l->next;
-        l->next = 0;
+        l->next = nullptr;
         delete l;
         l = following;
     }
@@ -28,7 +28,7 @@ void* OrvLink::operator[](unsigned index) {
     OrvLink* l = this;
     while (l && index--)
         l = l->next;
-    return l ? l->value : 0;
+    return l ? l->value : nullptr;
 }
 
 void OrvLink::setValue(unsigned index, void* v) {
@@ -50,13 +50,13 @@ OrvLink* OrvLink::find(const void* v) {
     for (OrvLink* l = this; l; l = l->next)
         if (l->value == v)
             return l;
-    return 0;
+    return nullptr;
 }
 
 OrvLink* OrvLink::remove(void* v) {
     if (value == v) {
         OrvLink* head = next;
-        next = 0;
+        next = nullptr;
         delete this;
         return head;
     }
@@ -64,7 +64,7 @@ OrvLink* OrvLink::remove(void* v) {
         OrvLink* l = previous->next;
         if (l->value == v) {
             previous->next = l->next;
-            l->next = 0;
+            l->next = nullptr;
             delete l;
             break;
         }
@@ -88,7 +88,7 @@ OrvLink* OrvList::insert(OrvLink* link) {
 }
 
 OrvLink* OrvList::append(OrvLink* link) {
-    link->next = 0;
+    link->next = nullptr;
     if (last)
         last->next = link;
     else
@@ -100,16 +100,16 @@ OrvLink* OrvList::append(OrvLink* link) {
 // A node is null only when the pool cannot get memory; the list stays as it was.
 OrvLink* OrvList::insert(void* value) {
     OrvLink* link = new OrvLink(value);
-    return link ? insert(link) : 0;
+    return link ? insert(link) : nullptr;
 }
 
 OrvLink* OrvList::append(void* value) {
     OrvLink* link = new OrvLink(value);
-    return link ? append(link) : 0;
+    return link ? append(link) : nullptr;
 }
 
 OrvLink* OrvList::removeLink(void* value) {
-    OrvLink* previous = 0;
+    OrvLink* previous = nullptr;
     for (OrvLink* l = first; l; previous = l, l = l->next) {
         if (l->value != value)
             continue;
@@ -119,10 +119,10 @@ OrvLink* OrvList::removeLink(void* value) {
             first = l->next;
         if (last == l)
             last = previous;
-        l->next = 0;
+        l->next = nullptr;
         return l;
     }
-    return 0;
+    return nullptr;
 }
 
 int OrvList::remove(void* value) {
@@ -168,10 +168,10 @@ void OrvList::pop(void* value) {
 
 OrvAListItem::~OrvAListItem() {
     OrvAListItem* item = next;
-    next = 0;
+    next = nullptr;
     while (item) {
         OrvAListItem* following = item->next;
-        item->next = 0;
+        item->next = nullptr;
         delete item;
         item = following;
     }
@@ -181,7 +181,7 @@ OrvAListItem* OrvAListItem::find(const void* k) {
     for (OrvAListItem* item = this; item; item = item->next)
         if (item->key == k)
             return item;
-    return 0;
+    return nullptr;
 }
 
 OrvAList::~OrvAList() {
@@ -209,7 +209,7 @@ void OrvAList::append(const void* key, void* value) {
 }
 
 int OrvAList::replace(const void* key, void* value) {
-    OrvAListItem* item = first ? first->find(key) : 0;
+    OrvAListItem* item = first ? first->find(key) : nullptr;
     if (!item)
         return 0;
     item->value = value;
@@ -217,7 +217,7 @@ int OrvAList::replace(const void* key, void* value) {
 }
 
 int OrvAList::remove(const void* key) {
-    OrvAListItem* previous = 0;
+    OrvAListItem* previous = nullptr;
     for (OrvAListItem* item = first; item; previous = item, item = item->next) {
         if (item->key != key)
             continue;
@@ -225,7 +225,7 @@ int OrvAList::remove(const void* key) {
             previous->next = item->next;
         else
             first = item->next;
-        item->next = 0;
+        item->next = nullptr;
         delete item;
         return 1;
     }
@@ -233,8 +233,8 @@ int OrvAList::remove(const void* key) {
 }
 
 void* OrvAList::get(const void* key) {
-    OrvAListItem* item = first ? first->find(key) : 0;
-    return item ? item->value : 0;
+    OrvAListItem* item = first ? first->find(key) : nullptr;
+    return item ? item->value : nullptr;
 }
 
 int OrvAList::find(const void* key) {

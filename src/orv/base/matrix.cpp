@@ -1,8 +1,8 @@
 // The 4×4 matrix of the 3D side: elementary matrices, products, inversion by
 // Gauss-Jordan and decomposition into scale, shear, rotation and translation.
-#include <orv/geometry.h>
+#include "orv/geometry.h"
 
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <cmath>
 #include <cstring>

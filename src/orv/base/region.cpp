@@ -1,19 +1,19 @@
 // Regions of rectangles: storage, copying and whole-region transformations.
-#include <orv/region.h>
+#include "orv/region.h"
 
 #include <cstring>
 
-Orv2dRegion::Orv2dRegion(short cap) : capacity(cap), count(0), heap(0) {
+Orv2dRegion::Orv2dRegion(short cap) : capacity(cap), count(0), heap(nullptr) {
     if (usesHeap()) heap = new Orv2dRect[capacity];
 }
 
-Orv2dRegion::Orv2dRegion(const Orv2dRect& rect, short cap) : bbox(rect), capacity(cap), count(1), heap(0) {
+Orv2dRegion::Orv2dRegion(const Orv2dRect& rect, short cap) : bbox(rect), capacity(cap), count(1), heap(nullptr) {
     if (usesHeap()) heap = new Orv2dRect[capacity];
     rectangles()[0] = rect;
 }
 
 Orv2dRegion::Orv2dRegion(const Orv2dRegion& other)
-    : bbox(other.bbox), capacity(other.capacity), count(other.count), heap(0) {
+    : bbox(other.bbox), capacity(other.capacity), count(other.count), heap(nullptr) {
     if (usesHeap()) heap = new Orv2dRect[capacity];
     std::memcpy(rectangles(), other.rectangles(), count * sizeof(Orv2dRect));
 }
@@ -22,7 +22,7 @@ Orv2dRegion::Orv2dRegion(const Orv2dRegion& other)
 Orv2dRegion& Orv2dRegion::operator=(const Orv2dRegion& other) {
     if (this == &other) return *this;
     if (usesHeap()) delete[] heap;
-    heap = 0;
+    heap = nullptr;
     bbox = other.bbox;
     count = other.count;
     capacity = count <= EmbeddedCount ? (int16_t)EmbeddedCount : (int16_t)count;

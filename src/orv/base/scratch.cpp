@@ -1,5 +1,5 @@
 // Shared growing arrays and the expansion of compact pattern tiles.
-#include <orv/base.h>
+#include "orv/base.h"
 #include "orv/base/scratch.h"
 
 #include <cstdlib>
@@ -23,7 +23,7 @@ void* orvScratchGrow(_OrvScratch_& s, unsigned n, size_t elementSize) {
     if (!s.data) {
         void* data = malloc((size_t)(n + 2) * elementSize);
         if (!data)
-            return 0;
+            return nullptr;
         s.data = data;
         s.capacity = n + 2;
         return s.data;
@@ -35,7 +35,7 @@ void* orvScratchGrow(_OrvScratch_& s, unsigned n, size_t elementSize) {
         capacity *= 2;
     void* data = realloc(s.data, (size_t)capacity * elementSize);
     if (!data)
-        return 0;
+        return nullptr;
     s.data = data;
     s.capacity = capacity;
     return s.data;
@@ -69,7 +69,7 @@ void** OrvAllocInternalPointers(unsigned n) {
     if (!s.data) {
         void* data = malloc((size_t)(n + 1) * sizeof(void*));
         if (!data)
-            return 0;
+            return nullptr;
         s.data = data;
         s.capacity = n + 1;
         return (void**)s.data;
@@ -80,7 +80,7 @@ void** OrvAllocInternalPointers(unsigned n) {
             capacity *= 2;
         void* data = realloc(s.data, (size_t)capacity * sizeof(void*));
         if (!data)
-            return 0;
+            return nullptr;
         s.data = data;
         s.capacity = capacity;
     }

@@ -1,5 +1,5 @@
 // Diagnostics, the date and file tests used throughout the library.
-#include <orv/base.h>
+#include "orv/base.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -24,7 +24,7 @@ int OrvError(const char* format, ...) {
 
 const char* OrvDate() {
     static char date[25];
-    time_t now = time(0);
+    time_t now = time(nullptr);
     const char* text = ctime(&now);
     if (!text) {
         date[0] = 0;

@@ -1,6 +1,6 @@
 // Bitmaps (canvases on pixmaps) and the copies between drawables, straight and transformed.
-#include <stdlib.h>
-#include <string.h>
+#include <cstdlib>
+#include <cstring>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -26,7 +26,7 @@ static GC contextForDepth(const OrvCanvas* canvas, unsigned depth) {
     return gc;
   }
   if (depth == 8) return (GC)d->defaultDepth8MakeUp(canvas);
-  return 0;
+  return nullptr;
 }
 
 // Gives a context the canvas's clip, or none.
@@ -51,7 +51,7 @@ static void sendClip(Display* dpy, GC gc, const Orv2dRegion& clip) {
 // ---------------------------------------------------------------- OrvBitmap
 
 OrvBitmap::OrvBitmap(const OrvCanvas* canvas, unsigned long w, unsigned long h, unsigned long d)
-    : OrvCanvas(canvas->director, w, h, 0), lockCount(0), mask(0) {
+    : OrvCanvas(canvas->director, w, h, nullptr), lockCount(0), mask(nullptr) {
   depth = (unsigned short)d;
   Display* dpy = displayOf(this);
   Drawable on = canvas->drawable ? canvas->drawable : DefaultRootWindow(dpy);
@@ -71,7 +71,7 @@ OrvBitmap::~OrvBitmap() {
   if (mask) {
     // The bitmap counted its mask with its own locks: let go of them.
     OrvBitmap* m = mask;
-    mask = 0;
+    mask = nullptr;
     m->unLock();
   }
 }
@@ -119,9 +119,9 @@ void OrvBitmap::setMask(OrvBitmap* m) {
 
 unsigned char* OrvBitmap::getBits(unsigned long& size, const Orv2dRect& rect) const {
   size = 0;
-  if (rect.w == 0 || rect.h == 0) return 0;
+  if (rect.w == 0 || rect.h == 0) return nullptr;
   XImage* image = XGetImage(displayOf(this), drawable, rect.x, rect.y, rect.w, rect.h, AllPlanes, ZPixmap);
-  if (!image) return 0;
+  if (!image) return nullptr;
   size = (unsigned long)image->bytes_per_line * image->height;
   unsigned char* bits = (unsigned char*)malloc(size ? size : 1);
   if (bits) memcpy(bits, image->data, size);
@@ -135,7 +135,7 @@ void OrvBitmap::setBits(const Orv2dRect& rect, const unsigned char* data, unsign
   Display* dpy = displayOf(this);
   // Xlib refuses a row shorter than the pad would ask for: describe the rows with the
   // smallest pad, then state the pad that was given.
-  XImage* image = XCreateImage(dpy, DefaultVisual(dpy, DefaultScreen(dpy)), depth, ZPixmap, 0, 0, rect.w, rect.h,
+  XImage* image = XCreateImage(dpy, DefaultVisual(dpy, DefaultScreen(dpy)), depth, ZPixmap, 0, nullptr, rect.w, rect.h,
                                8, (int)(size / rect.h));
   if (!image) return;
   image->bitmap_pad = pad;
@@ -146,7 +146,7 @@ void OrvBitmap::setBits(const Orv2dRect& rect, const unsigned char* data, unsign
   image->bits_per_pixel = depth == 1 ? 1 : depth <= 8 ? 8 : 32;
   GC gc = contextForDepth(this, depth);
   if (gc) XPutImage(dpy, drawable, gc, image, 0, 0, rect.x, rect.y, rect.w, rect.h);
-  image->data = 0;
+  image->data = nullptr;
   XDestroyImage(image);
 }
 
@@ -174,7 +174,7 @@ void OrvCanvas::bitblit(const OrvMakeUp* makeUp, const OrvCanvas* source, const 
              (int)rect.w, (int)rect.h, 0, 0, (int)source->width, (int)source->height);
     return;
   }
-  const OrvBitmap* sourceMask = 0;
+  const OrvBitmap* sourceMask = nullptr;
   if (source->isABitmap()) sourceMask = ((const OrvBitmap*)source)->mask;
   if (source->depth == 1 || (sourceMask && sourceMask->depth == 1)) mask = 1;
   copyArea(makeUp, source->drawable, source->depth, sourceMask, r, p, mask);
@@ -265,7 +265,7 @@ void OrvCanvas::bitblit(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, cons
   if (!in) return;
   unsigned short d = source->depth;
   int pad = d == 1 ? 8 : 32;
-  XImage* out = XCreateImage(dpy, DefaultVisual(dpy, DefaultScreen(dpy)), d, ZPixmap, 0, 0, target.w, target.h,
+  XImage* out = XCreateImage(dpy, DefaultVisual(dpy, DefaultScreen(dpy)), d, ZPixmap, 0, nullptr, target.w, target.h,
                              pad, 0);
   if (!out) {
     XDestroyImage(in);
@@ -295,10 +295,10 @@ void OrvCanvas::bitblit(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, cons
   if (!mask) {
     int narrower = d < depth;
     if (narrower) SetDepth1Mode(this, makeUp->mode, 1);
-    copyArea(makeUp, tmp, d, 0, all, at, 0);
+    copyArea(makeUp, tmp, d, nullptr, all, at, 0);
     if (narrower) SetDepth1Mode(this, makeUp->mode, 0);
   } else {
-    copyArea(makeUp, tmp, d, 0, all, at, d == 1 ? 1 : 0);
+    copyArea(makeUp, tmp, d, nullptr, all, at, d == 1 ? 1 : 0);
   }
   XFreePixmap(dpy, tmp);
 }

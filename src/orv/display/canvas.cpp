@@ -1,7 +1,7 @@
 // The canvas: clip, graphic contexts of make-ups, and the line, area and text primitives.
-#include <math.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -43,7 +43,7 @@ static T* growBuffer(T*& buffer, unsigned& capacity, unsigned n) {
     unsigned c = capacity ? capacity : 64;
     while (c < n) c *= 2;
     T* b = (T*)realloc(buffer, sizeof(T) * c);
-    if (!b) return 0;
+    if (!b) return nullptr;
     buffer = b;
     capacity = c;
   }
@@ -51,13 +51,13 @@ static T* growBuffer(T*& buffer, unsigned& capacity, unsigned n) {
 }
 
 static XPoint* xPointBuffer(unsigned n) {
-  static XPoint* buffer = 0;
+  static XPoint* buffer = nullptr;
   static unsigned capacity = 0;
   return growBuffer(buffer, capacity, n);
 }
 
 static XRectangle* xRectBuffer(unsigned n) {
-  static XRectangle* buffer = 0;
+  static XRectangle* buffer = nullptr;
   static unsigned capacity = 0;
   return growBuffer(buffer, capacity, n);
 }
@@ -72,12 +72,12 @@ OrvCanvas::OrvCanvas(OrvDirector* d, unsigned long w, unsigned long h, void* dr)
       drawable((unsigned long)dr),
       director(d),
       depth(0),
-      name(0),
+      name(nullptr),
       clip(25),
       style(0),
       preparing(0),
       colormap(0),
-      visual(0),
+      visual(nullptr),
       sharesRootResources(0) {
   initializeVisual();
 }
@@ -100,7 +100,7 @@ unsigned long OrvCanvas::contextDrawable() const { return resourceCanvas()->draw
 
 OrvCanvas::~OrvCanvas() {
   free(name);
-  name = 0;
+  name = nullptr;
   // Only a canvas that realises resources itself has realisations to give back.
   if (!director || resourceCanvas() != this) return;
   OrvDirector* d = director;
@@ -170,7 +170,7 @@ void OrvCanvas::setClip(const Orv2dRegion* region) {
 
 void OrvCanvas::getClip(Orv2dRegion& region) const { region = clip; }
 
-const Orv2dRegion* OrvCanvas::getClip() const { return clip.isEmpty() ? 0 : &clip; }
+const Orv2dRegion* OrvCanvas::getClip() const { return clip.isEmpty() ? nullptr : &clip; }
 
 void OrvCanvas::prepare(const Orv2dRegion* region) {
   setClip(region);
@@ -179,7 +179,7 @@ void OrvCanvas::prepare(const Orv2dRegion* region) {
 }
 
 void OrvCanvas::end() {
-  setClip(0);
+  setClip(nullptr);
   if (preparing) preparing = 0;
   else OrvPrint("OrvCanvas::end must call ::before before ::end \n");
 }
@@ -295,13 +295,13 @@ void OrvCanvas::bezier(const OrvMakeUp* makeUp, unsigned long count, const Orv2d
     if (matrix) matrix->apply(p[i]);
   }
   if (count < 3) {
-    polyLine(makeUp, count, p, filled, 0);
+    polyLine(makeUp, count, p, filled, nullptr);
     return;
   }
   unsigned n = 0;
   Orv2dPoint* curve =
       filled ? OrvCreateClosedBezier((unsigned)count, p, n) : OrvCreateOpenBezier((unsigned)count, p, n);
-  polyLine(makeUp, n, curve, filled, 0);
+  polyLine(makeUp, n, curve, filled, nullptr);
 }
 
 // ---------------------------------------------------------------- text
@@ -366,7 +366,7 @@ void OrvCanvas::string(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, const
 }
 
 char** OrvTextToLabels(const char* text, unsigned long& count) {
-  static char** labels = 0;
+  static char** labels = nullptr;
   static unsigned labelCapacity = 0;
   static unsigned used = 0;
   for (unsigned i = 0; i < used; i++) free(labels[i]);
@@ -443,9 +443,9 @@ void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
         mark = 0;
       }
     }
-    if (!wasPreparing) prepare(0);
+    if (!wasPreparing) prepare(nullptr);
     if (needClip) setClip(&newClip);
-    string(makeUp, Orv2dPoint(x, y), shown, length, position, (unsigned long)mark, 0);
+    string(makeUp, Orv2dPoint(x, y), shown, length, position, (unsigned long)mark, nullptr);
     if (needClip) setClip(&kept);
     if (!wasPreparing) end();
     return;
@@ -465,7 +465,7 @@ void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
   int x = r.x;
   if (position == OrvRight) x = r.x + (int)r.w;
   else if (position == OrvCenter) x = r.x + (int)widest / 2 + shift;
-  if (!wasPreparing) prepare(0);
+  if (!wasPreparing) prepare(nullptr);
   if (needClip) setClip(&newClip);
   int y = top - font->box.y;
   for (unsigned long i = 0; i < lines; i++) {
@@ -476,7 +476,7 @@ void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
       if (mark > 0) shown = font->mnemonicString(shown, 0);
       else mark = 0;
     }
-    string(makeUp, Orv2dPoint(x, y), shown, 0, position, (unsigned long)mark, 0);
+    string(makeUp, Orv2dPoint(x, y), shown, 0, position, (unsigned long)mark, nullptr);
     y += lineHeight;
   }
   if (needClip) setClip(&kept);
@@ -504,9 +504,9 @@ void OrvCanvas::clipBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
     if (newClip.bbox.w == 0 || newClip.bbox.h == 0) return;
   }
   int wasPreparing = preparing;
-  if (!wasPreparing) prepare(0);
+  if (!wasPreparing) prepare(nullptr);
   if (needClip) setClip(&newClip);
-  bitblit(makeUp, bitmap, Orv2dRect(0, 0, bitmap->width, bitmap->height), Orv2dPoint(x, y), mask, 0);
+  bitblit(makeUp, bitmap, Orv2dRect(0, 0, bitmap->width, bitmap->height), Orv2dPoint(x, y), mask, nullptr);
   if (needClip) setClip(&kept);
   if (!wasPreparing) end();
 }
@@ -562,10 +562,10 @@ void OrvCanvas::clipStringBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect,
     if (newClip.bbox.w == 0 || newClip.bbox.h == 0) return;
   }
   int wasPreparing = preparing;
-  if (!wasPreparing) prepare(0);
+  if (!wasPreparing) prepare(nullptr);
   if (needClip) setClip(&newClip);
-  clipBitmap(makeUp, bitmapRect, bitmap, OrvCenter, 1, 0);
-  clipString(makeUp, textRect, text, length, OrvCenter, mnemonic, 0);
+  clipBitmap(makeUp, bitmapRect, bitmap, OrvCenter, 1, nullptr);
+  clipString(makeUp, textRect, text, length, OrvCenter, mnemonic, nullptr);
   if (needClip) setClip(&kept);
   if (!wasPreparing) end();
 }
@@ -579,18 +579,18 @@ void OrvCanvas::reliefRectangle(const OrvMakeUp* frame, const OrvMakeUp* surface
   if (matrix) matrix->apply(r);
   int x = r.x, y = r.y, w = (int)r.w, h = (int)r.h, t = (int)thickness;
   if (t == 0 || 2 * t >= w || 2 * t >= h) {
-    rectangle(surface, r, 1, 0);
+    rectangle(surface, r, 1, nullptr);
   } else {
     Orv2dPoint upper[6] = {Orv2dPoint(x, y),         Orv2dPoint(x + w, y),         Orv2dPoint(x + w - t, y + t),
                            Orv2dPoint(x + t, y + t), Orv2dPoint(x + t, y + h - t), Orv2dPoint(x, y + h)};
-    polyLine(light, 6, upper, 1, 0);
+    polyLine(light, 6, upper, 1, nullptr);
     Orv2dPoint lower[6] = {Orv2dPoint(x + w - t, y + t), Orv2dPoint(x + w, y),
                            Orv2dPoint(x + w, y + h),     Orv2dPoint(x, y + h),
                            Orv2dPoint(x + t, y + h - t), Orv2dPoint(x + w - t, y + h - t)};
-    polyLine(dark, 6, lower, 1, 0);
-    rectangle(surface, Orv2dRect(x + t, y + t, (unsigned)(w - 2 * t), (unsigned)(h - 2 * t)), 1, 0);
+    polyLine(dark, 6, lower, 1, nullptr);
+    rectangle(surface, Orv2dRect(x + t, y + t, (unsigned)(w - 2 * t), (unsigned)(h - 2 * t)), 1, nullptr);
   }
-  if (drawFrame) rectangle(frame, r, 0, 0);
+  if (drawFrame) rectangle(frame, r, 0, nullptr);
 }
 
 void OrvCanvas::reliefDiamond(const OrvMakeUp* frame, const OrvMakeUp* surface, const OrvMakeUp* light,
@@ -602,17 +602,17 @@ void OrvCanvas::reliefDiamond(const OrvMakeUp* frame, const OrvMakeUp* surface, 
   int cx = x + w / 2, cy = y + h / 2;
   Orv2dPoint upper[6] = {Orv2dPoint(x, cy),         Orv2dPoint(cx, y),     Orv2dPoint(x + w, cy),
                          Orv2dPoint(x + w - t, cy), Orv2dPoint(cx, y + t), Orv2dPoint(x + t, cy)};
-  polyLine(light, 6, upper, 1, 0);
+  polyLine(light, 6, upper, 1, nullptr);
   Orv2dPoint lower[6] = {Orv2dPoint(x, cy),         Orv2dPoint(x + t, cy), Orv2dPoint(cx, y + h - t),
                          Orv2dPoint(x + w - t, cy), Orv2dPoint(x + w, cy), Orv2dPoint(cx, y + h)};
-  polyLine(dark, 6, lower, 1, 0);
+  polyLine(dark, 6, lower, 1, nullptr);
   Orv2dPoint inner[4] = {Orv2dPoint(x + t, cy), Orv2dPoint(cx, y + t), Orv2dPoint(x + w - t, cy),
                          Orv2dPoint(cx, y + h - t)};
-  polyLine(surface, 4, inner, 1, 0);
+  polyLine(surface, 4, inner, 1, nullptr);
   if (drawFrame) {
     // The lower-left edge stays undrawn.
     Orv2dPoint outline[4] = {Orv2dPoint(x, cy), Orv2dPoint(cx, y), Orv2dPoint(x + w, cy), Orv2dPoint(cx, y + h)};
-    polyLine(frame, 4, outline, 0, 0);
+    polyLine(frame, 4, outline, 0, nullptr);
   }
 }
 

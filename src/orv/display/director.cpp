@@ -6,12 +6,12 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <unistd.h>
 
-static OrvList* allDirectors = 0;
+static OrvList* allDirectors = nullptr;
 
 OrvList* OrvGetAllDirectors() { return allDirectors; }
 
@@ -22,19 +22,19 @@ int OrvWindowsVersion() { return 0; }
 const char* OrvGetSystem() { return "x11"; }
 
 static int listHas(const OrvList* l, const void* v) {
-  for (OrvLink* k = l ? l->first : 0; k; k = k->next)
+  for (OrvLink* k = l ? l->first : nullptr; k; k = k->next)
     if (k->value == v) return 1;
   return 0;
 }
 
 static void collectViews(const OrvHashTable* table, OrvList& out) {
   for (unsigned i = 0; i < table->size; i++)
-    for (OrvAListItem* it = table->buckets[i] ? table->buckets[i]->first : 0; it; it = it->next)
+    for (OrvAListItem* it = table->buckets[i] ? table->buckets[i]->first : nullptr; it; it = it->next)
       out.append(it->value);
 }
 
 static char* copyString(const char* s) {
-  if (!s) return 0;
+  if (!s) return nullptr;
   size_t n = strlen(s) + 1;
   char* c = (char*)malloc(n);
   memcpy(c, s, n);
@@ -45,18 +45,18 @@ static char* copyString(const char* s) {
 static void readDisplay(int, void* data) { ((const OrvDirector*)data)->readAndDispatchEvents(); }
 
 OrvDirector::OrvDirector(const char* name, const char* displayName, int argc, char** argv)
-    : display(0) {
+    : display(nullptr) {
   initSlots();
   ownsDisplay = 1;
   systemInit(name, displayName, argc, argv);
   closed = 0;
 }
 
-OrvDirector::OrvDirector(void* display, const char* name) : display(0) {
+OrvDirector::OrvDirector(void* display, const char* name) : display(nullptr) {
   initSlots();
   ownsDisplay = 0;
   this->display = display;
-  systemInit(name, 0, 0, 0);
+  systemInit(name, nullptr, 0, nullptr);
   closed = 0;
 }
 
@@ -69,30 +69,30 @@ void OrvDirector::initSlots() {
   theaters = new OrvList;
   workProcedures = new OrvList;
   views = new OrvHashTable(1000);
-  name = 0;
+  name = nullptr;
   ownsDisplay = 0;
   screenWidth = screenHeight = 0;
   depth = 0;
-  rootCanvas = 0;
+  rootCanvas = nullptr;
   path = copyString(".");
   connectionNumber = -1;
   doubleClickPeriod = 200;
   memset(&lastButtonEvent, 0, sizeof lastButtonEvent);
   lastButtonEvent.type = OrvIgnored;
   closed = 0;
-  grabbedViews = 0;
-  currentScene = 0;
+  grabbedViews = nullptr;
+  currentScene = nullptr;
   colormap = 0;
-  visual = 0;
-  database = 0;
-  language = 0;
-  rootContext = 0;
+  visual = nullptr;
+  database = nullptr;
+  language = nullptr;
+  rootContext = nullptr;
   doNotOptimize = 0;
 }
 
 void OrvDirector::systemInit(const char* name, const char* displayName, int, char**) {
   if (!display) {
-    display = XOpenDisplay(displayName && *displayName ? displayName : 0);
+    display = XOpenDisplay(displayName && *displayName ? displayName : nullptr);
     if (!display) {
       OrvError("## Orvis : Can't open display.\n##         (Check your DISPLAY variable)\n");
       // The process ends here on purpose; hand back what the slots took first.
@@ -104,9 +104,9 @@ void OrvDirector::systemInit(const char* name, const char* displayName, int, cha
       delete workProcedures;
       delete views;
       free(path);
-      timers = roles = theaters = workProcedures = 0;
-      views = 0;
-      path = 0;
+      timers = roles = theaters = workProcedures = nullptr;
+      views = nullptr;
+      path = nullptr;
       fflush(stdout);
       OrvExit(0);
     }
@@ -116,13 +116,13 @@ void OrvDirector::systemInit(const char* name, const char* displayName, int, cha
   if (!allDirectors) allDirectors = new OrvList;
   allDirectors->insert(this);
   connectionNumber = ConnectionNumber(dpy);
-  OrvRegisterInput(connectionNumber, readDisplay, this, 0);
+  OrvRegisterInput(connectionNumber, readDisplay, this, nullptr);
   XSetIOErrorHandler((XIOErrorHandler)OrvXIOError);
   XSetErrorHandler((XErrorHandler)OrvXError);
   screenWidth = DisplayWidth(dpy, DefaultScreen(dpy));
   screenHeight = DisplayHeight(dpy, DefaultScreen(dpy));
   unsigned long rootDrawable = initializeVisual();
-  rootCanvas = new OrvCanvas(this, screenWidth, screenHeight, 0);
+  rootCanvas = new OrvCanvas(this, screenWidth, screenHeight, nullptr);
   rootCanvas->depth = depth;
   rootCanvas->director = this;
   rootCanvas->drawable = rootDrawable;
@@ -171,7 +171,7 @@ unsigned long OrvDirector::initializeVisual() {
 void OrvDirector::init() {
   const char* env = getenv("ORVPATH");
   if (env) prependToPath(env);
-  const char* res = resource("OrvPath", 0);
+  const char* res = resource("OrvPath", nullptr);
   if (res) prependToPath(res);
   const char* home = getenv("ORVHOME");
   if (home) {
@@ -193,7 +193,7 @@ void OrvDirector::init() {
 OrvDirector::~OrvDirector() {
   if (display && !closed) close();
   free(path);
-  path = 0;
+  path = nullptr;
   delete timers;
   delete roles;
   delete theaters;
@@ -205,7 +205,7 @@ void OrvDirector::close() {
   closed = 1;
   Display* dpy = (Display*)display;
   // Timers stop before anything they might touch goes away.
-  for (OrvLink* l = timers ? timers->first : 0; l;) {
+  for (OrvLink* l = timers ? timers->first : nullptr; l;) {
     OrvLink* next = l->next;
     ((OrvTimer*)l->value)->suspend();
     l = next;
@@ -213,10 +213,10 @@ void OrvDirector::close() {
   for (OrvAListItem* i = depth1Contexts.first; i; i = i->next)
     if (i->value) XFreeGC(dpy, (GC)i->value);
   delete screenBufferBitmap;
-  screenBufferBitmap = 0;
+  screenBufferBitmap = nullptr;
   free(name);
-  name = 0;
-  currentScene = 0;
+  name = nullptr;
+  currentScene = nullptr;
   closeResources();
   if (rootCanvas) {
     if (rootCanvas->drawable == RootWindow(dpy, DefaultScreen(dpy))) {
@@ -225,13 +225,13 @@ void OrvDirector::close() {
     }
     if (colormap != DefaultColormap(dpy, DefaultScreen(dpy))) XFreeColormap(dpy, colormap);
     delete rootCanvas;
-    rootCanvas = 0;
+    rootCanvas = nullptr;
   }
   systemClose();
   delete grabbedViews;
-  grabbedViews = 0;
+  grabbedViews = nullptr;
   delete workProcedures;
-  workProcedures = 0;
+  workProcedures = nullptr;
 }
 
 void OrvDirector::systemClose() {
@@ -241,7 +241,7 @@ void OrvDirector::systemClose() {
   XSetCloseDownMode(dpy, DestroyAll);
   if (ownsDisplay) {
     XCloseDisplay(dpy);
-    display = 0;
+    display = nullptr;
   }
 }
 
@@ -270,7 +270,7 @@ void OrvDirector::closeRolesAndViews() {
       if (views->get((void*)v->window()) == v) delete v;
     }
     delete views;
-    views = 0;
+    views = nullptr;
   }
   if (theaters) {
     delete theaters;
@@ -323,10 +323,10 @@ void OrvDirector::prependToPath(const char* d) {
 }
 
 const char* OrvDirector::findInPath(const char* file) const {
-  static char* buffer = 0;
+  static char* buffer = nullptr;
   static size_t capacity = 0;
-  if (!file || !*file) return 0;
-  if (!path || file[0] == '/') return access(file, R_OK) == 0 ? file : 0;
+  if (!file || !*file) return nullptr;
+  if (!path || file[0] == '/') return access(file, R_OK) == 0 ? file : nullptr;
   size_t flen = strlen(file);
   const char* p = path;
   for (;;) {
@@ -345,19 +345,19 @@ const char* OrvDirector::findInPath(const char* file) const {
     buffer[elen] = '/';
     memcpy(buffer + elen + 1, file, flen + 1);
     if (access(buffer, R_OK) == 0) return buffer;
-    if (!colon) return 0;
+    if (!colon) return nullptr;
     p = colon + 1;
   }
 }
 
 OrvView* OrvDirector::view(const char* viewName) const {
-  if (!viewName || !views) return 0;
+  if (!viewName || !views) return nullptr;
   for (unsigned i = 0; i < views->size; i++)
-    for (OrvAListItem* it = views->buckets[i] ? views->buckets[i]->first : 0; it; it = it->next) {
+    for (OrvAListItem* it = views->buckets[i] ? views->buckets[i]->first : nullptr; it; it = it->next) {
       OrvView* v = (OrvView*)it->value;
       if (v->name && strcmp(v->name, viewName) == 0) return v;
     }
-  return 0;
+  return nullptr;
 }
 
 OrvView* OrvDirector::view(const Orv2dPoint& p) const {
@@ -375,7 +375,7 @@ OrvView* OrvDirector::view(const Orv2dPoint& p) const {
     y = cy;
     deepest = child;
   }
-  return deepest ? findView(deepest) : 0;
+  return deepest ? findView(deepest) : nullptr;
 }
 
 void OrvDirector::addView(OrvView* v) {
@@ -387,7 +387,7 @@ void OrvDirector::removeView(OrvView* v) {
 }
 
 OrvView* OrvDirector::findView(unsigned long window) const {
-  return views ? (OrvView*)views->get((void*)window) : 0;
+  return views ? (OrvView*)views->get((void*)window) : nullptr;
 }
 
 void OrvDirector::add(OrvBitmap* b) {
@@ -460,12 +460,12 @@ void OrvDirector::setClipboard(const char* text, int length) const {
 }
 
 char* OrvDirector::getClipboard(int& length) const {
-  static char* buffer = 0;
+  static char* buffer = nullptr;
   static int capacity = 0;
   int n = 0;
   char* bytes = XFetchBytes((Display*)display, &n);
   length = 0;
-  if (!bytes) return 0;
+  if (!bytes) return nullptr;
   if (n + 1 > capacity) {
     capacity = n + 1;
     buffer = (char*)realloc(buffer, capacity);
@@ -503,5 +503,5 @@ void OrvDirector::unGrab(OrvView* v) {
 int OrvDirector::isGrabbed(OrvView* v) const { return grabbedViews && listHas(grabbedViews, v) ? 1 : 0; }
 
 OrvView* OrvDirector::grabView() const {
-  return grabbedViews && grabbedViews->first ? (OrvView*)grabbedViews->first->value : 0;
+  return grabbedViews && grabbedViews->first ? (OrvView*)grabbedViews->first->value : nullptr;
 }

@@ -16,10 +16,10 @@ void OrvDirector::initContext() {
   XVisualInfo* vi = glXChooseVisual(dpy, DefaultScreen(dpy), const_cast<int*>(get3dRendererConfig()));
   if (!vi) {
     OrvPrint("OrvDirector::initContext : Can't find a visual.\n");
-    rootContext = 0;
+    rootContext = nullptr;
     return;
   }
-  rootContext = glXCreateContext(dpy, vi, 0, True);
+  rootContext = glXCreateContext(dpy, vi, nullptr, True);
   XFree(vi);
 }
 
@@ -29,6 +29,6 @@ void OrvDirector::closeContext() {
   // The marker lists live in the share group and go with its last context.
   markerLists = 0;
   glXDestroyContext(dpy, (GLXContext)rootContext);
-  glXMakeCurrent(dpy, None, 0);
-  rootContext = 0;
+  glXMakeCurrent(dpy, None, nullptr);
+  rootContext = nullptr;
 }

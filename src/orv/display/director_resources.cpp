@@ -1,7 +1,7 @@
 // The director's named resources and make-ups: start-up defaults, factories, shutdown.
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -19,23 +19,23 @@ void OrvDirector::initResourceSlots() {
   fonts = new OrvStringHashTable(1000);
   vfonts = new OrvStringHashTable(1000);
   makeUps = new OrvMakeUpHashTable(2000);
-  textures = 0;
+  textures = nullptr;
   bitmaps = new OrvList;
   cursors = new OrvList;
   patterns = new OrvList;
   lineStyles = new OrvList;
   environments = new OrvList;
-  defaultMakeUp = wideMakeUp = balloonMakeUp = 0;
-  defaultFont = 0;
-  defaultVectorialFont = 0;
-  defaultBackground = defaultForeground = 0;
-  solidPattern = 0;
-  defaultCursor = 0;
-  solidLineStyle = 0;
-  screenBufferBitmap = 0;
-  tmpMakeUpObject = 0;
-  tmpTextureObject = 0;
-  defaultEnvironment = 0;
+  defaultMakeUp = wideMakeUp = balloonMakeUp = nullptr;
+  defaultFont = nullptr;
+  defaultVectorialFont = nullptr;
+  defaultBackground = defaultForeground = nullptr;
+  solidPattern = nullptr;
+  defaultCursor = nullptr;
+  solidLineStyle = nullptr;
+  screenBufferBitmap = nullptr;
+  tmpMakeUpObject = nullptr;
+  tmpTextureObject = nullptr;
+  defaultEnvironment = nullptr;
   makeUpLookups = makeUpCreations = 0;
 }
 
@@ -45,23 +45,23 @@ void OrvDirector::initResources() {
   initPatterns();
   initLineStyles();
   initCursors();
-  defaultMakeUp = makeUp(0, 0, 0, 0, 0, 0, 0, OrvFillSolid, OrvArcPieSlice, OrvEvenOddRule, 0, 0, 1, OrvCullBack,
-                         OrvFaceFilled, OrvFaceFilled, 1, 2, 0);
+  defaultMakeUp = makeUp(nullptr, nullptr, nullptr, 0, nullptr, nullptr, nullptr, OrvFillSolid, OrvArcPieSlice, OrvEvenOddRule, nullptr, 0, 1, OrvCullBack,
+                         OrvFaceFilled, OrvFaceFilled, 1, 2, nullptr);
   OrvCount(defaultMakeUp);
   tmpMakeUpObject = new OrvTotalMakeUp(defaultMakeUp);
   wideMakeUp = makeUpLineWidth(defaultMakeUp, 4);
   OrvCount(wideMakeUp);
   wideMakeUp->internal(rootCanvas);
-  OrvMakeUp* balloon = makeUp(0, 0, 0, 0, 0, 0, 0, OrvFillSolid, OrvArcPieSlice, OrvEvenOddRule, 0, 0, 1,
-                              OrvCullBack, OrvFaceFilled, OrvFaceFilled, 1, 2, 0);
+  OrvMakeUp* balloon = makeUp(nullptr, nullptr, nullptr, 0, nullptr, nullptr, nullptr, OrvFillSolid, OrvArcPieSlice, OrvEvenOddRule, nullptr, 0, 1,
+                              OrvCullBack, OrvFaceFilled, OrvFaceFilled, 1, 2, nullptr);
   balloon = makeUpBackground(balloon, color("wheat"));
   balloonMakeUp = makeUpFont(balloon, font("%helvetica-10-"));
   OrvCount(balloonMakeUp);
 }
 
 void OrvDirector::initFonts() {
-  const char* candidates[3] = {resource("font", 0), "%courier-12-", "fixed"};
-  OrvRasterFont* f = 0;
+  const char* candidates[3] = {resource("font", nullptr), "%courier-12-", "fixed"};
+  OrvRasterFont* f = nullptr;
   for (const char* n : candidates) {
     if (n && (f = font(n))) break;
   }
@@ -83,8 +83,8 @@ void OrvDirector::initFonts() {
 }
 
 void OrvDirector::initColors() {
-  const char* background = resource("orvBackground", 0);
-  const char* foreground = resource("orvForeground", 0);
+  const char* background = resource("orvBackground", nullptr);
+  const char* foreground = resource("orvForeground", nullptr);
   if (!background) background = "grey";
   if (!foreground) foreground = "black";
   if (strcmp(background, foreground) == 0) {
@@ -102,7 +102,7 @@ void OrvDirector::initColors() {
       defaultBackground->index(rootCanvas) == defaultForeground->index(rootCanvas)) {
     OrvColor* b = defaultBackground;
     OrvColor* f = defaultForeground;
-    defaultBackground = defaultForeground = 0;
+    defaultBackground = defaultForeground = nullptr;
     OrvRelease(b);
     OrvRelease(f);
     defaultBackground = color("white");
@@ -246,7 +246,7 @@ void OrvDirector::closeResources() {
   closeRolesAndViews();
   // The scratch make-up holds no counts.
   delete tmpMakeUpObject;
-  tmpMakeUpObject = 0;
+  tmpMakeUpObject = nullptr;
   closeTimers();
   if (makeUps) {
     OrvList copy;
@@ -260,46 +260,46 @@ void OrvDirector::closeResources() {
       if (live) delete (OrvMakeUp*)l->value;
     }
     delete makeUps;
-    makeUps = 0;
+    makeUps = nullptr;
   }
-  defaultMakeUp = wideMakeUp = balloonMakeUp = 0;
+  defaultMakeUp = wideMakeUp = balloonMakeUp = nullptr;
   if (fonts) {
     OrvList copy;
     collect(fonts, copy);
     for (OrvLink* l = copy.first; l; l = l->next)
       if (tableHolds(fonts, l->value)) delete (OrvRasterFont*)l->value;
     delete fonts;
-    fonts = 0;
+    fonts = nullptr;
   }
-  defaultFont = 0;
+  defaultFont = nullptr;
   // Vectorial fonts are kept and released by their own family.
   delete vfonts;
-  vfonts = 0;
+  vfonts = nullptr;
   if (lineStyles) {
     deleteAll<OrvLineStyle>(lineStyles);
     delete lineStyles;
-    lineStyles = 0;
+    lineStyles = nullptr;
   }
-  solidLineStyle = 0;
+  solidLineStyle = nullptr;
   if (patterns) {
     deleteAll<OrvPattern>(patterns);
     delete patterns;
-    patterns = 0;
+    patterns = nullptr;
   }
-  solidPattern = 0;
+  solidPattern = nullptr;
   if (cursors) {
     deleteAll<OrvCursor>(cursors);
     delete cursors;
-    cursors = 0;
+    cursors = nullptr;
   }
-  defaultCursor = 0;
+  defaultCursor = nullptr;
   if (bitmaps) {
     OrvList copy;
     for (OrvLink* l = bitmaps->first; l; l = l->next) copy.append(l->value);
     for (OrvLink* l = copy.first; l; l = l->next)
       if (bitmaps->find(l->value)) delete (OrvBitmap*)l->value;
     delete bitmaps;
-    bitmaps = 0;
+    bitmaps = nullptr;
   }
   if (display) {
     for (OrvAListItem* i = depth8Contexts.first; i; i = i->next)
@@ -312,25 +312,25 @@ void OrvDirector::closeResources() {
     for (OrvLink* l = copy.first; l; l = l->next)
       if (tableHolds(colors, l->value)) delete (OrvColor*)l->value;
     delete colors;
-    colors = 0;
+    colors = nullptr;
   }
-  defaultBackground = defaultForeground = 0;
+  defaultBackground = defaultForeground = nullptr;
   // Images and environments belong to the 3D family, which releases them; only the lists go here.
   delete images;
-  images = 0;
+  images = nullptr;
   delete environments;
-  environments = 0;
+  environments = nullptr;
 }
 
 // ---------------------------------------------------------------- patterns, line styles, cursors
 
 OrvPattern* OrvDirector::pattern(const char* n) const {
-  if (!n || !patterns) return 0;
+  if (!n || !patterns) return nullptr;
   for (OrvLink* l = patterns->first; l; l = l->next) {
     OrvPattern* p = (OrvPattern*)l->value;
     if (p->name && strcmp(p->name, n) == 0) return p;
   }
-  return 0;
+  return nullptr;
 }
 
 OrvPattern* OrvDirector::pattern(const char* n, unsigned long width, unsigned long height,
@@ -357,14 +357,14 @@ OrvLineStyle* OrvDirector::lineStyle(const char* n) const {
 }
 
 OrvCursor* OrvDirector::cursor(const char* n) {
-  if (!n) return 0;
+  if (!n) return nullptr;
   for (OrvLink* l = cursors->first; l; l = l->next) {
     OrvCursor* c = (OrvCursor*)l->value;
     if (c->name && strcmp(c->name, n) == 0) return c;
   }
   OrvCursor* c = new OrvCursor(this, n);
   cursors->insert(c);
-  if (!c->internal(rootCanvas)) return 0;
+  if (!c->internal(rootCanvas)) return nullptr;
   return c;
 }
 
@@ -420,7 +420,7 @@ OrvMakeUp* OrvDirector::makeUp(OrvColor* background, OrvColor* foreground, OrvLi
   // The smallest class that holds the attributes.
   int has3d = v.vfont != defaultVectorialFont || v.distinguish != 0 || v.smooth != 1 || v.cull != OrvCullBack ||
               v.frontStyle != OrvFaceFilled || v.backStyle != OrvFaceFilled || v.markerType != 1 ||
-              v.markerScale != 2 || v.texture != 0;
+              v.markerScale != 2 || v.texture != nullptr;
   int has2d = v.font != defaultFont || v.colorPattern || v.fillStyle || v.arcMode || v.fillRule;
   if (has2d && has3d) m = new OrvTotalMakeUp(this, v);
   else if (has3d) m = new Orv3dMakeUp(this, v);
@@ -555,7 +555,7 @@ static unsigned long depthContext(OrvDirector* d, OrvAList& list, const OrvCanva
   Display* dpy = (Display*)d->display;
   Drawable on = key->drawable ? key->drawable : DefaultRootWindow(dpy);
   Pixmap p = XCreatePixmap(dpy, on, 1, 1, depth);
-  GC gc = XCreateGC(dpy, p, 0, 0);
+  GC gc = XCreateGC(dpy, p, 0, nullptr);
   XFreePixmap(dpy, p);
   list.append(key, gc);
   return (unsigned long)gc;
@@ -580,12 +580,12 @@ OrvBitmap* OrvDirector::screenBuffer(unsigned long width, unsigned long height) 
 // ---------------------------------------------------------------- bitmaps by name and from files
 
 OrvBitmap* OrvDirector::bitmap(const char* n) const {
-  if (!n || !bitmaps) return 0;
+  if (!n || !bitmaps) return nullptr;
   for (OrvLink* l = bitmaps->first; l; l = l->next) {
     OrvBitmap* b = (OrvBitmap*)l->value;
     if (b->name && strcmp(b->name, n) == 0) return b;
   }
-  return 0;
+  return nullptr;
 }
 
 static void nameBitmap(OrvBitmap* b, const char* n) {
@@ -596,23 +596,23 @@ static void nameBitmap(OrvBitmap* b, const char* n) {
 
 OrvBitmap* OrvDirector::readAsciiBitmap(const OrvCanvas* canvas, const char* file) {
   const char* path = findInPath(file);
-  if (!path) return 0;
+  if (!path) return nullptr;
   FILE* f = fopen(path, "r");
-  if (!f) return 0;
+  if (!f) return nullptr;
   char line[256], word[256];
   int width = 0, height = 0;
   for (int i = 0; i < 2; i++) {
     int value = 0;
     if (!fgets(line, sizeof line, f) || sscanf(line, "#define %255s %d", word, &value) != 2) {
       fclose(f);
-      return 0;
+      return nullptr;
     }
     if (i == 0) width = value;
     else height = value;
   }
   if (width <= 0 || height <= 0) {
     fclose(f);
-    return 0;
+    return nullptr;
   }
   int c;
   while ((c = fgetc(f)) == ' ' || c == '\t' || c == '\n' || c == '\r') {
@@ -620,14 +620,14 @@ OrvBitmap* OrvDirector::readAsciiBitmap(const OrvCanvas* canvas, const char* fil
   if (c != EOF) ungetc(c, f);
   if (!fgets(line, sizeof line, f)) {
     fclose(f);
-    return 0;
+    return nullptr;
   }
   unsigned rowBytes = ((unsigned)width + 7) >> 3;
   unsigned long size = (unsigned long)rowBytes * height;
   unsigned char* data = (unsigned char*)calloc(size, 1);
   for (unsigned long i = 0; i < size; i++) {
     if (fscanf(f, "%255s", word) != 1) break;
-    data[i] = (unsigned char)strtol(word, 0, 16);
+    data[i] = (unsigned char)strtol(word, nullptr, 16);
   }
   fclose(f);
   OrvBitmap* b = new OrvBitmap(canvas ? canvas : rootCanvas, width, height, 1);

@@ -6,8 +6,8 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <stdio.h>
-#include <string.h>
+#include <cstdio>
+#include <cstring>
 
 int orv_compress_drag_events = 1;
 static unsigned long fastSkipMotion = 1;
@@ -43,7 +43,7 @@ static unsigned short mapButton(unsigned int b) {
 
 // The codes of the keys that give no text, by their X names.
 static OrvStringHashTable* functionKeys() {
-  static OrvStringHashTable* table = 0;
+  static OrvStringHashTable* table = nullptr;
   if (table) return table;
   table = new OrvStringHashTable(1000);
   static char fnames[20][4];
@@ -75,7 +75,7 @@ static void parseKey(XKeyEvent* k, OrvEvent& event) {
   event.modifiers = OrvMapModifiers(k->state);
   char buffer[100];
   KeySym sym = 0;
-  int n = XLookupString(k, buffer, sizeof buffer, &sym, 0);
+  int n = XLookupString(k, buffer, sizeof buffer, &sym, nullptr);
   if (n > 0) {
     unsigned char c = (unsigned char)buffer[0];
     event.key = c;
@@ -86,7 +86,7 @@ static void parseKey(XKeyEvent* k, OrvEvent& event) {
     return;
   }
   const char* symName = XKeysymToString(sym);
-  void* code = symName ? functionKeys()->get(symName) : 0;
+  void* code = symName ? functionKeys()->get(symName) : nullptr;
   event.key = code ? (unsigned short)(long)code : (unsigned short)(sym & 0xFFFF);
 }
 
@@ -251,8 +251,8 @@ int OrvDirector::hasEvents() const { return XPending((Display*)display); }
 int OrvDispatchEvent(void* xevent) {
   XEvent* x = (XEvent*)xevent;
   OrvList* all = OrvGetAllDirectors();
-  const OrvDirector* found = 0;
-  for (OrvLink* l = all ? all->first : 0; l; l = l->next)
+  const OrvDirector* found = nullptr;
+  for (OrvLink* l = all ? all->first : nullptr; l; l = l->next)
     if (((OrvDirector*)l->value)->display == (void*)x->xany.display) found = (OrvDirector*)l->value;
   if (!found) return 1;
   return OrvInstanceDispatchEvent(found, xevent);

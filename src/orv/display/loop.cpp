@@ -4,9 +4,9 @@
 #include "orv/director.h"
 
 #include <X11/Xlib.h>
-#include <errno.h>
-#include <stdio.h>
-#include <string.h>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <sys/select.h>
 #include <sys/time.h>
 
@@ -21,9 +21,9 @@ struct InputEntry {
   void (*onClose)(int, void*);
 };
 
-InputEntry* inputTable = 0;
+InputEntry* inputTable = nullptr;
 fd_set inputSet;
-OrvList* runningTimers = 0;  // of OrvTimerRecord*
+OrvList* runningTimers = nullptr;  // of OrvTimerRecord*
 
 void ensureTables() {
   if (!inputTable) {
@@ -43,7 +43,7 @@ int countRunning() {
 
 void fireDueTimers() {
   struct timeval now;
-  gettimeofday(&now, 0);
+  gettimeofday(&now, nullptr);
   for (OrvLink* l = runningTimers->first; l;) {
     OrvLink* next = l->next;
     OrvTimerRecord* r = (OrvTimerRecord*)l->value;
@@ -70,7 +70,7 @@ void waitStep(int wait) {
     OrvLink* next = l->next;
     OrvDirector* d = (OrvDirector*)l->value;
     if (wait && XPending((Display*)d->display)) d->readAndDispatchEvents();
-    for (OrvLink* w = d->workProcedures ? d->workProcedures->first : 0; w;) {
+    for (OrvLink* w = d->workProcedures ? d->workProcedures->first : nullptr; w;) {
       OrvLink* wnext = w->next;
       OrvWorkProcedure* proc = (OrvWorkProcedure*)w->value;
       if (proc->enabled && proc->doWork(d)) busy = 1;
@@ -83,14 +83,14 @@ void waitStep(int wait) {
   int n = 0;
   if (wait) {
     struct timeval tv = {0, 0};
-    struct timeval* timeout = 0;
+    struct timeval* timeout = nullptr;
     if (busy)
       timeout = &tv;
     else if (running) {
       tv.tv_usec = 1000;
       timeout = &tv;
     }
-    n = select(kInputSlots, &set, 0, 0, timeout);
+    n = select(kInputSlots, &set, nullptr, nullptr, timeout);
   }
   int selectErrno = errno;
   if (running) fireDueTimers();
@@ -111,7 +111,7 @@ void waitStep(int wait) {
     FD_ZERO(&one);
     FD_SET(fd, &one);
     struct timeval zero = {0, 0};
-    if (select(kInputSlots, &one, 0, 0, &zero) == -1 && errno == EBADF) {
+    if (select(kInputSlots, &one, nullptr, nullptr, &zero) == -1 && errno == EBADF) {
       if (inputTable[fd].onClose) inputTable[fd].onClose(fd, inputTable[fd].data);
       OrvUnRegisterInput(fd);
     }
@@ -135,10 +135,10 @@ int OrvDispatchToDirector() { return OrvDispatchToTimers(); }
 
 void OrvDispatchToWorkProcs() {
   OrvList* directors = OrvGetAllDirectors();
-  for (OrvLink* l = directors ? directors->first : 0; l;) {
+  for (OrvLink* l = directors ? directors->first : nullptr; l;) {
     OrvLink* next = l->next;
     OrvDirector* d = (OrvDirector*)l->value;
-    for (OrvLink* w = d->workProcedures ? d->workProcedures->first : 0; w;) {
+    for (OrvLink* w = d->workProcedures ? d->workProcedures->first : nullptr; w;) {
       OrvLink* wnext = w->next;
       OrvWorkProcedure* proc = (OrvWorkProcedure*)w->value;
       if (proc->enabled) proc->doWork(d);
@@ -173,12 +173,12 @@ void OrvUSleep(unsigned long microseconds) {
   struct timeval tv;
   tv.tv_sec = microseconds / 1000000;
   tv.tv_usec = microseconds % 1000000;
-  select(1, &set, 0, 0, &tv);
+  select(1, &set, nullptr, nullptr, &tv);
 }
 
 unsigned int OrvGetTime() {
   struct timeval tv;
-  gettimeofday(&tv, 0);
+  gettimeofday(&tv, nullptr);
   unsigned int us = (unsigned int)tv.tv_sec * 1000000u + (unsigned int)tv.tv_usec;
   return us / 1000;
 }
@@ -186,14 +186,14 @@ unsigned int OrvGetTime() {
 // ----- timers -------------------------------------------------------------
 
 OrvTimer::OrvTimer(OrvDirector* d, int seconds, int milliseconds)
-    : director(d), record(0), period((unsigned long)(seconds * 1000 + milliseconds)), oneShot(1) {
+    : director(d), record(nullptr), period((unsigned long)(seconds * 1000 + milliseconds)), oneShot(1) {
   if (director) director->add(this);
 }
 
 OrvTimer::~OrvTimer() {
   suspend();
   delete record;
-  record = 0;
+  record = nullptr;
   if (director) director->remove(this);
 }
 
@@ -204,7 +204,7 @@ void OrvTimer::run(int seconds, int milliseconds) {
     return;
   }
   struct timeval now;
-  gettimeofday(&now, 0);
+  gettimeofday(&now, nullptr);
   ensureTables();
   if (!record) {
     record = new OrvTimerRecord;

@@ -1,5 +1,5 @@
 // Make-ups: attribute bundles, their graphic contexts, and the table that shares equal ones.
-#include <stdint.h>
+#include <cstdint>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -56,9 +56,9 @@ void OrvMakeUp::releaseResources() {
   OrvColor* fg = foreground_;
   OrvLineStyle* ls = lineStyle_;
   OrvPattern* p = pattern_;
-  background_ = foreground_ = 0;
-  lineStyle_ = 0;
-  pattern_ = 0;
+  background_ = foreground_ = nullptr;
+  lineStyle_ = nullptr;
+  pattern_ = nullptr;
   if (!holdsCounts) return;
   OrvRelease(bg);
   OrvRelease(fg);
@@ -67,7 +67,7 @@ void OrvMakeUp::releaseResources() {
 }
 
 OrvMakeUp::~OrvMakeUp() {
-  Display* dpy = director ? (Display*)director->display : 0;
+  Display* dpy = director ? (Display*)director->display : nullptr;
   for (OrvAListItem* i = internals.first; i; i = i->next)
     if (dpy && i->value) XFreeGC(dpy, (GC)i->value);
   releaseResources();
@@ -126,8 +126,8 @@ OrvLineStyle* OrvMakeUp::lineStyle() const { return lineStyle_; }
 unsigned short OrvMakeUp::lineWidth() const { return lineWidth_; }
 OrvPattern* OrvMakeUp::pattern() const { return pattern_; }
 // The defaults of the other family, so that any make-up answers every question.
-OrvRasterFont* OrvMakeUp::font() const { return director ? director->defaultFont : 0; }
-OrvBitmap* OrvMakeUp::colorPattern() const { return 0; }
+OrvRasterFont* OrvMakeUp::font() const { return director ? director->defaultFont : nullptr; }
+OrvBitmap* OrvMakeUp::colorPattern() const { return nullptr; }
 OrvFillStyle OrvMakeUp::fillStyle() const { return OrvFillSolid; }
 OrvArcMode OrvMakeUp::arcMode() const { return OrvArcPieSlice; }
 OrvFillRule OrvMakeUp::fillRule() const { return OrvEvenOddRule; }
@@ -138,8 +138,8 @@ OrvFaceStyle OrvMakeUp::frontStyle() const { return OrvFaceFilled; }
 OrvFaceStyle OrvMakeUp::backStyle() const { return OrvFaceFilled; }
 OrvMarkerType OrvMakeUp::markerType() const { return 1; }
 unsigned short OrvMakeUp::markerScale() const { return 2; }
-OrvTexture* OrvMakeUp::texture() const { return 0; }
-OrvVectorialFont* OrvMakeUp::vfont() const { return director ? director->defaultVectorialFont : 0; }
+OrvTexture* OrvMakeUp::texture() const { return nullptr; }
+OrvVectorialFont* OrvMakeUp::vfont() const { return director ? director->defaultVectorialFont : nullptr; }
 
 void OrvMakeUp::values(OrvMakeUpValues& v) const {
   v.background = background();
@@ -165,7 +165,7 @@ void OrvMakeUp::values(OrvMakeUpValues& v) const {
 
 void OrvMakeUp::setMode(OrvDrawMode m) {
   mode = m;
-  Display* dpy = director ? (Display*)director->display : 0;
+  Display* dpy = director ? (Display*)director->display : nullptr;
   if (!dpy) return;
   for (OrvAListItem* i = internals.first; i; i = i->next) {
     const OrvCanvas* canvas = (const OrvCanvas*)i->key;
@@ -179,7 +179,7 @@ void OrvMakeUp::setMode(OrvDrawMode m) {
 
 void OrvMakeUp::setOverwrite(unsigned long flag) {
   overwrite = flag;
-  Display* dpy = director ? (Display*)director->display : 0;
+  Display* dpy = director ? (Display*)director->display : nullptr;
   if (!dpy) return;
   for (OrvAListItem* i = internals.first; i; i = i->next)
     XSetSubwindowMode(dpy, (GC)i->value, flag ? IncludeInferiors : ClipByChildren);
@@ -187,7 +187,7 @@ void OrvMakeUp::setOverwrite(unsigned long flag) {
 
 void OrvMakeUp::setPlaneMask(unsigned m) {
   planeMask = m;
-  Display* dpy = director ? (Display*)director->display : 0;
+  Display* dpy = director ? (Display*)director->display : nullptr;
   if (!dpy) return;
   for (OrvAListItem* i = internals.first; i; i = i->next) XSetPlaneMask(dpy, (GC)i->value, m);
 }
@@ -229,8 +229,8 @@ Orv2dMakeUp::~Orv2dMakeUp() {
     OrvRelease(font_);
     if (colorPattern_) colorPattern_->unLock();
   }
-  font_ = 0;
-  colorPattern_ = 0;
+  font_ = nullptr;
+  colorPattern_ = nullptr;
 }
 
 OrvRasterFont* Orv2dMakeUp::font() const { return font_; }
@@ -273,8 +273,8 @@ Orv3dMakeUp::~Orv3dMakeUp() {
     OrvRelease(asResource(vfont_));
     OrvRelease(asResource(texture_));
   }
-  vfont_ = 0;
-  texture_ = 0;
+  vfont_ = nullptr;
+  texture_ = nullptr;
 }
 
 unsigned long Orv3dMakeUp::smooth() const { return smooth_; }
@@ -335,10 +335,10 @@ OrvTotalMakeUp::~OrvTotalMakeUp() {
     OrvRelease(asResource(vfont_));
     OrvRelease(asResource(texture_));
   }
-  font_ = 0;
-  colorPattern_ = 0;
-  vfont_ = 0;
-  texture_ = 0;
+  font_ = nullptr;
+  colorPattern_ = nullptr;
+  vfont_ = nullptr;
+  texture_ = nullptr;
 }
 
 void OrvTotalMakeUp::assign(const OrvMakeUpValues& v) {
@@ -380,9 +380,9 @@ OrvVectorialFont* OrvTotalMakeUp::vfont() const { return vfont_; }
 
 // ---------------------------------------------------------------- OrvMakeUpHashTable
 
-OrvMakeUpHashTable::OrvMakeUpHashTable(unsigned long n) : size(n ? n : 1), count(0), buckets(0) {
+OrvMakeUpHashTable::OrvMakeUpHashTable(unsigned long n) : size(n ? n : 1), count(0), buckets(nullptr) {
   buckets = new OrvList*[size];
-  for (unsigned long i = 0; i < size; i++) buckets[i] = 0;
+  for (unsigned long i = 0; i < size; i++) buckets[i] = nullptr;
 }
 
 OrvMakeUpHashTable::~OrvMakeUpHashTable() {
@@ -424,10 +424,10 @@ int OrvMakeUpHashTable::match(const OrvMakeUp* m, const OrvMakeUpValues& v) {
 
 OrvMakeUp* OrvMakeUpHashTable::get(const OrvMakeUpValues& v) const {
   OrvList* bucket = buckets[makeKey(v) % size];
-  if (!bucket) return 0;
+  if (!bucket) return nullptr;
   for (OrvLink* l = bucket->first; l; l = l->next)
     if (match((OrvMakeUp*)l->value, v)) return (OrvMakeUp*)l->value;
-  return 0;
+  return nullptr;
 }
 
 void OrvMakeUpHashTable::put(OrvMakeUp* m) {
@@ -452,7 +452,7 @@ int OrvMakeUpHashTable::remove(OrvMakeUp* m) {
 void OrvMakeUpHashTable::empty() {
   for (unsigned long i = 0; i < size; i++) {
     delete buckets[i];
-    buckets[i] = 0;
+    buckets[i] = nullptr;
   }
   count = 0;
 }

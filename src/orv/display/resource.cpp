@@ -1,7 +1,7 @@
 // The resource base and the small resources: colours, patterns, line styles, cursors.
-#include <math.h>
-#include <stdio.h>
-#include <string.h>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -12,7 +12,7 @@
 #include <X11/cursorfont.h>
 
 static char* copyString(const char* s) {
-  if (!s) return 0;
+  if (!s) return nullptr;
   size_t n = strlen(s) + 1;
   char* c = new char[n];
   memcpy(c, s, n);
@@ -32,7 +32,7 @@ void OrvResource::setName(const char* n) {
 OrvResource::~OrvResource() { delete[] name; }
 
 const OrvCanvas* OrvResource::internalKey(const OrvCanvas* canvas) const {
-  return canvas ? canvas->resourceCanvas() : 0;
+  return canvas ? canvas->resourceCanvas() : nullptr;
 }
 
 int OrvResource::hasInternal(const OrvCanvas* key) const {
@@ -66,7 +66,7 @@ OrvColor::OrvColor(OrvDirector* d, float r, float g, float b, unsigned long f)
 }
 
 OrvColor::~OrvColor() {
-  Display* display = director ? (Display*)director->display : 0;
+  Display* display = director ? (Display*)director->display : nullptr;
   for (OrvAListItem* i = internals.first; i; i = i->next) {
     const OrvCanvas* canvas = (const OrvCanvas*)i->key;
     unsigned long pixel = (unsigned long)i->value;
@@ -112,7 +112,7 @@ float OrvColor::transparency() const { return 1.0f; }
 // ---------------------------------------------------------------- OrvPattern
 
 OrvPattern::OrvPattern(OrvCanvas* canvas, unsigned long w, unsigned long h, const unsigned char* bytes)
-    : OrvResource(canvas ? canvas->director : 0), data(0), depth(1), width(w), height(h) {
+    : OrvResource(canvas ? canvas->director : nullptr), data(nullptr), depth(1), width(w), height(h) {
   unsigned long n = w * h;
   data = new unsigned char[n ? n : 1];
   if (bytes) memcpy(data, bytes, n);
@@ -148,7 +148,7 @@ void OrvPattern::remove(const OrvCanvas* canvas) {
 
 OrvLineStyle::OrvLineStyle(OrvDirector* d, unsigned short n, const unsigned char* d8, unsigned short off,
                            unsigned short p)
-    : OrvResource(d), offset(off), dashCount(n), dashes(0), pattern(p) {
+    : OrvResource(d), offset(off), dashCount(n), dashes(nullptr), pattern(p) {
   if (n) {
     dashes = new unsigned char[n];
     memcpy(dashes, d8, n);
@@ -173,7 +173,7 @@ void OrvLineStyle::remove(const OrvCanvas* canvas) { internals.remove(canvas); }
 OrvCursor::OrvCursor(OrvDirector* d, const char* n) : OrvResource(d, n) {}
 
 OrvCursor::~OrvCursor() {
-  Display* display = director ? (Display*)director->display : 0;
+  Display* display = director ? (Display*)director->display : nullptr;
   for (OrvAListItem* i = internals.first; i; i = i->next)
     if (display && i->value) XFreeCursor(display, (Cursor)i->value);
   if (director && director->cursors) director->cursors->remove(this);

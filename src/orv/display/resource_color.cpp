@@ -1,7 +1,7 @@
 // The director's colours: by name, by value, by HSV or HLS, with aliases and nearest match.
-#include <math.h>
-#include <stdio.h>
-#include <string.h>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -162,7 +162,7 @@ void OrvDirector::remove(OrvColor* c) {
 
 OrvColor* OrvDirector::nearestColor(unsigned short r, unsigned short g, unsigned short b,
                                     unsigned* distance) const {
-  OrvColor* best = 0;
+  OrvColor* best = nullptr;
   unsigned bestDistance = 0;
   for (unsigned i = 0; i < colors->size; i++) {
     if (!colors->buckets[i]) continue;

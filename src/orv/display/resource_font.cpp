@@ -1,7 +1,7 @@
 // Raster fonts: X font sets found by a short name ("%helvetica-10-B") or an X name.
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -11,7 +11,7 @@
 #include <X11/Xlib.h>
 
 static char* copyString(const char* s) {
-  if (!s) return 0;
+  if (!s) return nullptr;
   size_t n = strlen(s) + 1;
   char* c = new char[n];
   memcpy(c, s, n);
@@ -20,7 +20,7 @@ static char* copyString(const char* s) {
 
 // A static text buffer that grows as needed and lives until the next call of its user.
 struct OrvTextBuffer {
-  char* text = 0;
+  char* text = nullptr;
   size_t size = 0;
   char* reserve(size_t n) {
     if (n > size) {
@@ -54,12 +54,12 @@ const char* OrvFontKey(const char* family, unsigned short size, OrvFontStyle sty
 
 OrvRasterFont::OrvRasterFont(OrvDirector* d, const char* family, unsigned short s, OrvFontStyle st,
                              const char* foundry)
-    : OrvResource(d), size(s), style(st), systemName(0) {
+    : OrvResource(d), size(s), style(st), systemName(nullptr) {
   setName((st & OrvFontSystem) ? family : OrvFontKey(family, s, st, foundry));
 }
 
 OrvRasterFont::~OrvRasterFont() {
-  Display* display = director ? (Display*)director->display : 0;
+  Display* display = director ? (Display*)director->display : nullptr;
   for (OrvAListItem* i = internals.first; i; i = i->next)
     if (display && i->value) XFreeFontSet(display, (XFontSet)i->value);
   if (director && director->fonts && name && director->fonts->get(name) == this) director->fonts->remove(name);
@@ -81,7 +81,7 @@ void OrvRasterFont::remove(const OrvCanvas* canvas) {
 }
 
 const char* OrvRasterFont::family() const {
-  if ((style & OrvFontSystem) || !name) return 0;
+  if ((style & OrvFontSystem) || !name) return nullptr;
   if (name[0] != '%') return name;
   static OrvTextBuffer buffer;
   const char* dash = strchr(name + 1, '-');
@@ -93,11 +93,11 @@ const char* OrvRasterFont::family() const {
 }
 
 const char* OrvRasterFont::foundary() const {
-  if ((style & OrvFontSystem) || !name) return 0;
+  if ((style & OrvFontSystem) || !name) return nullptr;
   const char* p = name;
   for (int i = 0; i < 3; i++) {
     p = strchr(p, '-');
-    if (!p) return 0;
+    if (!p) return nullptr;
     p++;
   }
   return p;
@@ -153,7 +153,7 @@ Orv2dRect OrvRasterFont::bbox(const unsigned short* text, int length, unsigned l
   if (length < 1)
     for (length = 0; text[length]; length++) {
     }
-  static wchar_t* wide = 0;
+  static wchar_t* wide = nullptr;
   static int wideSize = 0;
   if (length + 1 > wideSize) {
     int s = wideSize ? wideSize : 64;
@@ -184,12 +184,12 @@ Orv2dRect OrvRasterFont::bbox(const unsigned short* text, int length, unsigned l
 
 int OrvCanvas::makeFont(OrvRasterFont* font, const char* n) {
   const char* load = font->systemName ? font->systemName : n;
-  char** missing = 0;
+  char** missing = nullptr;
   int missingCount = 0;
-  char* def = 0;
+  char* def = nullptr;
   // Xlib's font set code frees memory it does not own when the list of base
   // names is empty, so an empty name is refused before it reaches X.
-  XFontSet fs = 0;
+  XFontSet fs = nullptr;
   if (load && *load) {
     fs = XCreateFontSet((Display*)director->display, load, &missing, &missingCount, &def);
     if (missing) XFreeStringList(missing);
@@ -217,7 +217,7 @@ int OrvDirector::addFont(OrvRasterFont* f, const char* loadName) {
 }
 
 OrvRasterFont* OrvDirector::font(const char* n) {
-  if (!n) return 0;
+  if (!n) return nullptr;
   OrvRasterFont* f = (OrvRasterFont*)fonts->get(n);
   if (f) return f;
   if (n[0] != '%') return systemFont(n);
@@ -225,19 +225,19 @@ OrvRasterFont* OrvDirector::font(const char* n) {
   // "%family-size-styleletters[-foundry]"
   const char* p = n + 1;
   const char* dash = strchr(p, '-');
-  if (!dash) return 0;
+  if (!dash) return nullptr;
   size_t familyLength = (size_t)(dash - p);
   char* family = new char[familyLength + 1];
   for (size_t i = 0; i < familyLength; i++) family[i] = p[i] == '*' ? ' ' : p[i];
   family[familyLength] = 0;
   p = dash + 1;
-  long size = strtol(p, 0, 10);
+  long size = strtol(p, nullptr, 10);
   if (size < 1 || size > 200) {
     delete[] family;
-    return 0;
+    return nullptr;
   }
   OrvFontStyle style = 0;
-  const char* foundry = 0;
+  const char* foundry = nullptr;
   dash = strchr(p, '-');
   if (dash) {
     for (p = dash + 1; *p && *p != '-'; p++) {
@@ -256,7 +256,7 @@ OrvRasterFont* OrvDirector::systemFont(const char* n) {
   if (!n) return defaultFont;
   OrvRasterFont* f = (OrvRasterFont*)fonts->get(n);
   if (f) return f;
-  f = new OrvRasterFont(this, n, 0, OrvFontSystem, 0);
+  f = new OrvRasterFont(this, n, 0, OrvFontSystem, nullptr);
   if (!addFont(f)) {
     fonts->remove(f->name);
     delete f;
@@ -272,7 +272,7 @@ OrvRasterFont* OrvDirector::font(const char* family, unsigned short size, OrvFon
     OrvRasterFont* f = font(family, size, r, style, foundry);
     if (f) return f;
   }
-  return 0;
+  return nullptr;
 }
 
 OrvRasterFont* OrvDirector::font(const char* family, unsigned short size, const char* resolution,
@@ -323,7 +323,7 @@ OrvRasterFont* OrvDirector::font(const char* family, unsigned short size, const 
 static int compareSizes(const void* a, const void* b) { return *(const int*)a - *(const int*)b; }
 
 const int* OrvDirector::fontSizes(const char* family, OrvFontStyle style, int& count, const char* foundry) const {
-  static int* sizes = 0;
+  static int* sizes = nullptr;
   static int capacity = 0;
   count = 0;
   if (!family) return sizes;
@@ -349,7 +349,7 @@ const int* OrvDirector::fontSizes(const char* family, OrvFontStyle style, int& c
       p++;
     }
     if (dashes < 7) continue;
-    char* end = 0;
+    char* end = nullptr;
     long s = strtol(p, &end, 10);
     if (end == p || *p == '0') continue;
     int known = 0;

@@ -8,9 +8,9 @@
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 // Shared by 2D and 3D views, so names stay unique in the process.
 static int viewCounter = 0;
@@ -23,7 +23,7 @@ static Display* dpyOf(const OrvView* v) { return (Display*)v->director->display;
 
 OrvView::OrvView(OrvDirector* d, const Orv2dRect& rect, const char* title, unsigned style,
                  unsigned long visible)
-    : OrvCanvas(d, rect.w, rect.h, 0) {
+    : OrvCanvas(d, rect.w, rect.h, nullptr) {
   initFields(d, rect, style, visible);
   if (style & OrvViewGL)
     init3d(title, 0);
@@ -32,26 +32,26 @@ OrvView::OrvView(OrvDirector* d, const Orv2dRect& rect, const char* title, unsig
 }
 
 OrvView::OrvView(OrvView* parentView, const Orv2dRect& rect, unsigned style, unsigned long visible)
-    : OrvCanvas(parentView->director, rect.w, rect.h, 0) {
+    : OrvCanvas(parentView->director, rect.w, rect.h, nullptr) {
   initFields(parentView->director, rect, style, visible);
   parent = parentView;
   if (style & OrvViewGL)
-    init3d(0, parentView->window());
+    init3d(nullptr, parentView->window());
   else
-    init2d(0, parentView->window());
+    init2d(nullptr, parentView->window());
 }
 
 OrvView::OrvView(OrvDirector* d, void* parentWindow, const Orv2dRect& rect, unsigned style,
                  unsigned long visible)
-    : OrvCanvas(d, rect.w, rect.h, 0) {
+    : OrvCanvas(d, rect.w, rect.h, nullptr) {
   initFields(d, rect, style, visible);
   if (style & OrvViewGL)
-    init3d(0, (unsigned long)parentWindow);
+    init3d(nullptr, (unsigned long)parentWindow);
   else
-    init2d(0, (unsigned long)parentWindow);
+    init2d(nullptr, (unsigned long)parentWindow);
 }
 
-OrvView::OrvView(OrvDirector* d, void* window) : OrvCanvas(d, 1, 1, 0) {
+OrvView::OrvView(OrvDirector* d, void* window) : OrvCanvas(d, 1, 1, nullptr) {
   Display* dpy = (Display*)d->display;
   Window root;
   int gx = 0, gy = 0;
@@ -69,7 +69,7 @@ OrvView::OrvView(OrvDirector* d, void* window) : OrvCanvas(d, 1, 1, 0) {
 
 void OrvView::initFields(OrvDirector* d, const Orv2dRect& rect, unsigned st, unsigned long vis) {
   director = d;
-  parent = 0;
+  parent = nullptr;
   x = rect.x;
   y = rect.y;
   width = rect.w ? rect.w : 1;
@@ -77,17 +77,17 @@ void OrvView::initFields(OrvDirector* d, const Orv2dRect& rect, unsigned st, uns
   style = st;
   mapFlag = 1;
   visible = vis ? 1 : 0;
-  cursor = 0;
-  background = 0;
-  bitmap = 0;
-  backgroundMakeUp = 0;
-  ghostMakeUp = 0;
+  cursor = nullptr;
+  background = nullptr;
+  bitmap = nullptr;
+  backgroundMakeUp = nullptr;
+  ghostMakeUp = nullptr;
   ownsWindow = 1;
   reserved = 0;
-  iconBitmapField = 0;
-  iconMask = 0;
+  iconBitmapField = nullptr;
+  iconMask = nullptr;
   grabbed = 0;
-  glContext = 0;
+  glContext = nullptr;
   sensitive = 1;
 }
 
@@ -163,7 +163,7 @@ void OrvView::finishWindow(const char* title, unsigned long parentWindow) {
     XClassHint classHint;
     classHint.res_name = (char*)t;
     classHint.res_class = (char*)t;
-    XSetWMProperties(dpy, w, &text, &text, 0, 0, &sizeHints, &wmHints, &classHint);
+    XSetWMProperties(dpy, w, &text, &text, nullptr, 0, &sizeHints, &wmHints, &classHint);
     if (style & OrvViewTransient) XSetTransientForHint(dpy, w, root);
     Atom del = XInternAtom(dpy, "WM_DELETE_WINDOW", False);
     XChangeProperty(dpy, w, XInternAtom(dpy, "WM_PROTOCOLS", False), XA_ATOM, 32, PropModeReplace,
@@ -187,13 +187,13 @@ OrvView::~OrvView() {
   if (parent) {
     parent->childNotifyRemove(this);
     parent->children.remove(this);
-    parent = 0;
+    parent = nullptr;
   }
   if (drawable) director->removeView(this);
   OrvRelease(background);
-  background = 0;
+  background = nullptr;
   OrvRelease(cursor);
-  cursor = 0;
+  cursor = nullptr;
   if (iconBitmapField) iconBitmapField->unLock();
   director->unGrab(this);
   OrvList copy;
@@ -210,9 +210,9 @@ OrvView::~OrvView() {
     drawable = 0;
   }
   delete bitmap;
-  bitmap = 0;
+  bitmap = nullptr;
   OrvRelease(backgroundMakeUp);
-  backgroundMakeUp = 0;
+  backgroundMakeUp = nullptr;
 }
 
 Orv2dPoint OrvView::position() const { return Orv2dPoint((int)x, (int)y); }
@@ -303,10 +303,10 @@ void OrvView::setBackground(OrvColor* color) {
   background = color;
   OrvCount(background);
   OrvRelease(backgroundMakeUp);
-  backgroundMakeUp = 0;
+  backgroundMakeUp = nullptr;
   if (color && director->defaultMakeUp) {
-    backgroundMakeUp = director->makeUp(director->defaultForeground, color, 0, 0, 0, 0, 0, 0, OrvArcPieSlice, 0, 0, 0, 1, 1,
-                                        4, 4, 1, 2, 0);
+    backgroundMakeUp = director->makeUp(director->defaultForeground, color, nullptr, 0, nullptr, nullptr, nullptr, 0, OrvArcPieSlice, 0, nullptr, 0, 1, 1,
+                                        4, 4, 1, 2, nullptr);
     OrvCount(backgroundMakeUp);
   }
 }
@@ -501,13 +501,13 @@ void* CheckWinMgrState(void* display, unsigned long window) {
   Atom type = 0;
   int format = 0;
   unsigned long items = 0, after = 0;
-  unsigned char* data = 0;
+  unsigned char* data = nullptr;
   if (XGetWindowProperty(dpy, (Window)window, state, 0, 1, False, state, &type, &format, &items, &after,
                          &data) != Success)
-    return 0;
+    return nullptr;
   if (type == state && items == 1) return data;
   if (data) XFree(data);
-  return 0;
+  return nullptr;
 }
 
 int OrvView::isIconified() const {
@@ -525,7 +525,7 @@ void OrvView::useBitmap(unsigned long on) {
     if (backgroundMakeUp) bitmap->rectangle(backgroundMakeUp, Orv2dRect(0, 0, (unsigned)width, (unsigned)height), 1);
   } else {
     delete bitmap;
-    bitmap = 0;
+    bitmap = nullptr;
   }
 }
 
@@ -543,5 +543,5 @@ void OrvView::makeGhost() {
 
 void OrvView::deleteGhost() {
   delete ghostMakeUp;
-  ghostMakeUp = 0;
+  ghostMakeUp = nullptr;
 }

@@ -6,7 +6,7 @@
 #include <GL/gl.h>
 #include <GL/glx.h>
 #include <X11/Xlib.h>
-#include <string.h>
+#include <cstring>
 
 // Builds the 40 marker display lists from `base` (the 3D side supplies them).
 void _OrvCreateOGLMarkerFonts(unsigned int base) __attribute__((weak));
@@ -57,7 +57,7 @@ void OrvView::initContext() {
     const char* version = (const char*)glGetString(GL_VERSION);
     if (version && strncmp(version, "1.1", 3) == 0) director->glVersion = 11;
   }
-  glXMakeCurrent(dpy, None, 0);
+  glXMakeCurrent(dpy, None, nullptr);
 }
 
 void OrvView::closeContext() {
@@ -66,8 +66,8 @@ void OrvView::closeContext() {
     XFreeColormap(dpy, colormap);
     glXMakeCurrent(dpy, (GLXDrawable)drawable, (GLXContext)glContext);
     glXDestroyContext(dpy, (GLXContext)glContext);
-    glXMakeCurrent(dpy, None, 0);
-    glContext = 0;
+    glXMakeCurrent(dpy, None, nullptr);
+    glContext = nullptr;
     colormap = 0;
   }
   deleteGhost();

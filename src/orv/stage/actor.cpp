@@ -10,16 +10,16 @@
 
 ORV_DEFINE_CLASS_INIT(OrvActor, "Root", OrvActor::read)
 
-OrvKey* OrvActor::_inVirtualStage = 0;
+OrvKey* OrvActor::_inVirtualStage = nullptr;
 Orv2dDragger OrvActor::_default2dDragger;
 
-OrvKey* callbackA = 0;
-OrvKey* secondaryCallbackA = 0;
-OrvKey* callbackNameA = 0;
-OrvKey* secondaryCallbackNameA = 0;
-OrvKey* nameA = 0;
-OrvKey* roleA = 0;
-OrvKey* engineA = 0;
+OrvKey* callbackA = nullptr;
+OrvKey* secondaryCallbackA = nullptr;
+OrvKey* callbackNameA = nullptr;
+OrvKey* secondaryCallbackNameA = nullptr;
+OrvKey* nameA = nullptr;
+OrvKey* roleA = nullptr;
+OrvKey* engineA = nullptr;
 
 static unsigned long _forgetUpdateDrawing = 0;
 
@@ -54,14 +54,14 @@ static void makeIdentityKeys() {
 // ---------------------------------------------------------------------------
 
 OrvActor::OrvActor(OrvDirector* director, OrvMakeUp* m)
-    : userProperties(0), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(0), makeUp(m) {
+    : userProperties(nullptr), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(0), makeUp(m) {
     if (!_inVirtualStage) _inVirtualStage = OrvGetKey("ActorInVirtualStage", 1);
     if (!makeUp && director) makeUp = director->defaultMakeUp;
     OrvCount(makeUp);
 }
 
 OrvActor::OrvActor(const OrvActor& source)
-    : userProperties(0), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(source.layer), makeUp(source.makeUp) {
+    : userProperties(nullptr), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(source.layer), makeUp(source.makeUp) {
     // Only the look and the permissions travel: a copy starts unselected,
     // without focus, name, role, callbacks or properties, outside any container.
     static const unsigned char copied[] = {OrvSelectableBit, OrvVisibleBit,  OrvSensitiveBit,
@@ -78,14 +78,14 @@ OrvActor::~OrvActor() {
     OrvStage* stage = getStage();
     if (stage) stage->remove(this, 0);
     OrvRelease(makeUp);
-    makeUp = 0;
+    makeUp = nullptr;
     if (callbackA) {
-        setCallback(0);
-        setSecondaryCallback(0);
+        setCallback(nullptr);
+        setSecondaryCallback(nullptr);
     }
-    if (getProperty(OrvHasNameBit)) setName(0);
+    if (getProperty(OrvHasNameBit)) setName(nullptr);
     delete userProperties;
-    userProperties = 0;
+    userProperties = nullptr;
 }
 
 OrvActor* OrvActor::copy() const { return new OrvActor(*this); }
@@ -94,7 +94,7 @@ OrvClassInfo* OrvActor::classInfo() const { return _classInfo; }
 
 const char* OrvActor::className() const {
     OrvClassInfo* info = classInfo();
-    return info ? info->name : 0;
+    return info ? info->name : nullptr;
 }
 
 unsigned long OrvActor::isSubtypeOf(const char* name) const {
@@ -146,7 +146,7 @@ void OrvActor::setStage(OrvStage* stage) {
 }
 
 OrvStage* OrvActor::getStage() const {
-    return userProperties ? (OrvStage*)userProperties->get(OrvStageKey()) : 0;
+    return userProperties ? (OrvStage*)userProperties->get(OrvStageKey()) : nullptr;
 }
 
 void OrvActor::setTheater(OrvTheater* theater) {
@@ -157,7 +157,7 @@ void OrvActor::setTheater(OrvTheater* theater) {
 }
 
 OrvTheater* OrvActor::getTheater() const {
-    return userProperties ? (OrvTheater*)userProperties->get(OrvTheaterKey()) : 0;
+    return userProperties ? (OrvTheater*)userProperties->get(OrvTheaterKey()) : nullptr;
 }
 
 OrvStage* OrvActor::drawingStage() {
@@ -260,7 +260,7 @@ unsigned long OrvActor::setHighlighted(unsigned long on, const Orv2dPoint&, unsi
 void OrvActor::notifyOnMakeUpChanged() {}
 void OrvActor::map(void (*)(OrvActor*, void*), void*) {}
 void OrvActor::mapReferences(void (*)(OrvActor*, void*), void*) {}
-const char* OrvActor::defaultRole() const { return 0; }
+const char* OrvActor::defaultRole() const { return nullptr; }
 Orv2dPoint OrvActor::beforeMappingBalloon(const Orv2dPoint&) { return Orv2dPoint(); }
 
 // ---------------------------------------------------------------------------
@@ -283,7 +283,7 @@ void OrvActor::setName(const char* name) {
 }
 
 const char* OrvActor::getName() const {
-    if (!nameA || !userProperties) return 0;
+    if (!nameA || !userProperties) return nullptr;
     return (const char*)userProperties->get(nameA);
 }
 
@@ -303,13 +303,13 @@ void OrvActor::setRole(OrvRole* role) {
 
 void OrvActor::setRole(const char* name) {
     if (!name || !*name)
-        setRole((OrvRole*)0);
+        setRole((OrvRole*)nullptr);
     else
         setRole(OrvGetRole(name));
 }
 
 OrvRole* OrvActor::getRole() const {
-    if (!roleA || !userProperties) return 0;
+    if (!roleA || !userProperties) return nullptr;
     return (OrvRole*)userProperties->get(roleA);
 }
 
@@ -324,7 +324,7 @@ void OrvActor::setEngine(OrvEngine* engine) {
 }
 
 OrvEngine* OrvActor::getEngine() const {
-    if (!engineA || !userProperties) return 0;
+    if (!engineA || !userProperties) return nullptr;
     return (OrvEngine*)userProperties->get(engineA);
 }
 
@@ -346,7 +346,7 @@ void OrvActor::setCallback(OrvCallback* callback) {
 
 OrvCallback* OrvActor::getCallback() const {
     makeIdentityKeys();
-    return userProperties ? (OrvCallback*)userProperties->get(callbackA) : 0;
+    return userProperties ? (OrvCallback*)userProperties->get(callbackA) : nullptr;
 }
 
 void OrvActor::setSecondaryCallback(OrvCallback* callback) {
@@ -356,7 +356,7 @@ void OrvActor::setSecondaryCallback(OrvCallback* callback) {
 
 OrvCallback* OrvActor::getSecondaryCallback() const {
     // The one reader that makes no keys.
-    if (!secondaryCallbackA || !userProperties) return 0;
+    if (!secondaryCallbackA || !userProperties) return nullptr;
     return (OrvCallback*)userProperties->get(secondaryCallbackA);
 }
 
@@ -373,7 +373,7 @@ void OrvActor::setCallbackName(OrvKey* name) {
 
 OrvKey* OrvActor::getCallbackName() const {
     makeIdentityKeys();
-    return userProperties ? (OrvKey*)userProperties->get(callbackNameA) : 0;
+    return userProperties ? (OrvKey*)userProperties->get(callbackNameA) : nullptr;
 }
 
 void OrvActor::setSecondaryCallbackName(OrvKey* name) {
@@ -389,5 +389,5 @@ void OrvActor::setSecondaryCallbackName(OrvKey* name) {
 
 OrvKey* OrvActor::getSecondaryCallbackName() const {
     makeIdentityKeys();
-    return userProperties ? (OrvKey*)userProperties->get(secondaryCallbackNameA) : 0;
+    return userProperties ? (OrvKey*)userProperties->get(secondaryCallbackNameA) : nullptr;
 }

@@ -6,7 +6,7 @@
 
 unsigned OrvClassInfo::_counter = 0;
 
-static OrvStringHashTable* _types = 0;
+static OrvStringHashTable* _types = nullptr;
 
 static char* copyName(const char* s) {
     size_t n = strlen(s) + 1;
@@ -19,7 +19,7 @@ OrvClassInfo::OrvClassInfo(const char* name, const char* parentName, OrvReadFunc
     : name(copyName(name)),
       // A parent name of fewer than 3 characters ("" for one) means none, so
       // that isSubtypeOf stops at this class.
-      parentName(parentName && strlen(parentName) >= 3 ? copyName(parentName) : 0),
+      parentName(parentName && strlen(parentName) >= 3 ? copyName(parentName) : nullptr),
       readFunction(readFunction),
       index(_counter++) {}
 
@@ -36,7 +36,7 @@ OrvClassInfo* OrvInsertNewType(const char* name, OrvClassInfo* info) {
 }
 
 OrvClassInfo* OrvGetClassInfo(const char* name) {
-    if (!_types || !name) return 0;
+    if (!_types || !name) return nullptr;
     return (OrvClassInfo*)_types->get(name);
 }
 

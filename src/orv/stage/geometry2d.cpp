@@ -129,11 +129,11 @@ void OrvActor::draggerRegions2d(Orv2dRegion& region, const Orv2dMatrix* matrix) 
 }
 
 Orv2dDragger* OrvActor::dragger2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
-    if (!isSelected()) return 0;
+    if (!isSelected()) return nullptr;
     unsigned int count = 0;
     Orv2dPoint* points = draggerVertex2d(count, matrix);
     // Other handles than the eight need their own dragger2d.
-    if (count != 8) return 0;
+    if (count != 8) return nullptr;
     // Corners come first, so where the squares of a small actor overlap a corner wins.
     for (int i = 0; i < 8; i++) {
         if (!handleSquare(points[i]).contains(point)) continue;
@@ -144,5 +144,5 @@ Orv2dDragger* OrvActor::dragger2d(const Orv2dPoint& point, const Orv2dMatrix* ma
         d.matrix = matrix;
         return &d;
     }
-    return 0;
+    return nullptr;
 }

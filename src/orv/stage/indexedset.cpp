@@ -6,11 +6,11 @@
 ORV_DEFINE_CLASS_INIT(OrvIndexedSet, "OrvActor", OrvIndexedSet::read)
 
 OrvIndexedSet::OrvIndexedSet(OrvDirector* director, unsigned short max, OrvMakeUp* m)
-    : OrvActor(director, m), quadtree(new OrvQuadtree(max ? max : OrvDefaultQuadtreeMax, 0)) {}
+    : OrvActor(director, m), quadtree(new OrvQuadtree(max ? max : OrvDefaultQuadtreeMax, nullptr)) {}
 
 // A copy holds no actors: only the look travels.
 OrvIndexedSet::OrvIndexedSet(const OrvIndexedSet& source)
-    : OrvActor(source), quadtree(new OrvQuadtree(OrvDefaultQuadtreeMax, 0)) {}
+    : OrvActor(source), quadtree(new OrvQuadtree(OrvDefaultQuadtreeMax, nullptr)) {}
 
 // The set owns what its tree holds: nothing else keeps the actors it read.
 OrvIndexedSet::~OrvIndexedSet() {
@@ -23,7 +23,7 @@ OrvClassInfo* OrvIndexedSet::classInfo() const { return _classInfo; }
 
 void OrvIndexedSet::map(OrvActorFunction function, void* data) { quadtree->apply(function, data); }
 
-static void extendByActor(OrvActor* actor, void* data) { ((Orv2dRect*)data)->extendBy(actor->bbox2d(0)); }
+static void extendByActor(OrvActor* actor, void* data) { ((Orv2dRect*)data)->extendBy(actor->bbox2d(nullptr)); }
 
 Orv2dRect OrvIndexedSet::bbox2d(const Orv2dMatrix* matrix) const {
     if (box.w == 0) quadtree->apply(extendByActor, &box);
@@ -64,5 +64,5 @@ OrvActor* OrvIndexedSet::whichContains(const Orv2dPoint& point, const Orv2dMatri
 }
 
 unsigned long OrvIndexedSet::contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
-    return whichContains(point, matrix) != 0;
+    return whichContains(point, matrix) != nullptr;
 }

@@ -7,7 +7,7 @@
 #include "orv/stage.h"
 
 OrvStageLayer::OrvStageLayer(OrvStage* stage, unsigned short number)
-    : stage(stage), actors(0), count(0), capacity(0), visible(1), enabled(1), number(number), block(0),
+    : stage(stage), actors(nullptr), count(0), capacity(0), visible(1), enabled(1), number(number), block(nullptr),
       offset(0) {
     init();
 }
@@ -16,7 +16,7 @@ OrvStageLayer::~OrvStageLayer() {
     if (actors) {
         deleteActors(0);
         free(block);
-        block = actors = 0;
+        block = actors = nullptr;
         offset = 0;
         count = 0;
     }
@@ -76,13 +76,13 @@ int OrvStageLayer::remove(OrvActor* actor) {
     uint32_t below = (uint32_t)i, above = count - (uint32_t)i - 1;
     if (below < above) {
         memmove(actors + 1, actors, below * sizeof(OrvActor*));
-        actors[0] = 0;
+        actors[0] = nullptr;
         actors++;
         offset++;
         count--;
     } else {
         memmove(actors + i, actors + i + 1, above * sizeof(OrvActor*));
-        actors[--count] = 0;
+        actors[--count] = nullptr;
     }
     return 1;
 }
@@ -117,7 +117,7 @@ void OrvStageLayer::apply(OrvActorFunction function, void* data) {
 // Hit order is the reverse of paint order: the last actor painted is on top.
 OrvActor* OrvStageLayer::contains(const Orv2dPoint& point, const Orv2dMatrix* matrix, unsigned long withRole,
                                   const char* type) const {
-    if (count == 0 || !visible) return 0;
+    if (count == 0 || !visible) return nullptr;
     for (int i = (int)count - 1; i >= 0; i--) {
         OrvActor* actor = actors[i];
         if (withRole && !actor->getRole()) continue;
@@ -125,12 +125,12 @@ OrvActor* OrvStageLayer::contains(const Orv2dPoint& point, const Orv2dMatrix* ma
         if (!actor->isVisible() || !actor->isSelectable()) continue;
         if (actor->contains2d(point, matrix)) return actor;
     }
-    return 0;
+    return nullptr;
 }
 
 OrvActor* OrvStageLayer::containsDragger(const Orv2dPoint& point, const Orv2dMatrix* matrix,
                                          unsigned long withRole, const char* type) const {
-    if (count == 0 || !visible) return 0;
+    if (count == 0 || !visible) return nullptr;
     Orv2dRegion handles(25);
     for (int i = (int)count - 1; i >= 0; i--) {
         OrvActor* actor = actors[i];
@@ -141,7 +141,7 @@ OrvActor* OrvStageLayer::containsDragger(const Orv2dPoint& point, const Orv2dMat
         for (unsigned short k = 0; k < handles.count; k++)
             if (handles.rectangle(k).contains(point)) return actor;
     }
-    return 0;
+    return nullptr;
 }
 
 void OrvStageLayer::draw(OrvCanvas* canvas, const Orv2dMatrix* matrix, const Orv2dRegion* region) {
@@ -176,7 +176,7 @@ void OrvStageLayer::deleteActors(unsigned long dropLinkProperties) {
             }
             if (stage) stage->remove(actor, 0);
             delete actor;
-            copy[i] = 0;
+            copy[i] = nullptr;
         }
     }
     free(copy);
@@ -185,7 +185,7 @@ void OrvStageLayer::deleteActors(unsigned long dropLinkProperties) {
 void OrvStageLayer::empty(unsigned long deleteAll) {
     if (actors && deleteAll) deleteActors(1);
     free(block);
-    block = actors = 0;
+    block = actors = nullptr;
     offset = 0;
     count = 0;
     capacity = 0;

@@ -16,12 +16,12 @@ int OrvGetOptimizeMode() { return _optimizeMode; }
 static uint32_t shortSide(const Orv2dRect& r) { return r.w < r.h ? r.w : r.h; }
 
 OrvQuadtree::OrvQuadtree()
-    : topLeft(0), topRight(0), bottomLeft(0), bottomRight(0), head(0), tail(0), count(0), internal(0),
-      max(0), held(0), heldCount(0), heldCapacity(0) {}
+    : topLeft(nullptr), topRight(nullptr), bottomLeft(nullptr), bottomRight(nullptr), head(nullptr), tail(nullptr), count(0), internal(0),
+      max(0), held(nullptr), heldCount(0), heldCapacity(0) {}
 
 OrvQuadtree::OrvQuadtree(unsigned int max, const Orv2dRect* b)
-    : topLeft(0), topRight(0), bottomLeft(0), bottomRight(0), head(0), tail(0), count(0), internal(0),
-      max(max), box(b ? *b : Orv2dRect(-100000, -100000, 200000, 200000)), held(0), heldCount(0),
+    : topLeft(nullptr), topRight(nullptr), bottomLeft(nullptr), bottomRight(nullptr), head(nullptr), tail(nullptr), count(0), internal(0),
+      max(max), box(b ? *b : Orv2dRect(-100000, -100000, 200000, 200000)), held(nullptr), heldCount(0),
       heldCapacity(0) {}
 
 OrvQuadtree::~OrvQuadtree() {
@@ -87,7 +87,7 @@ OrvQuadtree* OrvQuadtree::child(unsigned int position) const {
     case OrvQuadBottomLeft: return bottomLeft;
     case OrvQuadBottomRight: return bottomRight;
     }
-    return 0;
+    return nullptr;
 }
 
 OrvQuadtree* OrvQuadtree::makeChild(unsigned int position) {
@@ -119,7 +119,7 @@ void OrvQuadtree::appendHere(OrvActor* actor) {
 }
 
 int OrvQuadtree::removeHere(OrvActor* actor) {
-    OrvLink* previous = 0;
+    OrvLink* previous = nullptr;
     for (OrvLink* l = head; l; previous = l, l = l->next) {
         if (l->value != actor) continue;
         if (previous)
@@ -127,7 +127,7 @@ int OrvQuadtree::removeHere(OrvActor* actor) {
         else
             head = l->next;
         if (tail == l) tail = previous;
-        l->next = 0;
+        l->next = nullptr;
         delete l;
         // The array keeps the list's order, so the first match is the same entry.
         for (uint32_t i = 0; i < heldCount; i++) {
@@ -164,7 +164,7 @@ static inline void prefetchActor(OrvActor* const* held, uint32_t i, uint32_t n) 
 // ---------------------------------------------------------------------------
 
 int OrvQuadtree::add(OrvActor* actor) {
-    Orv2dRect r = actor->bbox2d(0);
+    Orv2dRect r = actor->bbox2d(nullptr);
     if (!_optimizeMode && insideP(actor))
         return OrvError("Quadtree::add: %s [%d %d %d %d] Already in quadtree\n", actor->className(), r.x,
                         r.y, r.w, r.h);
@@ -191,7 +191,7 @@ void OrvQuadtree::nodeAdd(OrvActor* actor, const Orv2dRect& r) {
             node->internal = 1;
             node->appendHere(actor);
             OrvLink* list = node->head;
-            node->head = node->tail = 0;
+            node->head = node->tail = nullptr;
             node->heldCount = 0;
             node->nodeAddList(list);
             delete list;
@@ -209,7 +209,7 @@ void OrvQuadtree::nodeAdd(OrvActor* actor, const Orv2dRect& r) {
 void OrvQuadtree::nodeAddList(OrvLink* list) {
     for (OrvLink* l = list; l; l = l->next) {
         OrvActor* actor = (OrvActor*)l->value;
-        Orv2dRect r = actor->bbox2d(0);
+        Orv2dRect r = actor->bbox2d(nullptr);
         unsigned int position = findPos(r);
         if (position == OrvQuadHere)
             appendHere(actor);
@@ -236,8 +236,8 @@ void OrvQuadtree::growToPoint(const Orv2dPoint& p) {
     OrvLink* savedTail = tail;
     OrvActor** savedHeld = held;
     uint32_t savedCount = heldCount, savedCapacity = heldCapacity;
-    head = tail = 0;
-    held = 0;
+    head = tail = nullptr;
+    held = nullptr;
     heldCount = heldCapacity = 0;
     // A box without area would never grow.
     if (box.w == 0) box.w = 1;
@@ -258,15 +258,15 @@ void OrvQuadtree::growToPoint(const Orv2dPoint& p) {
         copy->heldCount = savedCount;
         copy->heldCapacity = savedCapacity;
         // Later copies start empty.
-        savedHead = savedTail = 0;
-        savedHeld = 0;
+        savedHead = savedTail = nullptr;
+        savedHeld = nullptr;
         savedCount = savedCapacity = 0;
         uint32_t oldW = box.w, oldH = box.h;
         box.w *= 2;
         box.h *= 2;
         if (horizontal == OrvQuadLeft) box.x -= (int32_t)oldW;
         if (vertical == OrvQuadTop) box.y -= (int32_t)oldH;
-        topLeft = topRight = bottomLeft = bottomRight = 0;
+        topLeft = topRight = bottomLeft = bottomRight = nullptr;
         // The old root becomes the child on the side away from the point.
         switch (position) {
         case OrvQuadBottomLeft: topRight = copy; break;
@@ -288,7 +288,7 @@ void OrvQuadtree::growToPoint(const Orv2dPoint& p) {
 // ---------------------------------------------------------------------------
 
 int OrvQuadtree::remove(OrvActor* actor) {
-    Orv2dRect r = actor->bbox2d(0);
+    Orv2dRect r = actor->bbox2d(nullptr);
     if (!_optimizeMode && !insideP(actor))
         return OrvError("Quadtree::remove: Object %s [%d %d %d %d] not in quadtree \n", actor->className(),
                         r.x, r.y, r.w, r.h);
@@ -311,14 +311,14 @@ void OrvQuadtree::nodeRemove(OrvActor* actor, const Orv2dRect& r) {
             slot->nodeRemove(actor, r);
             if (slot->count == 0) {
                 delete slot;
-                slot = 0;
+                slot = nullptr;
             }
         }
     }
     if (!topLeft && !topRight && !bottomLeft && !bottomRight) internal = 0;
 }
 
-int OrvQuadtree::insideP(OrvActor* actor) const { return nodeInsideP(actor, actor->bbox2d(0)); }
+int OrvQuadtree::insideP(OrvActor* actor) const { return nodeInsideP(actor, actor->bbox2d(nullptr)); }
 
 int OrvQuadtree::nodeInsideP(const OrvActor* actor, const Orv2dRect& r) const {
     const OrvQuadtree* node = this;
@@ -383,10 +383,10 @@ void OrvQuadtree::applyInsideNode(const Orv2dRegion& local, const Orv2dRegion& c
         prefetchActor(held, i, heldCount);
         if (held[i]->inside2d(clip, matrix)) function(held[i], data);
     }
-    if (topLeft) topLeft->applyInsideNode(local, clip, function, data, 0);
-    if (topRight) topRight->applyInsideNode(local, clip, function, data, 0);
-    if (bottomLeft) bottomLeft->applyInsideNode(local, clip, function, data, 0);
-    if (bottomRight) bottomRight->applyInsideNode(local, clip, function, data, 0);
+    if (topLeft) topLeft->applyInsideNode(local, clip, function, data, nullptr);
+    if (topRight) topRight->applyInsideNode(local, clip, function, data, nullptr);
+    if (bottomLeft) bottomLeft->applyInsideNode(local, clip, function, data, nullptr);
+    if (bottomRight) bottomRight->applyInsideNode(local, clip, function, data, nullptr);
 }
 
 OrvActor* OrvQuadtree::contains(const Orv2dPoint& local, const Orv2dPoint& original, const Orv2dMatrix* matrix) {
@@ -398,10 +398,10 @@ OrvActor* OrvQuadtree::contains(const Orv2dPoint& local, const Orv2dPoint& origi
             if (actors[i]->contains2d(original, matrix)) return actors[i];
         }
         unsigned int position = node->findPos(local);
-        if (position == OrvQuadHere) return 0;
+        if (position == OrvQuadHere) return nullptr;
         node = node->child(position);
     }
-    return 0;
+    return nullptr;
 }
 
 size_t OrvQuadtree::memoryUse() const {
@@ -417,9 +417,9 @@ void OrvQuadtree::empty(unsigned long deleteActors) {
     if (deleteActors)
         for (OrvLink* l = head; l; l = l->next) delete (OrvActor*)l->value;
     delete head;
-    head = tail = 0;
+    head = tail = nullptr;
     OrvQuadtree* children[4] = {topLeft, topRight, bottomLeft, bottomRight};
-    topLeft = topRight = bottomLeft = bottomRight = 0;
+    topLeft = topRight = bottomLeft = bottomRight = nullptr;
     for (OrvQuadtree* c : children)
         if (c) c->empty(deleteActors);
     delete this;

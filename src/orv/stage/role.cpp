@@ -10,7 +10,7 @@
 #include "orv/stage.h"
 #include "route_internal.h"
 
-OrvStringHashTable* OrvRole::_roles = 0;
+OrvStringHashTable* OrvRole::_roles = nullptr;
 int orvinitOrvRole::_counter = 0;
 
 orvinitOrvRole::orvinitOrvRole() {
@@ -28,7 +28,7 @@ void OrvRegisterRoleInstance(OrvRole* role) {
 }
 
 OrvRole* OrvGetRole(const char* name) {
-    if (!name || !OrvRole::_roles) return 0;
+    if (!name || !OrvRole::_roles) return nullptr;
     return (OrvRole*)OrvRole::_roles->get(name);
 }
 
@@ -64,7 +64,7 @@ OrvRole::~OrvRole() {
     if (_roles)
         for (unsigned i = 0; i < _roles->size; i++) {
             OrvAList* bucket = _roles->buckets[i];
-            for (OrvAListItem* item = bucket ? bucket->first : 0; item; item = item->next)
+            for (OrvAListItem* item = bucket ? bucket->first : nullptr; item; item = item->next)
                 if (item->value == this) {
                     _roles->remove((const char*)item->key);
                     return;
@@ -129,7 +129,7 @@ void OrvButtonRole::validate(OrvActor* actor, OrvStage* stage) { stage->callCall
 
 // A scene's actor has no stage table to look in: its own callback answers.
 static void OrvCallOwnCallback(OrvActor* actor) {
-    OrvCallback* c = actor ? actor->getCallback() : 0;
+    OrvCallback* c = actor ? actor->getCallback() : nullptr;
     if (c) c->activate(actor);
 }
 

@@ -35,7 +35,7 @@ void OrvForEachPlainStage(void (*visit)(OrvStage*, void*), void* data) {
             if (!views->buckets[i]) continue;
             for (OrvAListItem* item = views->buckets[i]->first; item; item = item->next) {
                 OrvView* view = (OrvView*)item->value;
-                const char* name = view ? view->className() : 0;
+                const char* name = view ? view->className() : nullptr;
                 if (name && !strcmp(name, "OrvStage")) stages.append(view);
             }
         }
@@ -57,7 +57,7 @@ OrvStage* OrvGetHighlightStage(const OrvDirector* director) {
 static void OrvForgetHighlightStage(OrvView* view, void*) {
     OrvAList* table = OrvHighlightStages();
     for (OrvAListItem* item = table->first; item; item = item->next)
-        if (item->value == (void*)view) item->value = 0;
+        if (item->value == (void*)view) item->value = nullptr;
 }
 
 void OrvSetHighlightStage(OrvDirector* director, OrvStage* stage) {
@@ -67,7 +67,7 @@ void OrvSetHighlightStage(OrvDirector* director, OrvStage* stage) {
     if (!table->replace(director, stage)) table->insert(director, stage);
     if (stage) {
         stage->removeDestroy(OrvForgetHighlightStage);
-        stage->onDestroy(OrvForgetHighlightStage, 0);
+        stage->onDestroy(OrvForgetHighlightStage, nullptr);
     }
 }
 
@@ -199,7 +199,7 @@ int OrvStage::nofocusDispatch(const OrvEvent& event) {
 // ---------------------------------------------------------------------------
 
 static void OrvSendFocusEvent(OrvStage* stage, OrvActor* actor, OrvEventType type) {
-    OrvRole* role = actor ? actor->getRole() : 0;
+    OrvRole* role = actor ? actor->getRole() : nullptr;
     if (!role) return;
     OrvEvent event;
     memset((void*)&event, 0, sizeof event);
@@ -242,7 +242,7 @@ static int OrvCompareReading(const Orv2dRect& a, const Orv2dRect& b) {
 // (direction -1); past the last one the walk wraps to the first. The later in
 // the walk wins a tie.
 static OrvActor* OrvFocusStep(OrvActor** all, unsigned count, OrvActor* focus, int direction) {
-    OrvActor* best = 0;
+    OrvActor* best = nullptr;
     Orv2dRect bestBox;
     if (focus) {
         Orv2dRect f = focus->bbox2d(nullptr);
@@ -328,7 +328,7 @@ void OrvStage::registerCallback(const char* name, OrvCallback* callback) {
         for (OrvAListItem* item = callbacks.first; item; item = item->next)
             if (item->key == key) {
                 OrvCallback* old = (OrvCallback*)item->value;
-                item->value = 0;
+                item->value = nullptr;
                 OrvRelease(old);
                 break;
             }
@@ -341,7 +341,7 @@ void OrvStage::registerCallback(const char* name, OrvCallback* callback) {
 
 OrvCallback* OrvStage::getCallback(const char* name) const {
     OrvKey* key = OrvGetKey(name, 0);
-    if (!key) return 0;
+    if (!key) return nullptr;
     return (OrvCallback*)const_cast<OrvAList&>(callbacks).get(key);
 }
 
@@ -423,7 +423,7 @@ void OrvStage::releaseInput() {
         OrvAListItem* item = callbacks.first;
         OrvCallback* c = (OrvCallback*)item->value;
         callbacks.first = item->next;
-        item->next = 0;
+        item->next = nullptr;
         delete item;
         OrvRelease(c);
     }

@@ -7,7 +7,7 @@
 #include "orv/makeup.h"
 
 Orv2dPoint* OrvShapePoints(unsigned n) {
-    static Orv2dPoint* buffer = 0;
+    static Orv2dPoint* buffer = nullptr;
     static unsigned capacity = 0;
     if (n > capacity) {
         unsigned larger = capacity ? capacity : n + 2;

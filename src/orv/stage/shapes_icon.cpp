@@ -25,13 +25,13 @@ static int serverLsbFirst(OrvBitmap* probeSource) {
 }
 
 OrvIcon::OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point, OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), bitmap(bitmap), point(point), maskBits(0), maskBytesPerLine(0) {
+    : OrvActor(director, makeUp), bitmap(bitmap), point(point), maskBits(nullptr), maskBytesPerLine(0) {
     if (bitmap) bitmap->lock();
     readMask();
 }
 
 OrvIcon::OrvIcon(const OrvIcon& source)
-    : OrvActor(source), bitmap(source.bitmap), point(source.point), maskBits(0), maskBytesPerLine(0) {
+    : OrvActor(source), bitmap(source.bitmap), point(source.point), maskBits(nullptr), maskBytesPerLine(0) {
     if (bitmap) bitmap->lock();
     readMask();
 }
@@ -46,7 +46,7 @@ OrvClassInfo* OrvIcon::classInfo() const { return _classInfo; }
 
 void OrvIcon::readMask() {
     free(maskBits);
-    maskBits = 0;
+    maskBits = nullptr;
     maskBytesPerLine = 0;
     if (!bitmap || !bitmap->mask || bitmap->mask->depth != 1) return;
     OrvBitmap* mask = bitmap->mask;

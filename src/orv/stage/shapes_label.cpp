@@ -20,12 +20,12 @@ static char* copyText(const char* text) {
 
 OrvLabel::OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment,
                    OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment), extentText(0),
-      extentMakeUp(0) {}
+    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment), extentText(nullptr),
+      extentMakeUp(nullptr) {}
 
 OrvLabel::OrvLabel(const OrvLabel& source)
     : OrvActor(source), text(copyText(source.text)), point(source.point), alignment(source.alignment),
-      extentText(0), extentMakeUp(0) {}
+      extentText(nullptr), extentMakeUp(nullptr) {}
 
 OrvLabel::~OrvLabel() { free(text); }
 
@@ -35,7 +35,7 @@ OrvClassInfo* OrvLabel::classInfo() const { return _classInfo; }
 // Relative to the baseline origin: y is minus the ascent.
 Orv2dRect OrvLabel::textExtent() const {
     if (extentText != text || extentMakeUp != makeUp) {
-        OrvRasterFont* font = makeUp ? makeUp->font() : 0;
+        OrvRasterFont* font = makeUp ? makeUp->font() : nullptr;
         extent = font ? font->bbox(text, 0, 0) : Orv2dRect();
         extentText = text;
         extentMakeUp = makeUp;
@@ -44,7 +44,7 @@ Orv2dRect OrvLabel::textExtent() const {
 }
 
 void OrvLabel::notifyOnMakeUpChanged() {
-    extentMakeUp = 0;
+    extentMakeUp = nullptr;
     OrvActor::notifyOnMakeUpChanged();
 }
 
@@ -66,20 +66,20 @@ Orv2dRect OrvLabel::textBox(const Orv2dMatrix* matrix, Orv2dPoint* baseline) con
     return Orv2dRect(left, base + extent.y, extent.w, extent.h);
 }
 
-Orv2dRect OrvLabel::bbox2d(const Orv2dMatrix* matrix) const { return textBox(matrix, 0); }
+Orv2dRect OrvLabel::bbox2d(const Orv2dMatrix* matrix) const { return textBox(matrix, nullptr); }
 
 void OrvLabel::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
     if (!*text) return;
     Orv2dPoint baseline;
     textBox(matrix, &baseline);
-    canvas->string(makeUp, baseline, text, 0, OrvLeft, 0, 0);
+    canvas->string(makeUp, baseline, text, 0, OrvLeft, 0, nullptr);
 }
 
 void OrvLabel::apply2d(const Orv2dMatrix& matrix) { matrix.apply(point); }
 
 unsigned long OrvLabel::contains2d(const Orv2dPoint& p, const Orv2dMatrix* matrix) {
     if (isSelected() && dragger2d(p, matrix)) return 1;
-    Orv2dRect box = textBox(matrix, 0);
+    Orv2dRect box = textBox(matrix, nullptr);
     return box.w && box.contains(p);
 }
 
@@ -88,7 +88,7 @@ void OrvLabel::setText(const char* t) {
     beginDrawing(1);
     free(text);
     text = copyText(t);
-    extentText = 0;
+    extentText = nullptr;
     flushDrawing(1);
 }
 

@@ -60,7 +60,7 @@ Orv2dPoint* Orv2dPolyline::draggerVertex2d(unsigned int& n, const Orv2dMatrix* m
 }
 
 Orv2dDragger* Orv2dPolyline::dragger2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
-    if (!isSelected()) return 0;
+    if (!isSelected()) return nullptr;
     unsigned int n = 0;
     Orv2dPoint* p = draggerVertex2d(n, matrix);
     for (unsigned int i = 0; i < n; i++) {
@@ -74,7 +74,7 @@ Orv2dDragger* Orv2dPolyline::dragger2d(const Orv2dPoint& point, const Orv2dMatri
         d.matrix = matrix;
         return &d;
     }
-    return 0;
+    return nullptr;
 }
 
 void Orv2dPolyline::setPoints(unsigned int n, const Orv2dPoint* source) {

@@ -10,12 +10,12 @@
 
 OrvStageLayer* OrvStage::layer(unsigned int n, unsigned long create) const {
     unsigned int i = 0;
-    OrvStageLayer* last = 0;
+    OrvStageLayer* last = nullptr;
     for (OrvLink* l = layers.first; l; l = l->next, i++) {
         last = (OrvStageLayer*)l->value;
         if (i == n) return last;
     }
-    if (!create) return 0;
+    if (!create) return nullptr;
     // The layers list is the stage's own; making layers does not change what
     // the caller sees of the stage otherwise.
     OrvList& list = const_cast<OrvList&>(layers);
@@ -71,7 +71,7 @@ void OrvStage::remove(OrvActor** actors, unsigned int n, unsigned long deleteIt)
     for (unsigned int i = 0; i < n; i++) {
         if (actors[i] && isLink(actors[i])) {
             remove(actors[i], deleteIt);
-            actors[i] = 0;
+            actors[i] = nullptr;
         }
     }
     for (unsigned int i = 0; i < n; i++) {
@@ -124,7 +124,7 @@ OrvActor* OrvStage::contains(const Orv2dPoint& point, const Orv2dMatrix* matrix,
         OrvActor* actor = layer((unsigned int)n, 0)->contains(point, matrix, withRole, type);
         if (actor) return actor;
     }
-    return 0;
+    return nullptr;
 }
 
 OrvActor* OrvStage::containsDragger(const Orv2dPoint& point, const Orv2dMatrix* matrix, unsigned long withRole,
@@ -134,7 +134,7 @@ OrvActor* OrvStage::containsDragger(const Orv2dPoint& point, const Orv2dMatrix* 
         OrvActor* actor = layer((unsigned int)n, 0)->containsDragger(point, matrix, withRole, type);
         if (actor) return actor;
     }
-    return 0;
+    return nullptr;
 }
 
 void OrvStage::apply(void (*function)(OrvActor*, void*), void* data) {
@@ -159,10 +159,10 @@ void OrvStage::deSelect() {
     beginDrawing();
     // Each setSelected(0) also asks to leave the list: walk a detached copy.
     OrvLink* chain = selectionList.first;
-    selectionList.first = selectionList.last = 0;
+    selectionList.first = selectionList.last = nullptr;
     for (OrvLink* l = chain; l; l = l->next) ((OrvActor*)l->value)->setSelected(0);
     delete chain;
-    selectionList.first = selectionList.last = 0;
+    selectionList.first = selectionList.last = nullptr;
     flushDrawing(1);
 }
 
@@ -170,34 +170,34 @@ OrvActor* OrvStage::selection(unsigned int n) const {
     unsigned int i = 0;
     for (OrvLink* l = selectionList.first; l; l = l->next, i++)
         if (i == n) return (OrvActor*)l->value;
-    return 0;
+    return nullptr;
 }
 
 OrvActor** OrvStage::selections(unsigned int& count) const {
     count = selectionList.length();
-    if (!count) return 0;
+    if (!count) return nullptr;
     OrvActor** result = (OrvActor**)malloc((count + 1) * sizeof(OrvActor*));
     unsigned int i = 0;
     for (OrvLink* l = selectionList.first; l; l = l->next) result[i++] = (OrvActor*)l->value;
-    result[i] = 0;
+    result[i] = nullptr;
     return result;
 }
 
 OrvActor** OrvStage::objects(unsigned int& count) const {
     count = cardinal();
-    if (!count) return 0;
+    if (!count) return nullptr;
     OrvActor** result = (OrvActor**)malloc((count + 1) * sizeof(OrvActor*));
     unsigned int i = 0;
     for (OrvLink* l = layers.first; l; l = l->next) {
         OrvStageLayer* layer = (OrvStageLayer*)l->value;
         for (uint32_t k = 0; k < layer->count; k++) result[i++] = layer->actors[k];
     }
-    result[i] = 0;
+    result[i] = nullptr;
     return result;
 }
 
 OrvActor* OrvStage::object(const char* name) const {
-    if (!name) return 0;
+    if (!name) return nullptr;
     for (OrvLink* l = layers.first; l; l = l->next) {
         OrvStageLayer* layer = (OrvStageLayer*)l->value;
         for (uint32_t k = 0; k < layer->count; k++) {
@@ -205,7 +205,7 @@ OrvActor* OrvStage::object(const char* name) const {
             if (own && strcmp(own, name) == 0) return layer->actors[k];
         }
     }
-    return 0;
+    return nullptr;
 }
 
 unsigned int OrvStage::cardinal() const {

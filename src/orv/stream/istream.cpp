@@ -1,8 +1,8 @@
 // The reader: header, object table, object blocks and the typed items.
-#include <orv/stream.h>
-#include <orv/actor.h>
-#include <orv/makeup.h>
-#include <orv/resource.h>
+#include "orv/stream.h"
+#include "orv/actor.h"
+#include "orv/makeup.h"
+#include "orv/resource.h"
 
 #include <cstdarg>
 #include <cstdint>

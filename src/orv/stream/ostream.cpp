@@ -1,7 +1,7 @@
 // The writer: header, numbering of the objects, object blocks, end lines and
 // the typed items.
-#include <orv/stream.h>
-#include <orv/actor.h>
+#include "orv/stream.h"
+#include "orv/actor.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,9 +1,9 @@
 // The persistent form of OrvActor: make-up, layer, the flags as a string of
 // digits, then name, role and callback names as the flags announce them.
-#include <orv/actor.h>
-#include <orv/director.h>
-#include <orv/role.h>
-#include <orv/stream.h>
+#include "orv/actor.h"
+#include "orv/director.h"
+#include "orv/role.h"
+#include "orv/stream.h"
 
 #include <cstring>
 
@@ -54,9 +54,9 @@ static int expectKey(OrvIStream& in, char* buffer, const char* key) {
   return 1;
 }
 
-OrvActor::OrvActor(OrvIStream& in) : userProperties(0), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(0), makeUp(0) {
+OrvActor::OrvActor(OrvIStream& in) : userProperties(nullptr), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(0), makeUp(nullptr) {
   if (!_inVirtualStage) _inVirtualStage = OrvGetKey("ActorInVirtualStage", 1);
-  OrvMakeUp* m = 0;
+  OrvMakeUp* m = nullptr;
   in >> m;
   if (!m && in.director) m = in.director->defaultMakeUp;
   makeUp = m;

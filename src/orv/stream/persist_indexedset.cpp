@@ -1,8 +1,8 @@
 // The persistent form of OrvIndexedSet: the actor's keys, the number of
 // actors in the tree, then each of them as an object block of its own.
-#include <orv/actor.h>
-#include <orv/layer.h>
-#include <orv/stream.h>
+#include "orv/actor.h"
+#include "orv/layer.h"
+#include "orv/stream.h"
 
 OrvActor* OrvIndexedSet::read(OrvIStream& stream) { return new OrvIndexedSet(stream); }
 
@@ -15,7 +15,7 @@ void OrvIndexedSet::write(OrvOStream& out) const {
 }
 
 OrvIndexedSet::OrvIndexedSet(OrvIStream& in)
-    : OrvActor(in), quadtree(new OrvQuadtree(OrvDefaultQuadtreeMax, 0)), box() {
+    : OrvActor(in), quadtree(new OrvQuadtree(OrvDefaultQuadtreeMax, nullptr)), box() {
   unsigned int count = 0;
   in >> count;
   // Members are read until the count is reached or one fails; a failure is
@@ -26,5 +26,5 @@ OrvIndexedSet::OrvIndexedSet(OrvIStream& in)
     quadtree->add(actor);
   }
   box.w = 0;
-  bbox2d(0);
+  bbox2d(nullptr);
 }

@@ -1,11 +1,11 @@
 // Make-ups and colours in the text format. A make-up is written in full once
 // per file and referred to by number afterwards; on reading, its attributes
 // go back through the director so that equal make-ups are one object again.
-#include <orv/canvas.h>
-#include <orv/director.h>
-#include <orv/makeup.h>
-#include <orv/resource.h>
-#include <orv/stream.h>
+#include "orv/canvas.h"
+#include "orv/director.h"
+#include "orv/makeup.h"
+#include "orv/resource.h"
+#include "orv/stream.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,10 +1,10 @@
 // Persistent forms of the basic shapes. Each class writes its parent's keys,
 // then a comment naming itself and its own items, in a fixed order that its
 // reading constructor follows.
-#include <orv/canvas.h>
-#include <orv/director.h>
-#include <orv/shapes.h>
-#include <orv/stream.h>
+#include "orv/canvas.h"
+#include "orv/director.h"
+#include "orv/shapes.h"
+#include "orv/stream.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -144,7 +144,7 @@ void OrvLabel::write(OrvOStream& out) const {
 }
 
 OrvLabel::OrvLabel(OrvIStream& in)
-    : OrvActor(in), text((char*)calloc(1, 1)), point(), alignment(OrvLeft), extentText(0), extentMakeUp(0) {
+    : OrvActor(in), text((char*)calloc(1, 1)), point(), alignment(OrvLeft), extentText(nullptr), extentMakeUp(nullptr) {
   char* value = nullptr;
   in >> value;
   if (value) {
@@ -168,7 +168,7 @@ void OrvIcon::write(OrvOStream& out) const {
   out << (const OrvBitmap*)bitmap;
 }
 
-OrvIcon::OrvIcon(OrvIStream& in) : OrvActor(in), bitmap(0), point(), maskBits(0), maskBytesPerLine(0) {
+OrvIcon::OrvIcon(OrvIStream& in) : OrvActor(in), bitmap(nullptr), point(), maskBits(nullptr), maskBytesPerLine(0) {
   in >> point;
   OrvBitmap* b = nullptr;
   in >> b;

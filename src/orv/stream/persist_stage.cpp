@@ -1,8 +1,8 @@
 // Saving a stage to a file and reading one back into a stage.
-#include <orv/actor.h>
-#include <orv/director.h>
-#include <orv/stage.h>
-#include <orv/stream.h>
+#include "orv/actor.h"
+#include "orv/director.h"
+#include "orv/stage.h"
+#include "orv/stream.h"
 
 #include <cstdlib>
 #include <fstream>

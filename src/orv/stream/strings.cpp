@@ -1,5 +1,5 @@
 // Quoted strings of the text format and the plain forms of the value types.
-#include <orv/stream.h>
+#include "orv/stream.h"
 
 #include <cstdlib>
 #include <cstring>
