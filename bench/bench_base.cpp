@@ -13,11 +13,9 @@ static void BM_PoolAllocRelease(benchmark::State& state) {
     const unsigned size = (unsigned)state.range(0);
     std::vector<void*> blocks(256);
     for (auto _ : state) {
-        for (void*& b : blocks)
-            b = pool->alloc(size);
+        for (void*& b : blocks) b = pool->alloc(size);
         benchmark::DoNotOptimize(blocks.data());
-        for (void* b : blocks)
-            pool->release(b, size);
+        for (void* b : blocks) pool->release(b, size);
     }
     state.SetItemsProcessed(state.iterations() * blocks.size());
 }
@@ -27,11 +25,9 @@ static void BM_MallocFree(benchmark::State& state) {
     const size_t size = (size_t)state.range(0);
     std::vector<void*> blocks(256);
     for (auto _ : state) {
-        for (void*& b : blocks)
-            b = malloc(size);
+        for (void*& b : blocks) b = malloc(size);
         benchmark::DoNotOptimize(blocks.data());
-        for (void* b : blocks)
-            free(b);
+        for (void* b : blocks) free(b);
     }
     state.SetItemsProcessed(state.iterations() * blocks.size());
 }
@@ -42,11 +38,9 @@ static void BM_ListAppendRemove(benchmark::State& state) {
     std::vector<int> values(n);
     for (auto _ : state) {
         OrvList list;
-        for (int i = 0; i < n; i++)
-            list.append(&values[i]);
+        for (int i = 0; i < n; i++) list.append(&values[i]);
         // Removing from the head is the cheap case; the walk is what costs.
-        for (int i = 0; i < n; i++)
-            list.remove(&values[i]);
+        for (int i = 0; i < n; i++) list.remove(&values[i]);
         benchmark::DoNotOptimize(list.first);
     }
     state.SetItemsProcessed(state.iterations() * n);
@@ -58,10 +52,8 @@ static void BM_ListRemoveFromTail(benchmark::State& state) {
     std::vector<int> values(n);
     for (auto _ : state) {
         OrvList list;
-        for (int i = 0; i < n; i++)
-            list.append(&values[i]);
-        for (int i = n - 1; i >= 0; i--)
-            list.remove(&values[i]);
+        for (int i = 0; i < n; i++) list.append(&values[i]);
+        for (int i = n - 1; i >= 0; i--) list.remove(&values[i]);
         benchmark::DoNotOptimize(list.first);
     }
     state.SetItemsProcessed(state.iterations() * n);
@@ -82,8 +74,7 @@ static void BM_StringHashPut(benchmark::State& state) {
     std::vector<std::string> names = makeNames((int)state.range(0));
     for (auto _ : state) {
         OrvStringHashTable table(1000);
-        for (const std::string& name : names)
-            table.put(name.c_str(), (void*)&name);
+        for (const std::string& name : names) table.put(name.c_str(), (void*)&name);
         benchmark::DoNotOptimize(table.cardinal);
     }
     state.SetItemsProcessed(state.iterations() * names.size());
@@ -93,11 +84,9 @@ BENCHMARK(BM_StringHashPut)->Arg(100)->Arg(1000);
 static void BM_StringHashGet(benchmark::State& state) {
     std::vector<std::string> names = makeNames((int)state.range(0));
     OrvStringHashTable table(1000);
-    for (const std::string& name : names)
-        table.put(name.c_str(), (void*)&name);
+    for (const std::string& name : names) table.put(name.c_str(), (void*)&name);
     for (auto _ : state) {
-        for (const std::string& name : names)
-            benchmark::DoNotOptimize(table.get(name.c_str()));
+        for (const std::string& name : names) benchmark::DoNotOptimize(table.get(name.c_str()));
     }
     state.SetItemsProcessed(state.iterations() * names.size());
 }

@@ -106,7 +106,8 @@ BENCHMARK(BM_Matrix3dApply);
 // A wavy open curve of 3·k + 1 control points.
 static std::vector<Orv2dPoint> wave(int segments, int amplitude) {
     std::vector<Orv2dPoint> c;
-    for (int i = 0; i <= segments * 3; i++) c.push_back(Orv2dPoint(i * 20, (i % 2) ? amplitude : -amplitude));
+    for (int i = 0; i <= segments * 3; i++)
+        c.push_back(Orv2dPoint(i * 20, (i % 2) ? amplitude : -amplitude));
     return c;
 }
 

@@ -22,12 +22,12 @@ namespace {
 // 100000), or 8 times wider, where the root grows by doubling and fewer
 // actors straddle the centre lines that a point query passes.
 const int kAreas[2] = {200000, 1600000};
-const int kWindow = 2000;       // side of the window queries
-const unsigned kQueries = 4096; // points and windows, cycled through
+const int kWindow = 2000;        // side of the window queries
+const unsigned kQueries = 4096;  // points and windows, cycled through
 
 struct Data {
     std::vector<OrvActor*> actors;
-    std::vector<Orv2dPoint> points; // half inside some actor, half anywhere
+    std::vector<Orv2dPoint> points;  // half inside some actor, half anywhere
     std::vector<Orv2dRect> windows;
     OrvQuadtree* tree = nullptr;
 };
@@ -47,13 +47,15 @@ Data& data(unsigned n, int wide = 0) {
     }
     for (unsigned i = 0; i < kQueries; i++) {
         if (i % 2) {
-            d.points.push_back(Orv2dPoint((int)(rng() % kArea) - kArea / 2, (int)(rng() % kArea) - kArea / 2));
+            d.points.push_back(
+                Orv2dPoint((int)(rng() % kArea) - kArea / 2, (int)(rng() % kArea) - kArea / 2));
         } else {
             const Orv2dRect& r = ((OrvRectangle*)d.actors[rng() % n])->rect;
             d.points.push_back(Orv2dPoint(r.x + (int)(rng() % r.w), r.y + (int)(rng() % r.h)));
         }
         d.windows.push_back(Orv2dRect((int)(rng() % (kArea - kWindow)) - kArea / 2,
-                                      (int)(rng() % (kArea - kWindow)) - kArea / 2, kWindow, kWindow));
+                                      (int)(rng() % (kArea - kWindow)) - kArea / 2, kWindow,
+                                      kWindow));
     }
     d.tree = new OrvQuadtree(OrvDefaultQuadtreeMax, nullptr);
     for (OrvActor* a : d.actors) d.tree->add(a);
@@ -70,7 +72,9 @@ void countTree(const OrvQuadtree* t, size_t& nodes, size_t& links) {
     countTree(t->bottomRight, nodes, links);
 }
 
-void count(OrvActor*, void* data) { (*(long*)data)++; }
+void count(OrvActor*, void* data) {
+    (*(long*)data)++;
+}
 
 void BM_Build(benchmark::State& state) {
     Data& d = data((unsigned)state.range(0), (int)state.range(2));
@@ -87,8 +91,8 @@ void BM_Build(benchmark::State& state) {
     size_t nodes = 0, links = 0;
     countTree(d.tree, nodes, links);
     double n = (double)d.actors.size();
-    state.counters["ns_per_actor"] = benchmark::Counter(n * state.iterations(),
-                                                        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["ns_per_actor"] = benchmark::Counter(
+        n * state.iterations(), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
     state.counters["nodes"] = (double)nodes;
     // The tree's share: its nodes, one pooled link per actor and the arrays
     // that the queries walk.
@@ -167,7 +171,7 @@ void BM_WindowBrute(benchmark::State& state) {
     state.counters["actors_per_window"] = (double)found / state.iterations();
 }
 
-} // namespace
+}  // namespace
 
 // Arguments: N; for the build, the optimize mode (which leaves out the
 // membership test); then 0 for the default area, 1 for the wide one.
@@ -176,8 +180,12 @@ BENCHMARK(BM_Build)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
-BENCHMARK(BM_PointTree)->ArgsProduct({{10000, 100000, 1000000}, {0, 1}})->Unit(benchmark::kNanosecond);
-BENCHMARK(BM_PointBrute)->ArgsProduct({{10000, 100000, 1000000}, {0, 1}})->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_PointTree)
+    ->ArgsProduct({{10000, 100000, 1000000}, {0, 1}})
+    ->Unit(benchmark::kNanosecond);
+BENCHMARK(BM_PointBrute)
+    ->ArgsProduct({{10000, 100000, 1000000}, {0, 1}})
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_WindowTree)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_WindowBrute)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 

@@ -27,7 +27,8 @@ int main() {
     region.extendBy(Orv2dRect(30, 30, 30, 30));
     region.extendBy(Orv2dRect(100, 10, 20, 20));
     std::printf("region of %u rectangles\n", (unsigned)region.count);
-    for (unsigned i = 0; i < region.count; i++) printRect("  member", region.rectangle((unsigned short)i));
+    for (unsigned i = 0; i < region.count; i++)
+        printRect("  member", region.rectangle((unsigned short)i));
     printRect("  bounding box", region.bbox);
 
     // An arch flattened into a polyline, then hit tested.
@@ -37,12 +38,13 @@ int main() {
     std::printf("arch flattened into %u points:", n);
     for (unsigned i = 0; i < n; i++) std::printf(" %d,%d", pts[i].x, pts[i].y);
     std::printf("\n");
-    std::printf("50,74 hits flattened segment %d; 50,50 gives %d\n", OrvPointInBezier(Orv2dPoint(50, 74), 4, arch),
+    std::printf("50,74 hits flattened segment %d; 50,50 gives %d\n",
+                OrvPointInBezier(Orv2dPoint(50, 74), 4, arch),
                 OrvPointInBezier(Orv2dPoint(50, 50), 4, arch));
 
     Orv2dPoint head[3];
     OrvComputeArrow(Orv2dPoint(0, 0), Orv2dPoint(30, 40), 1, head);
-    std::printf("arrow head: tip %d,%d base %d,%d and %d,%d\n", head[0].x, head[0].y, head[1].x, head[1].y,
-                head[2].x, head[2].y);
+    std::printf("arrow head: tip %d,%d base %d,%d and %d,%d\n", head[0].x, head[0].y, head[1].x,
+                head[1].y, head[2].x, head[2].y);
     return 0;
 }

@@ -30,10 +30,10 @@ typedef OrvActor* (*OrvReadFunction)(OrvIStream&);
 // The run-time record of one class: its name, its parent's name and its reader.
 class OrvClassInfo {
 public:
-    char* name;                   // owned copy
-    char* parentName;             // owned copy, null when shorter than 3 characters
+    char* name;        // owned copy
+    char* parentName;  // owned copy, null when shorter than 3 characters
     OrvReadFunction readFunction;
-    unsigned index;               // serial number, in order of creation
+    unsigned index;  // serial number, in order of creation
 
     OrvClassInfo(const char* name, const char* parentName, OrvReadFunction readFunction);
     OrvClassInfo(const OrvClassInfo&) = delete;
@@ -56,31 +56,31 @@ OrvStringHashTable* OrvGetHashTypes();
 // holds one guard object, and the first constructor to run makes the record.
 // So a class is registered before any file that uses it runs its own static
 // initialisation, whatever the link order.
-#define ORV_DECLARE_CLASS_INIT(Class)                                                  \
-    class orvinit##Class {                                                             \
-    public:                                                                            \
-        orvinit##Class();                                                              \
-        static int _counter;                                                           \
-    };                                                                                 \
+#define ORV_DECLARE_CLASS_INIT(Class)                                                              \
+    class orvinit##Class {                                                                         \
+    public:                                                                                        \
+        orvinit##Class();                                                                          \
+        static int _counter;                                                                       \
+    };                                                                                             \
     static orvinit##Class orvinit##Class##Object;
 
-#define ORV_DEFINE_CLASS_INIT(Class, ParentName, Reader)                               \
-    int orvinit##Class::_counter = 0;                                                  \
-    OrvClassInfo* Class::_classInfo = 0;                                               \
-    orvinit##Class::orvinit##Class() {                                                 \
-        if (_counter++ == 0)                                                           \
-            Class::_classInfo =                                                        \
-                OrvInsertNewType(#Class, new OrvClassInfo(#Class, ParentName, Reader)); \
+#define ORV_DEFINE_CLASS_INIT(Class, ParentName, Reader)                                           \
+    int orvinit##Class::_counter = 0;                                                              \
+    OrvClassInfo* Class::_classInfo = 0;                                                           \
+    orvinit##Class::orvinit##Class() {                                                             \
+        if (_counter++ == 0)                                                                       \
+            Class::_classInfo =                                                                    \
+                OrvInsertNewType(#Class, new OrvClassInfo(#Class, ParentName, Reader));            \
     }
 
 // The members every persistent actor class declares: the reader constructor,
 // copying, its registry entry and its persistent form. Use it in a public section.
-#define ORV_PERSISTENT_ACTOR(Class)                                                    \
-    explicit Class(OrvIStream& stream);                                                \
-    OrvActor* copy() const override;                                                   \
-    OrvClassInfo* classInfo() const override;                                          \
-    void write(OrvOStream& stream) const override;                                     \
-    static OrvActor* read(OrvIStream& stream);                                         \
+#define ORV_PERSISTENT_ACTOR(Class)                                                                \
+    explicit Class(OrvIStream& stream);                                                            \
+    OrvActor* copy() const override;                                                               \
+    OrvClassInfo* classInfo() const override;                                                      \
+    void write(OrvOStream& stream) const override;                                                 \
+    static OrvActor* read(OrvIStream& stream);                                                     \
     static OrvClassInfo* _classInfo;
 
 // ---------------------------------------------------------------------------
@@ -132,11 +132,11 @@ void OrvForgetUpdateDrawing(unsigned long on);
 // so only one 2D drag is under way at a time.
 class Orv2dDragger {
 public:
-    const Orv2dMatrix* matrix; // the matrix with which the handle was found
-    OrvPosition position;      // which handle; 0 for none
-    unsigned long dragging;    // 1 between button down and up
-    int32_t index;             // handle number, -1 for none
-    Orv2dPoint point;          // the handle's centre
+    const Orv2dMatrix* matrix;  // the matrix with which the handle was found
+    OrvPosition position;       // which handle; 0 for none
+    unsigned long dragging;     // 1 between button down and up
+    int32_t index;              // handle number, -1 for none
+    Orv2dPoint point;           // the handle's centre
 
     Orv2dDragger() : matrix(nullptr), position(0), dragging(0), index(-1) {}
     virtual ~Orv2dDragger() {}
@@ -156,10 +156,10 @@ public:
 
 class OrvActor {
 public:
-    OrvAList* userProperties; // made on first use
+    OrvAList* userProperties;  // made on first use
     uint32_t flags;
     unsigned short layer;
-    OrvMakeUp* makeUp;        // counted, never null after construction
+    OrvMakeUp* makeUp;  // counted, never null after construction
 
     OrvActor(OrvDirector* director, OrvMakeUp* makeUp = nullptr);
     OrvActor(const OrvActor& source);
@@ -213,7 +213,8 @@ public:
     virtual void map(void (*function)(OrvActor*, void*), void* data);
     virtual void mapReferences(void (*function)(OrvActor*, void*), void* data);
     virtual const char* defaultRole() const;
-    virtual unsigned long setHighlighted(unsigned long on, const Orv2dPoint& point, unsigned long redraw);
+    virtual unsigned long setHighlighted(unsigned long on, const Orv2dPoint& point,
+                                         unsigned long redraw);
     virtual void allowHighlight(unsigned long on);
     virtual void beginDrawing(unsigned long withLinks);
     virtual void flushDrawing(unsigned long withLinks);
@@ -317,7 +318,7 @@ public:
     OrvStage* drawingStage();
 
     static OrvClassInfo* _classInfo;
-    static OrvKey* _inVirtualStage;    // "ActorInVirtualStage"
+    static OrvKey* _inVirtualStage;  // "ActorInVirtualStage"
     static Orv2dDragger _default2dDragger;
     static OrvActor* read(OrvIStream& stream);
 

@@ -19,12 +19,16 @@ struct Orv2dPoint;
 // the system: freed blocks wait on the free list of their class.
 class OrvMemoryManager {
 public:
-    enum { NumClasses = 8, MaxPooledSize = 64, FirstChunkSize = 4096 };
+    enum {
+        NumClasses = 8,
+        MaxPooledSize = 64,
+        FirstChunkSize = 4096
+    };
 
-    void* freeList[NumClasses]; // heads; a free block holds the next in its first word
-    char* location;             // chunk cursor: the next block to carve
-    char* end;                  // end of the current chunk
-    unsigned chunkSize;         // size of the current chunk
+    void* freeList[NumClasses];  // heads; a free block holds the next in its first word
+    char* location;              // chunk cursor: the next block to carve
+    char* end;                   // end of the current chunk
+    unsigned chunkSize;          // size of the current chunk
 
     OrvMemoryManager();
     OrvMemoryManager(const OrvMemoryManager&) = delete;
@@ -145,9 +149,9 @@ public:
 // Keyed by the pointer's own value. Equal keys accumulate.
 class OrvHashTable {
 public:
-    unsigned size;      // bucket count, fixed
-    unsigned cardinal;  // number of entries
-    OrvAList** buckets; // null until the bucket's first insertion
+    unsigned size;       // bucket count, fixed
+    unsigned cardinal;   // number of entries
+    OrvAList** buckets;  // null until the bucket's first insertion
 
     explicit OrvHashTable(unsigned size);
     OrvHashTable(const OrvHashTable&) = delete;

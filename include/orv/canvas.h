@@ -21,27 +21,27 @@ class OrvBitmap;
 // Where a text or picture is placed; combinations are sums.
 typedef unsigned long OrvPosition;
 enum {
-  OrvLeft = 1,
-  OrvRight = 2,
-  OrvTop = 4,
-  OrvBottom = 8,
-  OrvCenter = 16,
-  OrvHorizontal = 32,
-  OrvVertical = 64
+    OrvLeft = 1,
+    OrvRight = 2,
+    OrvTop = 4,
+    OrvBottom = 8,
+    OrvCenter = 16,
+    OrvHorizontal = 32,
+    OrvVertical = 64
 };
 
 // How drawn pixels combine with those in place (X raster functions).
 typedef unsigned long OrvDrawMode;
 enum {
-  OrvCopyMode = 0,
-  OrvOrMode = 1,
-  OrvAndMode = 2,
-  OrvXorMode = 3,
-  OrvInvertMode = 4,
-  OrvCopyInvertedMode = 5,
-  OrvOrInvertedMode = 6,
-  OrvAndInvertedMode = 7,
-  OrvEquivMode = 8
+    OrvCopyMode = 0,
+    OrvOrMode = 1,
+    OrvAndMode = 2,
+    OrvXorMode = 3,
+    OrvInvertMode = 4,
+    OrvCopyInvertedMode = 5,
+    OrvOrInvertedMode = 6,
+    OrvAndInvertedMode = 7,
+    OrvEquivMode = 8
 };
 
 // The X raster function of a draw mode.
@@ -49,110 +49,112 @@ int OrvDrawModeFunction(OrvDrawMode mode);
 
 class OrvCanvas {
 public:
-  OrvCanvas(const OrvCanvas&) = delete;
-  OrvCanvas& operator=(const OrvCanvas&) = delete;
-  unsigned long width, height;  // never 0
-  unsigned long drawable;       // X Drawable
-  OrvDirector* director;
-  unsigned short depth;
-  char* name;  // malloc'ed
-  Orv2dRegion clip;  // empty: no clip
-  unsigned style;
-  int preparing;
-  unsigned long colormap;  // X Colormap
-  void* visual;            // X Visual*
-  int sharesRootResources;
+    OrvCanvas(const OrvCanvas&) = delete;
+    OrvCanvas& operator=(const OrvCanvas&) = delete;
+    unsigned long width, height;  // never 0
+    unsigned long drawable;       // X Drawable
+    OrvDirector* director;
+    unsigned short depth;
+    char* name;        // malloc'ed
+    Orv2dRegion clip;  // empty: no clip
+    unsigned style;
+    int preparing;
+    unsigned long colormap;  // X Colormap
+    void* visual;            // X Visual*
+    int sharesRootResources;
 
-  OrvCanvas(OrvDirector* director, unsigned long width, unsigned long height, void* drawable);
+    OrvCanvas(OrvDirector* director, unsigned long width, unsigned long height, void* drawable);
 
-  virtual ~OrvCanvas();
-  virtual void setClip(const Orv2dRegion* region);
-  virtual void getClip(Orv2dRegion& region) const;
-  virtual const Orv2dRegion* getClip() const;
-  virtual void polyLine(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
-                        unsigned long filled, const Orv2dMatrix* matrix = nullptr);
-  virtual void points(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
-                      const Orv2dMatrix* matrix = nullptr);
-  virtual void arc(const OrvMakeUp* makeUp, const Orv2dRect& rect, float start, float end,
-                   unsigned long filled, const Orv2dMatrix* matrix = nullptr);
-  virtual void bitblit(const OrvMakeUp* makeUp, const OrvCanvas* source, const Orv2dRect& rect,
-                       const Orv2dPoint& point, unsigned long mask = 0, const Orv2dMatrix* matrix = nullptr);
-  virtual void string(const OrvMakeUp* makeUp, const Orv2dPoint& point, const char* text,
-                      int length = 0, OrvPosition position = OrvLeft, unsigned long mnemonic = 0,
-                      const Orv2dMatrix* matrix = nullptr);
-  virtual void bezier(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
-                      unsigned long filled, const Orv2dMatrix* matrix = nullptr);
-  virtual void rectangle(const OrvMakeUp* makeUp, const Orv2dRect& rect, unsigned long filled,
+    virtual ~OrvCanvas();
+    virtual void setClip(const Orv2dRegion* region);
+    virtual void getClip(Orv2dRegion& region) const;
+    virtual const Orv2dRegion* getClip() const;
+    virtual void polyLine(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
+                          unsigned long filled, const Orv2dMatrix* matrix = nullptr);
+    virtual void points(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
+                        const Orv2dMatrix* matrix = nullptr);
+    virtual void arc(const OrvMakeUp* makeUp, const Orv2dRect& rect, float start, float end,
+                     unsigned long filled, const Orv2dMatrix* matrix = nullptr);
+    virtual void bitblit(const OrvMakeUp* makeUp, const OrvCanvas* source, const Orv2dRect& rect,
+                         const Orv2dPoint& point, unsigned long mask = 0,
                          const Orv2dMatrix* matrix = nullptr);
-  virtual void bitblit(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, const OrvCanvas* source,
-                       unsigned long mask, const Orv2dRegion* clip);
-  virtual void string(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, const char* text, int length,
-                      const Orv2dRegion* clip);
-  virtual void prepare(const Orv2dRegion* region);
-  virtual void end();
-  virtual unsigned long isABitmap() const;
-  virtual unsigned long isPrintDevice() const;
-  virtual const char* className() const;
-  virtual void initializeVisual();
+    virtual void string(const OrvMakeUp* makeUp, const Orv2dPoint& point, const char* text,
+                        int length = 0, OrvPosition position = OrvLeft, unsigned long mnemonic = 0,
+                        const Orv2dMatrix* matrix = nullptr);
+    virtual void bezier(const OrvMakeUp* makeUp, unsigned long count, const Orv2dPoint* points,
+                        unsigned long filled, const Orv2dMatrix* matrix = nullptr);
+    virtual void rectangle(const OrvMakeUp* makeUp, const Orv2dRect& rect, unsigned long filled,
+                           const Orv2dMatrix* matrix = nullptr);
+    virtual void bitblit(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix,
+                         const OrvCanvas* source, unsigned long mask, const Orv2dRegion* clip);
+    virtual void string(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, const char* text,
+                        int length, const Orv2dRegion* clip);
+    virtual void prepare(const Orv2dRegion* region);
+    virtual void end();
+    virtual unsigned long isABitmap() const;
+    virtual unsigned long isPrintDevice() const;
+    virtual const char* className() const;
+    virtual void initializeVisual();
 
-  void line(const OrvMakeUp* makeUp, const Orv2dPoint& from, const Orv2dPoint& to,
-            const Orv2dMatrix* matrix = nullptr);
-  void reliefRectangle(const OrvMakeUp* frame, const OrvMakeUp* surface, const OrvMakeUp* light,
+    void line(const OrvMakeUp* makeUp, const Orv2dPoint& from, const Orv2dPoint& to,
+              const Orv2dMatrix* matrix = nullptr);
+    void reliefRectangle(const OrvMakeUp* frame, const OrvMakeUp* surface, const OrvMakeUp* light,
+                         const OrvMakeUp* dark, const Orv2dRect& rect, unsigned long thickness,
+                         unsigned long drawFrame, const Orv2dMatrix* matrix = nullptr);
+    void reliefDiamond(const OrvMakeUp* frame, const OrvMakeUp* surface, const OrvMakeUp* light,
                        const OrvMakeUp* dark, const Orv2dRect& rect, unsigned long thickness,
                        unsigned long drawFrame, const Orv2dMatrix* matrix = nullptr);
-  void reliefDiamond(const OrvMakeUp* frame, const OrvMakeUp* surface, const OrvMakeUp* light,
-                     const OrvMakeUp* dark, const Orv2dRect& rect, unsigned long thickness,
-                     unsigned long drawFrame, const Orv2dMatrix* matrix = nullptr);
-  void clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const char* text, int length = 0,
-                  OrvPosition position = OrvCenter, unsigned long mnemonic = 0,
-                  const Orv2dMatrix* matrix = nullptr);
-  void clipBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const OrvBitmap* bitmap,
-                  OrvPosition position = OrvCenter, unsigned long mask = 0,
-                  const Orv2dMatrix* matrix = nullptr);
-  void clipStringBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const char* text,
-                        const OrvBitmap* bitmap, int length = 0, unsigned long mnemonic = 0,
-                        OrvPosition position = OrvCenter, OrvPosition bitmapPosition = OrvLeft,
-                        const Orv2dMatrix* matrix = nullptr);
-  void testClip(const OrvMakeUp* makeUp) const;
+    void clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const char* text,
+                    int length = 0, OrvPosition position = OrvCenter, unsigned long mnemonic = 0,
+                    const Orv2dMatrix* matrix = nullptr);
+    void clipBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const OrvBitmap* bitmap,
+                    OrvPosition position = OrvCenter, unsigned long mask = 0,
+                    const Orv2dMatrix* matrix = nullptr);
+    void clipStringBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const char* text,
+                          const OrvBitmap* bitmap, int length = 0, unsigned long mnemonic = 0,
+                          OrvPosition position = OrvCenter, OrvPosition bitmapPosition = OrvLeft,
+                          const Orv2dMatrix* matrix = nullptr);
+    void testClip(const OrvMakeUp* makeUp) const;
 
-  // Realisation of resources on this canvas; each returns non-zero on success.
-  int make2dColor(OrvColor* color, unsigned long& index);
-  int makeFont(OrvRasterFont* font, const char* name);
-  int makeLineStyle(OrvLineStyle* lineStyle);
-  int makeCursor(OrvCursor* cursor);
-  int makeMakeUp(const OrvMakeUp* makeUp, unsigned long ghost);
-  int makePattern(OrvPattern* pattern);
+    // Realisation of resources on this canvas; each returns non-zero on success.
+    int make2dColor(OrvColor* color, unsigned long& index);
+    int makeFont(OrvRasterFont* font, const char* name);
+    int makeLineStyle(OrvLineStyle* lineStyle);
+    int makeCursor(OrvCursor* cursor);
+    int makeMakeUp(const OrvMakeUp* makeUp, unsigned long ghost);
+    int makePattern(OrvPattern* pattern);
 
-  // The canvas whose realisations this one uses.
-  const OrvCanvas* resourceCanvas() const;
-  // The drawable on which graphic contexts for this canvas are made.
-  unsigned long contextDrawable() const;
+    // The canvas whose realisations this one uses.
+    const OrvCanvas* resourceCanvas() const;
+    // The drawable on which graphic contexts for this canvas are made.
+    unsigned long contextDrawable() const;
 
 private:
-  void copyArea(const OrvMakeUp* makeUp, unsigned long sourceDrawable, unsigned short sourceDepth,
-                const OrvBitmap* sourceMask, const Orv2dRect& rect, const Orv2dPoint& point,
-                unsigned long mask);
+    void copyArea(const OrvMakeUp* makeUp, unsigned long sourceDrawable, unsigned short sourceDepth,
+                  const OrvBitmap* sourceMask, const Orv2dRect& rect, const Orv2dPoint& point,
+                  unsigned long mask);
 };
 
 class OrvBitmap : public OrvCanvas {
 public:
-  unsigned long lockCount;
-  OrvList colors;  // counted OrvColor* that its pixels use
-  OrvBitmap* mask;
+    unsigned long lockCount;
+    OrvList colors;  // counted OrvColor* that its pixels use
+    OrvBitmap* mask;
 
-  OrvBitmap(const OrvCanvas* canvas, unsigned long width, unsigned long height, unsigned long depth);
-  ~OrvBitmap() override;
-  unsigned long isABitmap() const override;
-  unsigned long isPrintDevice() const override;
-  const char* className() const override;
+    OrvBitmap(const OrvCanvas* canvas, unsigned long width, unsigned long height,
+              unsigned long depth);
+    ~OrvBitmap() override;
+    unsigned long isABitmap() const override;
+    unsigned long isPrintDevice() const override;
+    const char* className() const override;
 
-  void lock();
-  void unLock();
-  void setMask(OrvBitmap* mask);
-  unsigned char* getBits(unsigned long& size, const Orv2dRect& rect) const;
-  void setBits(const Orv2dRect& rect, const unsigned char* data, unsigned long size, unsigned short pad,
-               unsigned long lsbFirst);
-  void useColor(OrvColor* color);
+    void lock();
+    void unLock();
+    void setMask(OrvBitmap* mask);
+    unsigned char* getBits(unsigned long& size, const Orv2dRect& rect) const;
+    void setBits(const Orv2dRect& rect, const unsigned char* data, unsigned long size,
+                 unsigned short pad, unsigned long lsbFirst);
+    void useColor(OrvColor* color);
 };
 
 // Sets the raster function of the canvas's depth-1 graphic context.

@@ -31,228 +31,232 @@ class OrvMessageDatabase;
 
 class OrvDirector {
 public:
-  OrvDirector(const OrvDirector&) = delete;
-  OrvDirector& operator=(const OrvDirector&) = delete;
-  unsigned int markerLists;    // first of the 40 GL marker lists, 0 until a 3D view makes them
-  unsigned short glVersion;    // 10, or 11 when GL_VERSION says "1.1"
-  void* display;               // Display*
+    OrvDirector(const OrvDirector&) = delete;
+    OrvDirector& operator=(const OrvDirector&) = delete;
+    unsigned int markerLists;  // first of the 40 GL marker lists, 0 until a 3D view makes them
+    unsigned short glVersion;  // 10, or 11 when GL_VERSION says "1.1"
+    void* display;             // Display*
 
-  // ----- Named resources and make-ups ------------------------------------
-  // Tables, lists and defaults of the shared drawing resources; they are
-  // filled by initResources() and emptied by closeResources().
-  OrvStringHashTable* colors;
-  OrvList* images;
-  OrvStringHashTable* fonts;
-  OrvStringHashTable* vfonts;
-  OrvMakeUpHashTable* makeUps;
-  OrvTextureHashTable* textures;
-  OrvAList colorNames;         // further names of colours: name, colour
-  OrvList* bitmaps;
-  OrvList* cursors;
-  OrvList* patterns;
-  OrvList* lineStyles;
-  OrvList* environments;
-  OrvMakeUp* defaultMakeUp;
-  OrvMakeUp* wideMakeUp;       // the default make-up with line width 4
-  OrvRasterFont* defaultFont;
-  OrvVectorialFont* defaultVectorialFont;
-  OrvColor* defaultBackground;
-  OrvColor* defaultForeground;
-  OrvPattern* solidPattern;
-  OrvCursor* defaultCursor;
-  OrvLineStyle* solidLineStyle;
-  OrvAList depth1Contexts;     // X graphic contexts of depth 1, by canvas
-  OrvAList depth8Contexts;     // and of depth 8
-  OrvBitmap* screenBufferBitmap;  // the shared off-screen buffer of screenBuffer()
-  OrvTotalMakeUp* tmpMakeUpObject;
-  void* tmpTextureObject;
-  OrvEnvironment* defaultEnvironment;
-  OrvMakeUp* balloonMakeUp;    // the default make-up on "wheat" in Helvetica 10
-  unsigned long makeUpLookups, makeUpCreations;
+    // ----- Named resources and make-ups ------------------------------------
+    // Tables, lists and defaults of the shared drawing resources; they are
+    // filled by initResources() and emptied by closeResources().
+    OrvStringHashTable* colors;
+    OrvList* images;
+    OrvStringHashTable* fonts;
+    OrvStringHashTable* vfonts;
+    OrvMakeUpHashTable* makeUps;
+    OrvTextureHashTable* textures;
+    OrvAList colorNames;  // further names of colours: name, colour
+    OrvList* bitmaps;
+    OrvList* cursors;
+    OrvList* patterns;
+    OrvList* lineStyles;
+    OrvList* environments;
+    OrvMakeUp* defaultMakeUp;
+    OrvMakeUp* wideMakeUp;  // the default make-up with line width 4
+    OrvRasterFont* defaultFont;
+    OrvVectorialFont* defaultVectorialFont;
+    OrvColor* defaultBackground;
+    OrvColor* defaultForeground;
+    OrvPattern* solidPattern;
+    OrvCursor* defaultCursor;
+    OrvLineStyle* solidLineStyle;
+    OrvAList depth1Contexts;        // X graphic contexts of depth 1, by canvas
+    OrvAList depth8Contexts;        // and of depth 8
+    OrvBitmap* screenBufferBitmap;  // the shared off-screen buffer of screenBuffer()
+    OrvTotalMakeUp* tmpMakeUpObject;
+    void* tmpTextureObject;
+    OrvEnvironment* defaultEnvironment;
+    OrvMakeUp* balloonMakeUp;  // the default make-up on "wheat" in Helvetica 10
+    unsigned long makeUpLookups, makeUpCreations;
 
-  // Makes the default resources (called by init()).
-  void initResources();
-  // Creates the empty tables (called by initSlots()).
-  void initResourceSlots();
-  // Releases every table and what lies in it; only after close() began.
-  void closeResources();
+    // Makes the default resources (called by init()).
+    void initResources();
+    // Creates the empty tables (called by initSlots()).
+    void initResourceSlots();
+    // Releases every table and what lies in it; only after close() began.
+    void closeResources();
 
-  // Colours: by name ("#RGB", "#RRGGBB", "#RRRRGGGGBBBB" or an X name), by value, by HSV or HLS.
-  virtual OrvColor* color(const char* name, unsigned long flag = 0);
-  virtual OrvColor* color(float r, float g, float b, unsigned long flag = 0);
-  virtual OrvColor* colorHSV(float h, float s, float v, unsigned long flag = 0);
-  virtual OrvColor* colorHLS(float h, float l, float s, unsigned long flag = 0);
-  // Raster fonts: "%family-size-BIU[-foundry]" or an X font name.
-  virtual OrvRasterFont* font(const char* name);
-  virtual OrvRasterFont* systemFont(const char* name);
-  virtual OrvRasterFont* font(const char* family, unsigned short size, OrvFontStyle style,
-                              const char* foundry = nullptr);
-  virtual OrvPattern* pattern(const char* name) const;
-  virtual OrvPattern* pattern(const char* name, unsigned long width, unsigned long height,
-                              const unsigned char* data);
-  virtual OrvCursor* cursor(const char* name);
-  virtual OrvMakeUp* makeUp(OrvColor* background, OrvColor* foreground, OrvLineStyle* lineStyle,
-                            unsigned short lineWidth, OrvPattern* pattern, OrvRasterFont* font,
-                            OrvBitmap* colorPattern, OrvFillStyle fillStyle, OrvArcMode arcMode,
-                            OrvFillRule fillRule, OrvVectorialFont* vfont, unsigned long distinguish,
-                            unsigned long smooth, OrvCullingMode cull, OrvFaceStyle frontStyle,
-                            OrvFaceStyle backStyle, OrvMarkerType markerType,
-                            unsigned short markerScale, OrvTexture* texture);
-  virtual OrvMakeUp* makeUpBackground(const OrvMakeUp* base, OrvColor* color);
-  virtual OrvMakeUp* makeUpForeground(const OrvMakeUp* base, OrvColor* color);
-  virtual OrvMakeUp* makeUpPattern(const OrvMakeUp* base, OrvPattern* pattern);
-  virtual OrvMakeUp* makeUpLineStyle(const OrvMakeUp* base, OrvLineStyle* lineStyle);
-  virtual OrvMakeUp* makeUpLineWidth(const OrvMakeUp* base, unsigned short width);
-  virtual OrvMakeUp* makeUpFont(const OrvMakeUp* base, OrvRasterFont* font);
-  virtual OrvMakeUp* makeUpColorPattern(const OrvMakeUp* base, OrvBitmap* colorPattern);
-  virtual OrvMakeUp* makeUpFillStyle(const OrvMakeUp* base, OrvFillStyle fillStyle);
-  virtual OrvMakeUp* makeUpArcMode(const OrvMakeUp* base, OrvArcMode arcMode);
-  virtual OrvMakeUp* makeUpFillRule(const OrvMakeUp* base, OrvFillRule fillRule);
-  virtual OrvMakeUp* makeUpSmooth(const OrvMakeUp* base, unsigned long smooth);
-  virtual OrvMakeUp* makeUpDistinguish(const OrvMakeUp* base, unsigned long distinguish);
-  virtual OrvMakeUp* makeUpCull(const OrvMakeUp* base, OrvCullingMode cull);
-  virtual OrvMakeUp* makeUpFrontStyle(const OrvMakeUp* base, OrvFaceStyle style);
-  virtual OrvMakeUp* makeUpBackStyle(const OrvMakeUp* base, OrvFaceStyle style);
-  virtual OrvMakeUp* makeUpMarkerType(const OrvMakeUp* base, OrvMarkerType type);
-  virtual OrvMakeUp* makeUpMarkerScale(const OrvMakeUp* base, unsigned short scale);
-  virtual OrvMakeUp* makeUpVectorialFont(const OrvMakeUp* base, OrvVectorialFont* vfont);
-  virtual OrvMakeUp* makeUpTexture(const OrvMakeUp* base, OrvTexture* texture);
-  virtual OrvLineStyle* lineStyle(unsigned short count, const unsigned char* dashes,
-                                  unsigned short offset = 0, unsigned short pattern = 0xFFFF);
-  virtual OrvLineStyle* lineStyle(const char* name) const;
-  virtual OrvCursor* positionToCursor(OrvPosition position);
-  virtual OrvBitmap* bitmap(const char* name) const;
-  virtual OrvBitmap* readBitmap(const OrvCanvas* canvas, const char* file);
-  virtual OrvBitmap* readAsciiBitmap(const OrvCanvas* canvas, const char* file);
+    // Colours: by name ("#RGB", "#RRGGBB", "#RRRRGGGGBBBB" or an X name), by value, by HSV or HLS.
+    virtual OrvColor* color(const char* name, unsigned long flag = 0);
+    virtual OrvColor* color(float r, float g, float b, unsigned long flag = 0);
+    virtual OrvColor* colorHSV(float h, float s, float v, unsigned long flag = 0);
+    virtual OrvColor* colorHLS(float h, float l, float s, unsigned long flag = 0);
+    // Raster fonts: "%family-size-BIU[-foundry]" or an X font name.
+    virtual OrvRasterFont* font(const char* name);
+    virtual OrvRasterFont* systemFont(const char* name);
+    virtual OrvRasterFont* font(const char* family, unsigned short size, OrvFontStyle style,
+                                const char* foundry = nullptr);
+    virtual OrvPattern* pattern(const char* name) const;
+    virtual OrvPattern* pattern(const char* name, unsigned long width, unsigned long height,
+                                const unsigned char* data);
+    virtual OrvCursor* cursor(const char* name);
+    virtual OrvMakeUp* makeUp(OrvColor* background, OrvColor* foreground, OrvLineStyle* lineStyle,
+                              unsigned short lineWidth, OrvPattern* pattern, OrvRasterFont* font,
+                              OrvBitmap* colorPattern, OrvFillStyle fillStyle, OrvArcMode arcMode,
+                              OrvFillRule fillRule, OrvVectorialFont* vfont,
+                              unsigned long distinguish, unsigned long smooth, OrvCullingMode cull,
+                              OrvFaceStyle frontStyle, OrvFaceStyle backStyle,
+                              OrvMarkerType markerType, unsigned short markerScale,
+                              OrvTexture* texture);
+    virtual OrvMakeUp* makeUpBackground(const OrvMakeUp* base, OrvColor* color);
+    virtual OrvMakeUp* makeUpForeground(const OrvMakeUp* base, OrvColor* color);
+    virtual OrvMakeUp* makeUpPattern(const OrvMakeUp* base, OrvPattern* pattern);
+    virtual OrvMakeUp* makeUpLineStyle(const OrvMakeUp* base, OrvLineStyle* lineStyle);
+    virtual OrvMakeUp* makeUpLineWidth(const OrvMakeUp* base, unsigned short width);
+    virtual OrvMakeUp* makeUpFont(const OrvMakeUp* base, OrvRasterFont* font);
+    virtual OrvMakeUp* makeUpColorPattern(const OrvMakeUp* base, OrvBitmap* colorPattern);
+    virtual OrvMakeUp* makeUpFillStyle(const OrvMakeUp* base, OrvFillStyle fillStyle);
+    virtual OrvMakeUp* makeUpArcMode(const OrvMakeUp* base, OrvArcMode arcMode);
+    virtual OrvMakeUp* makeUpFillRule(const OrvMakeUp* base, OrvFillRule fillRule);
+    virtual OrvMakeUp* makeUpSmooth(const OrvMakeUp* base, unsigned long smooth);
+    virtual OrvMakeUp* makeUpDistinguish(const OrvMakeUp* base, unsigned long distinguish);
+    virtual OrvMakeUp* makeUpCull(const OrvMakeUp* base, OrvCullingMode cull);
+    virtual OrvMakeUp* makeUpFrontStyle(const OrvMakeUp* base, OrvFaceStyle style);
+    virtual OrvMakeUp* makeUpBackStyle(const OrvMakeUp* base, OrvFaceStyle style);
+    virtual OrvMakeUp* makeUpMarkerType(const OrvMakeUp* base, OrvMarkerType type);
+    virtual OrvMakeUp* makeUpMarkerScale(const OrvMakeUp* base, unsigned short scale);
+    virtual OrvMakeUp* makeUpVectorialFont(const OrvMakeUp* base, OrvVectorialFont* vfont);
+    virtual OrvMakeUp* makeUpTexture(const OrvMakeUp* base, OrvTexture* texture);
+    virtual OrvLineStyle* lineStyle(unsigned short count, const unsigned char* dashes,
+                                    unsigned short offset = 0, unsigned short pattern = 0xFFFF);
+    virtual OrvLineStyle* lineStyle(const char* name) const;
+    virtual OrvCursor* positionToCursor(OrvPosition position);
+    virtual OrvBitmap* bitmap(const char* name) const;
+    virtual OrvBitmap* readBitmap(const OrvCanvas* canvas, const char* file);
+    virtual OrvBitmap* readAsciiBitmap(const OrvCanvas* canvas, const char* file);
 
-  OrvColor* nearestColor(unsigned short r, unsigned short g, unsigned short b, unsigned* distance) const;
-  void addColorName(OrvColor* color, const char* name);
-  void removeColorNames(OrvColor* color);
-  void remove(OrvColor* color);
-  void colorTable(unsigned short* r, unsigned short* g, unsigned short* b, const OrvCanvas* canvas) const;
-  void indexToRGB(unsigned pixel, float& r, float& g, float& b) const;
-  unsigned long numberOfColors() const;
-  // Puts a font in the table and realises it, loading the X font `loadName`.
-  int addFont(OrvRasterFont* font, const char* loadName = nullptr);
-  const int* fontSizes(const char* family, OrvFontStyle style, int& count, const char* foundry = nullptr) const;
+    OrvColor* nearestColor(unsigned short r, unsigned short g, unsigned short b,
+                           unsigned* distance) const;
+    void addColorName(OrvColor* color, const char* name);
+    void removeColorNames(OrvColor* color);
+    void remove(OrvColor* color);
+    void colorTable(unsigned short* r, unsigned short* g, unsigned short* b,
+                    const OrvCanvas* canvas) const;
+    void indexToRGB(unsigned pixel, float& r, float& g, float& b) const;
+    unsigned long numberOfColors() const;
+    // Puts a font in the table and realises it, loading the X font `loadName`.
+    int addFont(OrvRasterFont* font, const char* loadName = nullptr);
+    const int* fontSizes(const char* family, OrvFontStyle style, int& count,
+                         const char* foundry = nullptr) const;
 
-  OrvMakeUp* copyMakeUp(const OrvMakeUp* base);
-  OrvMakeUp* tmpMakeUp();
-  void addMakeUp(OrvMakeUp* makeUp);
-  void remove(OrvMakeUp* makeUp);
-  // Plain X graphic contexts of depth 1 and 8 for a canvas, made at first use.
-  unsigned long defaultDepth1MakeUp(const OrvCanvas* canvas);
-  unsigned long defaultDepth8MakeUp(const OrvCanvas* canvas);
-  // The shared off-screen bitmap, at least width by height.
-  OrvBitmap* screenBuffer(unsigned long width, unsigned long height);
+    OrvMakeUp* copyMakeUp(const OrvMakeUp* base);
+    OrvMakeUp* tmpMakeUp();
+    void addMakeUp(OrvMakeUp* makeUp);
+    void remove(OrvMakeUp* makeUp);
+    // Plain X graphic contexts of depth 1 and 8 for a canvas, made at first use.
+    unsigned long defaultDepth1MakeUp(const OrvCanvas* canvas);
+    unsigned long defaultDepth8MakeUp(const OrvCanvas* canvas);
+    // The shared off-screen bitmap, at least width by height.
+    OrvBitmap* screenBuffer(unsigned long width, unsigned long height);
 
 protected:
-  void initFonts();
-  void initColors();
-  void initPatterns();
-  void initLineStyles();
-  void initCursors();
-  OrvRasterFont* font(const char* family, unsigned short size, const char* resolution, OrvFontStyle style,
-                      const char* foundry);
+    void initFonts();
+    void initColors();
+    void initPatterns();
+    void initLineStyles();
+    void initCursors();
+    OrvRasterFont* font(const char* family, unsigned short size, const char* resolution,
+                        OrvFontStyle style, const char* foundry);
 
 public:
-  // ----- end of named resources and make-ups ------------------------------
+    // ----- end of named resources and make-ups ------------------------------
 
-  OrvList* timers;
-  OrvList* roles;
-  OrvList* theaters;
-  OrvList* workProcedures;
-  OrvHashTable* views;         // OrvView by X window id
-  char* name;                  // application name, never null
-  int ownsDisplay;
-  int screenWidth, screenHeight;
-  unsigned short depth;
-  OrvCanvas* rootCanvas;
-  char* path;                  // colon-separated directories
-  int connectionNumber;
-  unsigned short doubleClickPeriod;  // milliseconds
-  OrvEvent lastButtonEvent;    // the last button press, for double clicks
-  int closed;
-  OrvList* grabbedViews;
-  OrvScene* currentScene;
-  unsigned long colormap;      // Colormap
-  void* visual;                // Visual*
-  OrvMessageDatabase* database;
-  OrvKey* language;
-  void* rootContext;           // GLXContext, root of the shared display lists
-  int doNotOptimize;
+    OrvList* timers;
+    OrvList* roles;
+    OrvList* theaters;
+    OrvList* workProcedures;
+    OrvHashTable* views;  // OrvView by X window id
+    char* name;           // application name, never null
+    int ownsDisplay;
+    int screenWidth, screenHeight;
+    unsigned short depth;
+    OrvCanvas* rootCanvas;
+    char* path;  // colon-separated directories
+    int connectionNumber;
+    unsigned short doubleClickPeriod;  // milliseconds
+    OrvEvent lastButtonEvent;          // the last button press, for double clicks
+    int closed;
+    OrvList* grabbedViews;
+    OrvScene* currentScene;
+    unsigned long colormap;  // Colormap
+    void* visual;            // Visual*
+    OrvMessageDatabase* database;
+    OrvKey* language;
+    void* rootContext;  // GLXContext, root of the shared display lists
+    int doNotOptimize;
 
-  OrvDirector(const char* name, const char* displayName, int argc, char** argv);
-  OrvDirector(void* display, const char* name);
-  virtual ~OrvDirector();
+    OrvDirector(const char* name, const char* displayName, int argc, char** argv);
+    OrvDirector(void* display, const char* name);
+    virtual ~OrvDirector();
 
-  void close();
+    void close();
 
-  // X resources under the application's name, then under "Orv".
-  const char* resource(const char* key, const char* defaultValue) const;
+    // X resources under the application's name, then under "Orv".
+    const char* resource(const char* key, const char* defaultValue) const;
 
-  void setPath(const char* p);
-  void appendToPath(const char* d);
-  void prependToPath(const char* d);
-  const char* findInPath(const char* file) const;
+    void setPath(const char* p);
+    void appendToPath(const char* d);
+    void prependToPath(const char* d);
+    const char* findInPath(const char* file) const;
 
-  OrvView* view(const char* name) const;
-  OrvView* view(const Orv2dPoint& rootPoint) const;
-  void addView(OrvView* view);
-  void removeView(OrvView* view);
-  OrvView* findView(unsigned long window) const;
+    OrvView* view(const char* name) const;
+    OrvView* view(const Orv2dPoint& rootPoint) const;
+    void addView(OrvView* view);
+    void removeView(OrvView* view);
+    OrvView* findView(unsigned long window) const;
 
-  void add(OrvBitmap* bitmap);
-  void remove(OrvBitmap* bitmap);
-  void add(OrvTimer* timer);
-  void remove(OrvTimer* timer);
-  void add(OrvRole* role);
-  void remove(OrvRole* role);
-  void add(OrvTheater* theater);
-  void remove(OrvTheater* theater);
-  void add(OrvWorkProcedure* proc);
-  void remove(OrvWorkProcedure* proc);
+    void add(OrvBitmap* bitmap);
+    void remove(OrvBitmap* bitmap);
+    void add(OrvTimer* timer);
+    void remove(OrvTimer* timer);
+    void add(OrvRole* role);
+    void remove(OrvRole* role);
+    void add(OrvTheater* theater);
+    void remove(OrvTheater* theater);
+    void add(OrvWorkProcedure* proc);
+    void remove(OrvWorkProcedure* proc);
 
-  void movePointer(const Orv2dPoint& rootPoint) const;
-  void translatePointer(long dx, long dy) const;
-  // Root coordinates and the modifiers mask of the pointer; 0 when it is on another screen.
-  int queryPointer(long& x, long& y, unsigned short& modifiers) const;
-  void bell(int volume) const;
-  void setClipboard(const char* text, int length = 0) const;
-  char* getClipboard(int& length) const;
-  void flush() const;
-  void synchronize(int on) const;
-  unsigned long defaultColormap(unsigned& size) const;
-  void* defaultVisual() const;
-  const char* systemName() const { return "x11"; }
+    void movePointer(const Orv2dPoint& rootPoint) const;
+    void translatePointer(long dx, long dy) const;
+    // Root coordinates and the modifiers mask of the pointer; 0 when it is on another screen.
+    int queryPointer(long& x, long& y, unsigned short& modifiers) const;
+    void bell(int volume) const;
+    void setClipboard(const char* text, int length = 0) const;
+    char* getClipboard(int& length) const;
+    void flush() const;
+    void synchronize(int on) const;
+    unsigned long defaultColormap(unsigned& size) const;
+    void* defaultVisual() const;
+    const char* systemName() const { return "x11"; }
 
-  // The event loop (see event.h).
-  void waitAndDispatchEvents() const;
-  void readAndDispatchEvents() const;
-  int hasEvents() const;
-  void grab(OrvView* view);
-  void unGrab(OrvView* view);
-  int isGrabbed(OrvView* view) const;
-  OrvView* grabView() const;
-  void setDoubleClickPeriod(unsigned short ms) { doubleClickPeriod = ms; }
-  unsigned short getDoubleClickPeriod() const { return doubleClickPeriod; }
-  const OrvEvent& lastEvent() const { return lastButtonEvent; }
-  OrvEvent& lastEvent() { return lastButtonEvent; }
+    // The event loop (see event.h).
+    void waitAndDispatchEvents() const;
+    void readAndDispatchEvents() const;
+    int hasEvents() const;
+    void grab(OrvView* view);
+    void unGrab(OrvView* view);
+    int isGrabbed(OrvView* view) const;
+    OrvView* grabView() const;
+    void setDoubleClickPeriod(unsigned short ms) { doubleClickPeriod = ms; }
+    unsigned short getDoubleClickPeriod() const { return doubleClickPeriod; }
+    const OrvEvent& lastEvent() const { return lastButtonEvent; }
+    OrvEvent& lastEvent() { return lastButtonEvent; }
 
-  // GL: the zero-ended glXChooseVisual attribute list, and the root context.
-  virtual const int* get3dRendererConfig() const;
-  virtual unsigned long initializeVisual();
-  void initContext();
-  void closeContext();
+    // GL: the zero-ended glXChooseVisual attribute list, and the root context.
+    virtual const int* get3dRendererConfig() const;
+    virtual unsigned long initializeVisual();
+    void initContext();
+    void closeContext();
 
 protected:
-  void initSlots();
-  void systemInit(const char* name, const char* displayName, int argc, char** argv);
-  void init();
-  void systemClose();
-  // Parts of closeResources that belong to the loop and the windows.
-  void closeRolesAndViews();
-  void closeTimers();
+    void initSlots();
+    void systemInit(const char* name, const char* displayName, int argc, char** argv);
+    void init();
+    void systemClose();
+    // Parts of closeResources that belong to the loop and the windows.
+    void closeRolesAndViews();
+    void closeTimers();
 };
 
 // The list of all directors, null before the first one.

@@ -53,8 +53,8 @@ struct Orv2dRect {
         return x <= p.x && p.x <= right() && y <= p.y && p.y <= bottom();
     }
     bool contains(const Orv2dRect& r) const {
-        return x <= r.x && r.x <= right() && y <= r.y && r.y <= bottom() &&
-               r.right() <= right() && r.bottom() <= bottom();
+        return x <= r.x && r.x <= right() && y <= r.y && r.y <= bottom() && r.right() <= right() &&
+               r.bottom() <= bottom();
     }
     // Rectangles that only touch do not intersect.
     bool intersects(const Orv2dRect& r) const {
@@ -131,7 +131,8 @@ struct Orv3dVector {
     Orv3dVector() : x(0), y(0), z(0) {}
     Orv3dVector(float x, float y, float z) : x(x), y(y), z(z) {}
     // The vector from a to b.
-    Orv3dVector(const Orv3dPoint& a, const Orv3dPoint& b) : x(b.x - a.x), y(b.y - a.y), z(b.z - a.z) {}
+    Orv3dVector(const Orv3dPoint& a, const Orv3dPoint& b)
+        : x(b.x - a.x), y(b.y - a.y), z(b.z - a.z) {}
 
     bool operator==(const Orv3dVector& v) const { return x == v.x && y == v.y && z == v.z; }
     bool operator!=(const Orv3dVector& v) const { return !(*this == v); }
@@ -175,7 +176,9 @@ struct Orv4dPoint {
     }
 };
 
-inline Orv4dPoint Orv3dPoint::to4dPoint() const { return Orv4dPoint(x, y, z, 1); }
+inline Orv4dPoint Orv3dPoint::to4dPoint() const {
+    return Orv4dPoint(x, y, z, 1);
+}
 
 struct Orv3dRect {
     float x, y, w, h;
@@ -232,7 +235,13 @@ struct Orv3dVolume {
 
 // a·x + b·y + c·z + d = 0.
 struct Orv3dPlane {
-    enum { OrvPlaneAbove = 0x1000, OrvPlaneOn = 0x2000, OrvPlaneBelow = 0x4000, OrvPlaneAboveToBelow = 0x8000, OrvPlaneBelowToAbove = 0x10000 };
+    enum {
+        OrvPlaneAbove = 0x1000,
+        OrvPlaneOn = 0x2000,
+        OrvPlaneBelow = 0x4000,
+        OrvPlaneAboveToBelow = 0x8000,
+        OrvPlaneBelowToAbove = 0x10000
+    };
 
     float a, b, c, d;
 
@@ -250,7 +259,8 @@ struct Orv3dPlane {
     }
     unsigned long whichSide(const Orv3dPoint& p1, const Orv3dPoint& p2) const;
     // 0x2000 means no usable intersection; p1 and p2 are treated unlike on purpose.
-    unsigned long lineIntersection(Orv3dPoint& out, const Orv3dPoint& p1, const Orv3dPoint& p2) const;
+    unsigned long lineIntersection(Orv3dPoint& out, const Orv3dPoint& p1,
+                                   const Orv3dPoint& p2) const;
 };
 
 // ---------------------------------------------------------------------------
@@ -262,8 +272,8 @@ struct Orv3dPlane {
 struct Orv2dMatrix {
     float a, b, c, d, tx, ty;
     double det;
-    uint32_t unit;     // diagonal, with a and d within 0.0001 of 1
-    uint32_t diagonal; // b and c below 1e-12
+    uint32_t unit;      // diagonal, with a and d within 0.0001 of 1
+    uint32_t diagonal;  // b and c below 1e-12
 
     Orv2dMatrix() : a(1), b(0), c(0), d(1), tx(0), ty(0), det(1), unit(1), diagonal(1) {}
     // Rotation about a point by degrees, built with 3.14 for pi on purpose.
@@ -422,7 +432,8 @@ struct Orv3dMatrix {
     // About the direction p1→p2 through the origin; p1's position is not used.
     void rotate(const Orv3dPoint& p1, const Orv3dPoint& p2, const double& degrees,
                 const unsigned long accumulate = 0);
-    void translate(const float& x, const float& y, const float& z, const unsigned long accumulate = 0);
+    void translate(const float& x, const float& y, const float& z,
+                   const unsigned long accumulate = 0);
     void scale(const float& x, const float& y, const float& z, const unsigned long accumulate = 0);
     // T(t + c) · Rz · Ry · Rx · S · T(−c), angles in degrees.
     void build(const Orv3dPoint& c, const Orv3dVector& t, const double& rx, const double& ry,
@@ -461,7 +472,7 @@ struct Orv3dMatrix {
     float det4() const;
 };
 
-Orv3dMatrix OrvCompute3dMatrix(const Orv3dVolume& from, const Orv3dVolume& to, double rx,
-                               double ry, double rz);
+Orv3dMatrix OrvCompute3dMatrix(const Orv3dVolume& from, const Orv3dVolume& to, double rx, double ry,
+                               double rz);
 
 #endif

@@ -21,11 +21,11 @@ typedef void (*OrvActorFunction)(OrvActor*, void*);
 class OrvStageLayer {
 public:
     OrvStage* stage;
-    OrvActor** actors;     // index 0 is painted first and lies at the back
+    OrvActor** actors;  // index 0 is painted first and lies at the back
     uint32_t count;
-    uint32_t capacity;     // 4 after init; one slot is always kept free
-    unsigned long visible; // a hidden layer is neither painted nor hit
-    unsigned long enabled; // kept for the application; no operation here reads it
+    uint32_t capacity;      // 4 after init; one slot is always kept free
+    unsigned long visible;  // a hidden layer is neither painted nor hit
+    unsigned long enabled;  // kept for the application; no operation here reads it
     unsigned short number;
 
     OrvStageLayer(OrvStage* stage, unsigned short number);
@@ -100,11 +100,11 @@ public:
     OrvQuadtree* topRight;
     OrvQuadtree* bottomLeft;
     OrvQuadtree* bottomRight;
-    OrvLink* head;     // actors held at this node itself
+    OrvLink* head;  // actors held at this node itself
     OrvLink* tail;
-    uint32_t count;    // actors at this node and below
-    uint32_t internal; // 1 once the node has split
-    uint32_t max;      // leaf capacity before a split; the same in all nodes
+    uint32_t count;     // actors at this node and below
+    uint32_t internal;  // 1 once the node has split
+    uint32_t max;       // leaf capacity before a split; the same in all nodes
     Orv2dRect box;
 
     // All fields 0.
@@ -121,11 +121,12 @@ public:
     int insideP(OrvActor* actor) const;
 
     void apply(OrvActorFunction function, void* data);
-    void applyIntersect(const Orv2dRegion& local, const Orv2dRegion& clip, OrvActorFunction function,
-                        void* data, const Orv2dMatrix* matrix);
+    void applyIntersect(const Orv2dRegion& local, const Orv2dRegion& clip,
+                        OrvActorFunction function, void* data, const Orv2dMatrix* matrix);
     void applyInside(const Orv2dRegion& local, const Orv2dRegion& clip, OrvActorFunction function,
                      void* data, const Orv2dMatrix* matrix);
-    OrvActor* contains(const Orv2dPoint& local, const Orv2dPoint& original, const Orv2dMatrix* matrix);
+    OrvActor* contains(const Orv2dPoint& local, const Orv2dPoint& original,
+                       const Orv2dMatrix* matrix);
     // Frees everything, this node included: the caller must not touch it after.
     void empty(unsigned long deleteActors);
     // Bytes held by this node and those below it: nodes, links and arrays,
@@ -158,8 +159,8 @@ private:
     void nodeAddList(OrvLink* list);
     void nodeRemove(OrvActor* actor, const Orv2dRect& r);
     int nodeInsideP(const OrvActor* actor, const Orv2dRect& r) const;
-    void applyInsideNode(const Orv2dRegion& local, const Orv2dRegion& clip, OrvActorFunction function,
-                         void* data, const Orv2dMatrix* matrix);
+    void applyInsideNode(const Orv2dRegion& local, const Orv2dRegion& clip,
+                         OrvActorFunction function, void* data, const Orv2dMatrix* matrix);
 };
 
 // ---------------------------------------------------------------------------
@@ -169,7 +170,7 @@ private:
 class OrvIndexedSet : public OrvActor {
 public:
     OrvQuadtree* quadtree;
-    mutable Orv2dRect box; // recomputed when its width is 0
+    mutable Orv2dRect box;  // recomputed when its width is 0
 
     OrvIndexedSet(OrvDirector* director, unsigned short max = 0, OrvMakeUp* makeUp = nullptr);
     OrvIndexedSet(const OrvIndexedSet& source);

@@ -19,9 +19,9 @@ class Orv2dMatrix;
 
 class OrvProducer {
 public:
-    OrvScene* scene;     // null for a stage producer
+    OrvScene* scene;  // null for a stage producer
     OrvTheater* theater;
-    OrvStage* stage;     // null for a scene producer
+    OrvStage* stage;  // null for a scene producer
     OrvProducer* previous;
 
     // Appended to the stage's producers, which the stage deletes.
@@ -85,9 +85,9 @@ public:
     unsigned long immediate;
     unsigned short mask;
     OrvActor* actor;
-    Orv2dPoint point; // the moving corner, in the stage's space
+    Orv2dPoint point;  // the moving corner, in the stage's space
     Orv3dPoint point3d;
-    OrvProducer* polylineEditor; // owned; edits the vertices of polylines
+    OrvProducer* polylineEditor;  // owned; edits the vertices of polylines
 
     explicit OrvReshapeProducer(OrvStage* stage, OrvProducer* previous = nullptr);
     ~OrvReshapeProducer() override;
@@ -123,7 +123,7 @@ public:
 // Drags out a rectangle and hands it to activate2d.
 class OrvRectangleProducer : public OrvProducer {
 public:
-    Orv2dPoint start, end; // in the stage's space
+    Orv2dPoint start, end;  // in the stage's space
     Orv3dPoint start3d, end3d;
     unsigned long active;
     unsigned short mask;
@@ -155,10 +155,10 @@ public:
     OrvMoveProducer* move;
     OrvReshapeProducer* reshape;
     OrvSelectRectangleProducer* selectRectangle;
-    OrvProducer* pick3d;     // used only in a scene
-    OrvProducer* rotate3d;   // used only in a scene
-    OrvProducer* extra;      // asked first while it is active
-    OrvProducer* inUse;      // the sub-producer of the running gesture
+    OrvProducer* pick3d;    // used only in a scene
+    OrvProducer* rotate3d;  // used only in a scene
+    OrvProducer* extra;     // asked first while it is active
+    OrvProducer* inUse;     // the sub-producer of the running gesture
     unsigned short mask1, mask2;
 
     explicit OrvSelectProducer(OrvStage* stage, OrvProducer* previous = nullptr);

@@ -18,13 +18,15 @@
 // the heap array. Overlapping additions extend a member instead of adding.
 class Orv2dRegion {
 public:
-    enum { EmbeddedCount = 25 };
+    enum {
+        EmbeddedCount = 25
+    };
 
-    Orv2dRect bbox;           // union of everything added
-    int16_t capacity;         // rectangles that fit now
-    uint16_t count;           // rectangles in use
+    Orv2dRect bbox;    // union of everything added
+    int16_t capacity;  // rectangles that fit now
+    uint16_t count;    // rectangles in use
     Orv2dRect embedded[EmbeddedCount];
-    Orv2dRect* heap;          // owned, used while capacity is 26 or more
+    Orv2dRect* heap;  // owned, used while capacity is 26 or more
 
     explicit Orv2dRegion(short capacity = EmbeddedCount);
     Orv2dRegion(const Orv2dRect& rect, short capacity = EmbeddedCount);
@@ -105,7 +107,10 @@ private:
 // ---------------------------------------------------------------------------
 
 // Arc fill mode of a make-up: zero fills as a pie slice, non-zero as a chord.
-enum OrvArcMode { OrvArcPieSlice = 0, OrvArcChord = 1 };
+enum OrvArcMode {
+    OrvArcPieSlice = 0,
+    OrvArcChord = 1
+};
 
 // Tolerance of the line and arc hit tests, 8.0 at start.
 void OrvSetDeltaLine(float delta);

@@ -20,7 +20,7 @@ class OrvScene;
 // Counted: whoever keeps a pointer adds one, whoever lets go calls OrvRelease.
 class OrvCallback {
 public:
-    void* data; // for the subclass's own use
+    void* data;  // for the subclass's own use
     int count;
 
     OrvCallback() : data(nullptr), count(0) {}
@@ -50,7 +50,7 @@ public:
 
 class OrvRole {
 public:
-    unsigned short mask; // the buttons (or key bits) it answers to
+    unsigned short mask;  // the buttons (or key bits) it answers to
 
     explicit OrvRole(unsigned short mask = 1) : mask(mask) {}
     OrvRole(const OrvRole&) = delete;
@@ -58,11 +58,12 @@ public:
     // Takes itself off every actor of every stage that uses it.
     virtual ~OrvRole();
     virtual int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage);
-    virtual int input3d(OrvActor* actor, const OrvEvent& event, OrvTheater* theater, OrvScene* scene);
+    virtual int input3d(OrvActor* actor, const OrvEvent& event, OrvTheater* theater,
+                        OrvScene* scene);
     virtual const char* className() const = 0;
     virtual int allowPointerMoved() const { return 0; }
 
-    static OrvStringHashTable* _roles; // made on first registration
+    static OrvStringHashTable* _roles;  // made on first registration
 };
 
 // Files the role under its className(); the caller keeps it alive.
@@ -97,7 +98,7 @@ public:
 // Drags one actor by itself, without a producer.
 class OrvMoveRole : public OrvRole {
 public:
-    unsigned long immediate; // 1: the actor follows the pointer; 0: a ghost does
+    unsigned long immediate;  // 1: the actor follows the pointer; 0: a ghost does
     unsigned long active;
     Orv2dPoint start, current;
     Orv3dPoint start3d, current3d;
@@ -115,8 +116,8 @@ public:
 class OrvReshapeRole : public OrvRole {
 public:
     unsigned long active;
-    Orv2dRect box;   // the new box, in the actor's space
-    Orv2dRect ghost; // the same through the stage's transformer
+    Orv2dRect box;    // the new box, in the actor's space
+    Orv2dRect ghost;  // the same through the stage's transformer
 
     OrvReshapeRole();
     int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
@@ -142,7 +143,9 @@ static orvinitOrvRole _orvinitOrvRole;
 // ---------------------------------------------------------------------------
 
 // Modifiers of 32768 accept any state; 0 accepts none.
-enum { OrvAnyModifiers = 32768 };
+enum {
+    OrvAnyModifiers = 32768
+};
 
 class OrvAccelerator {
 public:
@@ -163,19 +166,20 @@ public:
 
 class OrvZoomAccelerator : public OrvAccelerator {
 public:
-    unsigned long in; // read by the 3D form only
+    unsigned long in;  // read by the 3D form only
     float factor;
-    OrvZoomAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long in, float factor)
+    OrvZoomAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long in,
+                       float factor)
         : OrvAccelerator(t, k, m), in(in), factor(factor) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
 };
 
 class OrvTranslateAccelerator : public OrvAccelerator {
 public:
-    OrvPosition direction; // 1 left, 2 right, 4 up, 8 down
-    float divisor;         // of the visible size; 0.0 means 8.0
-    OrvTranslateAccelerator(OrvEventType t, unsigned short k, unsigned short m, OrvPosition direction,
-                            float divisor)
+    OrvPosition direction;  // 1 left, 2 right, 4 up, 8 down
+    float divisor;          // of the visible size; 0.0 means 8.0
+    OrvTranslateAccelerator(OrvEventType t, unsigned short k, unsigned short m,
+                            OrvPosition direction, float divisor)
         : OrvAccelerator(t, k, m), direction(direction), divisor(divisor) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
 };
@@ -214,7 +218,7 @@ public:
 
 class OrvDeleteAccelerator : public OrvAccelerator {
 public:
-    unsigned long readOnly; // a read-only stage keeps its actors
+    unsigned long readOnly;  // a read-only stage keeps its actors
     OrvDeleteAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long readOnly)
         : OrvAccelerator(t, k, m), readOnly(readOnly) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
@@ -222,7 +226,7 @@ public:
 
 class OrvCutAccelerator : public OrvAccelerator {
 public:
-    unsigned long readOnly; // a read-only stage keeps its actors
+    unsigned long readOnly;  // a read-only stage keeps its actors
     OrvCutAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long readOnly)
         : OrvAccelerator(t, k, m), readOnly(readOnly) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;

@@ -21,7 +21,7 @@ class OrvBitmap;
 class OrvRectangle : public OrvActor {
 public:
     Orv2dRect rect;
-    unsigned short radius; // of the rounded corners; 0 for square ones
+    unsigned short radius;  // of the rounded corners; 0 for square ones
 
     OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr,
                  unsigned short radius = 0);
@@ -62,7 +62,8 @@ class OrvLine : public OrvActor {
 public:
     Orv2dPoint from, to;
 
-    OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = nullptr);
+    OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
+            OrvMakeUp* makeUp = nullptr);
     OrvLine(const OrvLine& source);
     ORV_PERSISTENT_ACTOR(OrvLine)
 
@@ -75,14 +76,17 @@ public:
 };
 
 // Which ends of an arrow line carry a head.
-enum { OrvArrowAtEnd = 1, OrvArrowAtStart = 2 };
+enum {
+    OrvArrowAtEnd = 1,
+    OrvArrowAtStart = 2
+};
 
 class OrvArrowLine : public OrvLine {
 public:
-    unsigned long arrows; // OrvArrowAtEnd, OrvArrowAtStart or both
+    unsigned long arrows;  // OrvArrowAtEnd, OrvArrowAtStart or both
 
-    OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp = nullptr,
-                 unsigned long arrows = OrvArrowAtEnd);
+    OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
+                 OrvMakeUp* makeUp = nullptr, unsigned long arrows = OrvArrowAtEnd);
     OrvArrowLine(const OrvArrowLine& source);
     ORV_PERSISTENT_ACTOR(OrvArrowLine)
 
@@ -102,9 +106,10 @@ public:
 class Orv2dPolyline : public OrvActor {
 public:
     unsigned int count;
-    Orv2dPoint* points; // owned
+    Orv2dPoint* points;  // owned
 
-    Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points, OrvMakeUp* makeUp = nullptr);
+    Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
+                  OrvMakeUp* makeUp = nullptr);
     Orv2dPolyline(const Orv2dPolyline& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolyline)
     ~Orv2dPolyline() override;
@@ -132,8 +137,8 @@ class Orv2dPolygon : public Orv2dPolyline {
 public:
     unsigned long filled;
 
-    Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points, unsigned long filled = 0,
-                 OrvMakeUp* makeUp = nullptr);
+    Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
+                 unsigned long filled = 0, OrvMakeUp* makeUp = nullptr);
     Orv2dPolygon(const Orv2dPolygon& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolygon)
 
@@ -149,7 +154,7 @@ public:
 
 class OrvEllipse : public OrvActor {
 public:
-    Orv2dRect rect; // the box of the whole ellipse
+    Orv2dRect rect;  // the box of the whole ellipse
 
     OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr);
     OrvEllipse(const OrvEllipse& source);
@@ -182,8 +187,8 @@ public:
     float start, end;
     unsigned long filled;
 
-    OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end, unsigned long filled = 0,
-           OrvMakeUp* makeUp = nullptr);
+    OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end,
+           unsigned long filled = 0, OrvMakeUp* makeUp = nullptr);
     OrvArc(const OrvArc& source);
     ORV_PERSISTENT_ACTOR(OrvArc)
 
@@ -203,12 +208,12 @@ public:
 // with neither, the baseline down.
 class OrvLabel : public OrvActor {
 public:
-    char* text; // owned
+    char* text;  // owned
     Orv2dPoint point;
     OrvPosition alignment;
 
-    OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment = OrvLeft,
-             OrvMakeUp* makeUp = nullptr);
+    OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point,
+             OrvPosition alignment = OrvLeft, OrvMakeUp* makeUp = nullptr);
     OrvLabel(const OrvLabel& source);
     ORV_PERSISTENT_ACTOR(OrvLabel)
     ~OrvLabel() override;
@@ -241,10 +246,11 @@ private:
 // pixels of the mask are hit.
 class OrvIcon : public OrvActor {
 public:
-    OrvBitmap* bitmap; // locked
-    Orv2dPoint point;  // top left
+    OrvBitmap* bitmap;  // locked
+    Orv2dPoint point;   // top left
 
-    OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point, OrvMakeUp* makeUp = nullptr);
+    OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point,
+            OrvMakeUp* makeUp = nullptr);
     OrvIcon(const OrvIcon& source);
     ORV_PERSISTENT_ACTOR(OrvIcon)
     ~OrvIcon() override;

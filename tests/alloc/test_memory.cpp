@@ -21,15 +21,14 @@ bool inChunk(const void* block, const char* start, const char* end) {
     return (const char*)block >= start && (const char*)block < end;
 }
 
-} // namespace
+}  // namespace
 
 TEST(OrvMemoryManager, StartsWithOneChunkOf4096) {
     OrvMemoryManager* pool = freshPool();
     ASSERT_NE(pool->location, nullptr);
     EXPECT_EQ(pool->chunkSize, 4096u);
     EXPECT_EQ(pool->end - pool->location, 4096);
-    for (int i = 0; i < OrvMemoryManager::NumClasses; i++)
-        EXPECT_EQ(pool->freeList[i], nullptr);
+    for (int i = 0; i < OrvMemoryManager::NumClasses; i++) EXPECT_EQ(pool->freeList[i], nullptr);
     EXPECT_EQ(ORV_MLK_ALIGNMENT, 8);
 }
 
@@ -43,10 +42,9 @@ TEST(OrvMemoryManager, SixtyFourPooledSixtyFiveMalloced) {
     void* b = pool->alloc(65);
     ASSERT_NE(b, nullptr);
     EXPECT_FALSE(inChunk(b, start, end));
-    EXPECT_EQ(pool->location, start + 64); // the chunk is untouched
-    pool->release(b, 65); // goes to free: the sanitizers check it was malloc's
-    for (int i = 0; i < OrvMemoryManager::NumClasses; i++)
-        EXPECT_EQ(pool->freeList[i], nullptr);
+    EXPECT_EQ(pool->location, start + 64);  // the chunk is untouched
+    pool->release(b, 65);                   // goes to free: the sanitizers check it was malloc's
+    for (int i = 0; i < OrvMemoryManager::NumClasses; i++) EXPECT_EQ(pool->freeList[i], nullptr);
     pool->release(a, 64);
     EXPECT_EQ(pool->freeList[7], a);
     // Class 7 holds sizes 57 to 64.
@@ -74,7 +72,7 @@ TEST(OrvMemoryManager, ClassesRoundUpToEight) {
         EXPECT_EQ(pool->freeList[(b.second + 7) / 8 - 1], b.first) << "size " << b.second;
     }
     // Free lists are last in, first out, and serve every size of their class.
-    void* last8 = blocks[7].first; // size 8, released last in class 0
+    void* last8 = blocks[7].first;  // size 8, released last in class 0
     EXPECT_EQ(pool->alloc(1), last8);
     EXPECT_EQ(pool->alloc(3), blocks[6].first);
     EXPECT_EQ(pool->alloc(9), blocks[15].first);
@@ -92,8 +90,7 @@ TEST(OrvMemoryManager, RemainderOfSixteenGoesToClassOne) {
     OrvMemoryManager* pool = freshPool();
     char* start = pool->location;
     std::vector<void*> blocks;
-    for (int i = 0; i < 63; i++)
-        blocks.push_back(pool->alloc(64));
+    for (int i = 0; i < 63; i++) blocks.push_back(pool->alloc(64));
     void* last = pool->alloc(48);
     ASSERT_EQ(pool->end - pool->location, 16);
     char* rest = pool->location;
@@ -112,8 +109,7 @@ TEST(OrvMemoryManager, RemainderOfSixteenGoesToClassOne) {
     EXPECT_EQ(pool->alloc(16), (void*)rest);
     EXPECT_EQ(pool->alloc(16), (void*)((char*)block + 24));
 
-    for (void* b : blocks)
-        pool->release(b, 64);
+    for (void* b : blocks) pool->release(b, 64);
     pool->release(last, 48);
     pool->release(rest, 16);
 }
@@ -121,7 +117,7 @@ TEST(OrvMemoryManager, RemainderOfSixteenGoesToClassOne) {
 TEST(OrvMemoryManager, ChunksDoubleAndExactFitsLeaveNothing) {
     OrvMemoryManager* pool = freshPool();
     std::vector<void*> blocks;
-    for (int i = 0; i < 64; i++) // exactly one chunk of 4096
+    for (int i = 0; i < 64; i++)  // exactly one chunk of 4096
         blocks.push_back(pool->alloc(64));
     EXPECT_EQ(pool->chunkSize, 4096u);
     EXPECT_EQ(pool->location, pool->end);
@@ -129,13 +125,11 @@ TEST(OrvMemoryManager, ChunksDoubleAndExactFitsLeaveNothing) {
     EXPECT_EQ(pool->chunkSize, 8192u);
     for (int i = 0; i < OrvMemoryManager::NumClasses; i++)
         EXPECT_EQ(pool->freeList[i], nullptr) << "an empty remainder is not a block";
-    for (int i = 0; i < 127; i++)
-        blocks.push_back(pool->alloc(64));
+    for (int i = 0; i < 127; i++) blocks.push_back(pool->alloc(64));
     EXPECT_EQ(pool->chunkSize, 8192u);
     blocks.push_back(pool->alloc(64));
     EXPECT_EQ(pool->chunkSize, 16384u);
-    for (void* b : blocks)
-        pool->release(b, 64);
+    for (void* b : blocks) pool->release(b, 64);
     EXPECT_EQ(pool->freeList[7], blocks.back());
 }
 
@@ -148,7 +142,7 @@ TEST(OrvMemoryManager, AssertsOnNullCursor) {
     pool->location = nullptr;
     EXPECT_EQ(pool->alloc(8), block);
     EXPECT_DEATH(pool->alloc(8), "Assertion `\\(int\\)\\(long\\)location' failed");
-    void* big = pool->alloc(100); // large requests never look at the chunk
+    void* big = pool->alloc(100);  // large requests never look at the chunk
     EXPECT_NE(big, nullptr);
     pool->release(big, 100);
     pool->release(block, 8);

@@ -28,7 +28,7 @@ protected:
     }
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(Curve, ModuleDefaults) {
     EXPECT_EQ(OrvGetDeltaLine(), 8.0f);
@@ -47,21 +47,43 @@ TEST_F(Curve, OpenBezierShortInputs) {
     EXPECT_EQ(open({{1, 2}, {30, 40}}), (std::vector<Orv2dPoint>{{1, 2}, {30, 40}}));
     // Three points: one cubic with the middle point doubled. Only the control
     // point next to each end is tested for flatness, hence the asymmetry.
-    EXPECT_EQ(open({{0, 0}, {50, 100}, {100, 0}}),
-              (std::vector<Orv2dPoint>{{0, 0}, {17, 33}, {30, 56}, {40, 70}, {45, 74}, {50, 75},
-                                       {55, 74}, {60, 70}, {70, 56}, {100, 0}}));
+    EXPECT_EQ(open({{0, 0}, {50, 100}, {100, 0}}), (std::vector<Orv2dPoint>{{0, 0},
+                                                                            {17, 33},
+                                                                            {30, 56},
+                                                                            {40, 70},
+                                                                            {45, 74},
+                                                                            {50, 75},
+                                                                            {55, 74},
+                                                                            {60, 70},
+                                                                            {70, 56},
+                                                                            {100, 0}}));
     // A straight cubic is flat at once: P0, the midpoint, P3.
-    EXPECT_EQ(open({{0, 0}, {10, 0}, {20, 0}, {30, 0}}), (std::vector<Orv2dPoint>{{0, 0}, {15, 0}, {30, 0}}));
+    EXPECT_EQ(open({{0, 0}, {10, 0}, {20, 0}, {30, 0}}),
+              (std::vector<Orv2dPoint>{{0, 0}, {15, 0}, {30, 0}}));
 }
 
 TEST_F(Curve, OpenBezierCubics) {
-    EXPECT_EQ(open({{0, 0}, {0, 100}, {100, 100}, {100, 0}}),
-              (std::vector<Orv2dPoint>{{0, 0}, {1, 18}, {4, 33}, {9, 46}, {16, 56}, {23, 64}, {32, 70},
-                                       {41, 74}, {50, 75}, {59, 74}, {68, 70}, {77, 64}, {84, 56},
-                                       {91, 46}, {96, 33}, {99, 18}, {100, 0}}));
-    EXPECT_EQ(open({{0, 0}, {10, 40}, {-20, 30}, {5, -7}}),
-              (std::vector<Orv2dPoint>{{0, 0}, {2, 13}, {1, 21}, {-1, 25}, {-3, 25}, {-5, 22}, {-5, 15},
-                                       {-2, 6}, {5, -7}}));
+    EXPECT_EQ(open({{0, 0}, {0, 100}, {100, 100}, {100, 0}}), (std::vector<Orv2dPoint>{{0, 0},
+                                                                                       {1, 18},
+                                                                                       {4, 33},
+                                                                                       {9, 46},
+                                                                                       {16, 56},
+                                                                                       {23, 64},
+                                                                                       {32, 70},
+                                                                                       {41, 74},
+                                                                                       {50, 75},
+                                                                                       {59, 74},
+                                                                                       {68, 70},
+                                                                                       {77, 64},
+                                                                                       {84, 56},
+                                                                                       {91, 46},
+                                                                                       {96, 33},
+                                                                                       {99, 18},
+                                                                                       {100, 0}}));
+    EXPECT_EQ(
+        open({{0, 0}, {10, 40}, {-20, 30}, {5, -7}}),
+        (std::vector<Orv2dPoint>{
+            {0, 0}, {2, 13}, {1, 21}, {-1, 25}, {-3, 25}, {-5, 22}, {-5, 15}, {-2, 6}, {5, -7}}));
 
     // Counted from the last start point, two points remain: a straight
     // segment, the shared point stored once.
@@ -84,13 +106,31 @@ TEST_F(Curve, ClosedBezier) {
     EXPECT_EQ(four[16], Orv2dPoint(100, 0));
     EXPECT_EQ(four[17], Orv2dPoint(0, 0));
     EXPECT_EQ(closed({{0, 0}, {40, 0}, {40, 40}, {0, 40}, {-20, 20}}),
-              (std::vector<Orv2dPoint>{{0, 0}, {13, 2}, {23, 6}, {28, 13}, {30, 20}, {28, 27}, {23, 34},
-                                       {13, 38}, {0, 40}, {-11, 28}, {-14, 24}, {-15, 20}, {-11, 12},
+              (std::vector<Orv2dPoint>{{0, 0},
+                                       {13, 2},
+                                       {23, 6},
+                                       {28, 13},
+                                       {30, 20},
+                                       {28, 27},
+                                       {23, 34},
+                                       {13, 38},
+                                       {0, 40},
+                                       {-11, 28},
+                                       {-14, 24},
+                                       {-15, 20},
+                                       {-11, 12},
                                        {0, 0}}));
     // Three points: a cubic back to the start.
-    EXPECT_EQ(closed({{0, 0}, {60, 0}, {60, 60}}),
-              (std::vector<Orv2dPoint>{{0, 0}, {20, 2}, {34, 8}, {42, 16}, {45, 23}, {44, 25}, {42, 26},
-                                       {34, 25}, {20, 17}, {0, 0}}));
+    EXPECT_EQ(closed({{0, 0}, {60, 0}, {60, 60}}), (std::vector<Orv2dPoint>{{0, 0},
+                                                                            {20, 2},
+                                                                            {34, 8},
+                                                                            {42, 16},
+                                                                            {45, 23},
+                                                                            {44, 25},
+                                                                            {42, 26},
+                                                                            {34, 25},
+                                                                            {20, 17},
+                                                                            {0, 0}}));
     // Two remain after a cubic: a cubic back to the start, the last point doubled.
     std::vector<Orv2dPoint> five = closed({{0, 0}, {10, 0}, {20, 0}, {30, 0}, {30, 30}});
     EXPECT_EQ(five.back(), Orv2dPoint(0, 0));
@@ -106,7 +146,7 @@ TEST_F(Curve, SharedBufferGrows) {
     EXPECT_EQ(p1[0], controls.front());
     EXPECT_EQ(p1[n1 - 1], controls.back());
     Orv2dPoint* p2 = OrvCreateOpenBezier(2, controls.data(), n2);
-    EXPECT_EQ(p1, p2); // the same storage, overwritten
+    EXPECT_EQ(p1, p2);  // the same storage, overwritten
     EXPECT_EQ(n2, 2u);
 }
 
@@ -134,7 +174,7 @@ TEST_F(Curve, PointInLineTolerance) {
     EXPECT_TRUE(OrvPointInLine(Orv2dPoint(50, 0), a, b));
     EXPECT_FALSE(OrvPointInLine(Orv2dPoint(50, 1), a, b));
     EXPECT_FALSE(OrvPointInLine(Orv2dPoint(101, 0), a, b));
-    OrvSetDeltaLine(32.5f); // the box grows by the truncation, 32
+    OrvSetDeltaLine(32.5f);  // the box grows by the truncation, 32
     EXPECT_TRUE(OrvPointInLine(Orv2dPoint(132, 0), a, b));
     EXPECT_FALSE(OrvPointInLine(Orv2dPoint(133, 0), a, b));
     EXPECT_EQ(OrvGetDeltaLine(), 32.5f);
@@ -144,7 +184,7 @@ TEST_F(Curve, PolylineAndBezierHits) {
     Orv2dPoint pts[] = {{0, 0}, {10, 0}, {10, 10}};
     EXPECT_EQ(OrvPointInPolyline(Orv2dPoint(5, 0), 3, pts), 0);
     EXPECT_EQ(OrvPointInPolyline(Orv2dPoint(10, 5), 3, pts), 1);
-    EXPECT_EQ(OrvPointInPolyline(Orv2dPoint(10, 0), 3, pts), 0); // first hit wins
+    EXPECT_EQ(OrvPointInPolyline(Orv2dPoint(10, 0), 3, pts), 0);  // first hit wins
     EXPECT_EQ(OrvPointInPolyline(Orv2dPoint(50, 50), 3, pts), -1);
     EXPECT_EQ(OrvPointInPolyline(Orv2dPoint(0, 0), 1, pts), -1);
 
@@ -166,7 +206,7 @@ TEST_F(Curve, IntersectHorizontalIsHalfOpen) {
     EXPECT_FALSE(OrvIntersectHorizontal(Orv2dPoint(15, 5), a, b));
     EXPECT_TRUE(OrvIntersectHorizontal(Orv2dPoint(5, 0), a, b));
     EXPECT_FALSE(OrvIntersectHorizontal(Orv2dPoint(5, 10), a, b));
-    EXPECT_TRUE(OrvIntersectHorizontal(Orv2dPoint(5, 5), b, a)); // upward edge
+    EXPECT_TRUE(OrvIntersectHorizontal(Orv2dPoint(5, 5), b, a));  // upward edge
     EXPECT_FALSE(OrvIntersectHorizontal(Orv2dPoint(15, 5), b, a));
     EXPECT_TRUE(OrvIntersectHorizontal(Orv2dPoint(5, 0), b, a));
     EXPECT_FALSE(OrvIntersectHorizontal(Orv2dPoint(5, 10), b, a));
@@ -180,18 +220,18 @@ TEST_F(Curve, PointInPolygon) {
     Orv2dPoint sq[] = {{0, 0}, {10, 0}, {10, 10}, {0, 10}};
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(5, 5), 4, sq), 4);
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(15, 5), 4, sq), -1);
-    EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(-1, 5), 4, sq), -1); // the app's delta is ignored
-    EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(0, 5), 4, sq), 3);   // on the closing edge
-    EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(5, 0), 4, sq), 1);   // edge 0→1
+    EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(-1, 5), 4, sq), -1);  // the app's delta is ignored
+    EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(0, 5), 4, sq), 3);    // on the closing edge
+    EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(5, 0), 4, sq), 1);    // edge 0→1
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(10, 5), 4, sq), 2);
-    EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(0, 0), 4, sq), 3); // a vertex is on an edge
+    EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(0, 0), 4, sq), 3);  // a vertex is on an edge
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(10, 0), 4, sq), 1);
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(1, 1), 4, sq), 4);
 
     OrvSetDeltaLine(5.5f);
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(11, 5), 4, sq), -1);
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(0, 5), 4, sq), 3);
-    EXPECT_EQ(OrvGetDeltaLine(), 5.5f); // restored on both exits
+    EXPECT_EQ(OrvGetDeltaLine(), 5.5f);  // restored on both exits
 
     // A concave polygon: the notch is outside.
     Orv2dPoint u[] = {{0, 0}, {30, 0}, {30, 30}, {20, 30}, {20, 10}, {10, 10}, {10, 30}, {0, 30}};
@@ -205,12 +245,13 @@ TEST_F(Curve, PointInPolygon) {
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(-5, 10), 4, diamond), -1);
     EXPECT_EQ(OrvPointInPolygon(Orv2dPoint(0, 0), 4, diamond), -1);
 
-    EXPECT_EQ(OrvPointInFilledBezier(Orv2dPoint(5, 5), 2, sq), -1); // two points: a degenerate polygon
+    EXPECT_EQ(OrvPointInFilledBezier(Orv2dPoint(5, 5), 2, sq),
+              -1);  // two points: a degenerate polygon
     EXPECT_EQ(OrvPointInFilledBezier(Orv2dPoint(5, 0), 2, sq), 1);
     Orv2dPoint blob[] = {{0, 0}, {0, 100}, {100, 100}, {100, 0}};
     EXPECT_EQ(OrvPointInFilledBezier(Orv2dPoint(50, 40), 4, blob), 18);
     EXPECT_EQ(OrvPointInFilledBezier(Orv2dPoint(50, 80), 4, blob), -1);
-    EXPECT_EQ(OrvPointInFilledBezier(Orv2dPoint(50, 0), 4, blob), 17); // on the closing edge
+    EXPECT_EQ(OrvPointInFilledBezier(Orv2dPoint(50, 0), 4, blob), 17);  // on the closing edge
 }
 
 TEST_F(Curve, ArrowHeads) {
@@ -219,14 +260,14 @@ TEST_F(Curve, ArrowHeads) {
     EXPECT_EQ(out[0], Orv2dPoint(100, 0));
     EXPECT_EQ(out[1], Orv2dPoint(92, -4));
     EXPECT_EQ(out[2], Orv2dPoint(92, 4));
-    OrvComputeArrow(Orv2dPoint(0, 0), Orv2dPoint(100, 0), 0.5f, out); // head shrinks too
+    OrvComputeArrow(Orv2dPoint(0, 0), Orv2dPoint(100, 0), 0.5f, out);  // head shrinks too
     EXPECT_EQ(out[0], Orv2dPoint(50, 0));
     EXPECT_EQ(out[1], Orv2dPoint(46, -4));
     OrvComputeArrow(Orv2dPoint(100, 0), Orv2dPoint(0, 0), 1, out);
     EXPECT_EQ(out[0], Orv2dPoint(0, 0));
     EXPECT_EQ(out[1], Orv2dPoint(8, -4));
     EXPECT_EQ(out[2], Orv2dPoint(8, 4));
-    OrvComputeArrow(Orv2dPoint(0, 0), Orv2dPoint(-5, 0), 0.5f, out); // -2.5 → -3, 1.5 → 2
+    OrvComputeArrow(Orv2dPoint(0, 0), Orv2dPoint(-5, 0), 0.5f, out);  // -2.5 → -3, 1.5 → 2
     EXPECT_EQ(out[0], Orv2dPoint(-3, 0));
     EXPECT_EQ(out[1], Orv2dPoint(2, -4));
 
@@ -240,11 +281,11 @@ TEST_F(Curve, ArrowHeads) {
 
     OrvComputeArrow(Orv2dPoint(0, 0), Orv2dPoint(30, 40), 1, out);
     EXPECT_EQ(out[0], Orv2dPoint(30, 40));
-    EXPECT_EQ(out[1], Orv2dPoint(22, 36)); // base (25.2, 33.6) ∓ (3, 2)
+    EXPECT_EQ(out[1], Orv2dPoint(22, 36));  // base (25.2, 33.6) ∓ (3, 2)
     EXPECT_EQ(out[2], Orv2dPoint(28, 32));
     OrvComputeArrow(Orv2dPoint(10, 10), Orv2dPoint(-20, -30), 0.5f, out);
     EXPECT_EQ(out[0], Orv2dPoint(-5, -10));
-    EXPECT_EQ(out[1], Orv2dPoint(0, -9)); // base (-2.6, -6.8), n (-3, -2)
+    EXPECT_EQ(out[1], Orv2dPoint(0, -9));  // base (-2.6, -6.8), n (-3, -2)
     EXPECT_EQ(out[2], Orv2dPoint(-6, -5));
 
     OrvSetArrowDelta(20, 10);
@@ -263,16 +304,16 @@ TEST_F(Curve, ArcBoundingBox) {
     EXPECT_EQ(out, Orv2dRect(0, 0, 50, 25));
     OrvComputeArcBBox(Orv2dRect(0, 0, 100, 50), 180, 270, out);
     EXPECT_EQ(out, Orv2dRect(0, 25, 50, 25));
-    OrvComputeArcBBox(Orv2dRect(0, 0, 100, 100), 0, 45, out); // (100,50) and (85,15)
+    OrvComputeArcBBox(Orv2dRect(0, 0, 100, 100), 0, 45, out);  // (100,50) and (85,15)
     EXPECT_EQ(out, Orv2dRect(85, 15, 15, 35));
-    OrvComputeArcBBox(Orv2dRect(0, 0, 100, 100), 300, 420, out); // passes 360
+    OrvComputeArcBBox(Orv2dRect(0, 0, 100, 100), 300, 420, out);  // passes 360
     EXPECT_EQ(out.x + (int)out.w, 100);
-    EXPECT_EQ(out.y, 7); // 90 is not within 300..420: the top is the end point's
-    OrvComputeArcBBox(Orv2dRect(0, 0, 100, 100), 300, 460, out); // end > 450
+    EXPECT_EQ(out.y, 7);  // 90 is not within 300..420: the top is the end point's
+    OrvComputeArcBBox(Orv2dRect(0, 0, 100, 100), 300, 460, out);  // end > 450
     EXPECT_EQ(out.y, 0);
-    OrvComputeArcBBox(Orv2dRect(7, 9, 0, 0), 45, 45, out); // a point: 1 by 1
+    OrvComputeArcBBox(Orv2dRect(7, 9, 0, 0), 45, 45, out);  // a point: 1 by 1
     EXPECT_EQ(out, Orv2dRect(7, 9, 1, 1));
-    OrvComputeArcBBox(Orv2dRect(0, 0, 100, 50), 0, 0, out); // a horizontal nothing
+    OrvComputeArcBBox(Orv2dRect(0, 0, 100, 50), 0, 0, out);  // a horizontal nothing
     EXPECT_EQ(out, Orv2dRect(100, 25, 1, 1));
 }
 
@@ -281,9 +322,9 @@ TEST_F(Curve, PointInArc) {
     EXPECT_TRUE(OrvPointInArc(Orv2dPoint(100, 50), r, 0, 360));
     EXPECT_TRUE(OrvPointInArc(Orv2dPoint(50, 3), r, 0, 360));
     EXPECT_FALSE(OrvPointInArc(Orv2dPoint(50, 50), r, 0, 360));
-    EXPECT_TRUE(OrvPointInArc(Orv2dPoint(92, 50), r, 0, 360));  // 8 from the ring
-    EXPECT_FALSE(OrvPointInArc(Orv2dPoint(91, 50), r, 0, 360)); // 9 from the ring
-    EXPECT_FALSE(OrvPointInArc(Orv2dPoint(101, 50), r, 0, 360)); // outside the rect
+    EXPECT_TRUE(OrvPointInArc(Orv2dPoint(92, 50), r, 0, 360));    // 8 from the ring
+    EXPECT_FALSE(OrvPointInArc(Orv2dPoint(91, 50), r, 0, 360));   // 9 from the ring
+    EXPECT_FALSE(OrvPointInArc(Orv2dPoint(101, 50), r, 0, 360));  // outside the rect
     EXPECT_FALSE(OrvPointInArc(Orv2dPoint(0, 0), Orv2dRect(0, 0, 10, 0), 0, 360));
 
     // A quarter, counter-clockwise on the screen from 3 o'clock to 12.
@@ -292,7 +333,7 @@ TEST_F(Curve, PointInArc) {
     EXPECT_FALSE(OrvPointInArc(Orv2dPoint(85, 85), r, 0, 90));
     // Three quarters (the 180-or-more branch).
     EXPECT_TRUE(OrvPointInArc(Orv2dPoint(15, 15), r, 0, 270));
-    EXPECT_TRUE(OrvPointInArc(Orv2dPoint(3, 67), r, 0, 270)); // at about 200 degrees
+    EXPECT_TRUE(OrvPointInArc(Orv2dPoint(3, 67), r, 0, 270));  // at about 200 degrees
     EXPECT_FALSE(OrvPointInArc(Orv2dPoint(3, 67), r, 0, 90));
     EXPECT_FALSE(OrvPointInArc(Orv2dPoint(3, 67), r, 180, 190));
     EXPECT_TRUE(OrvPointInArc(Orv2dPoint(3, 67), r, 190, 210));
@@ -307,7 +348,7 @@ TEST_F(Curve, PointInArc) {
     // An ellipse: the y distance is scaled by rx/ry.
     const Orv2dRect e(0, 0, 100, 50);
     EXPECT_TRUE(OrvPointInArc(Orv2dPoint(50, 0), e, 0, 360));
-    EXPECT_FALSE(OrvPointInArc(Orv2dPoint(50, 8), e, 0, 360)); // 16 in x units
+    EXPECT_FALSE(OrvPointInArc(Orv2dPoint(50, 8), e, 0, 360));  // 16 in x units
 
     OrvSetDeltaLine(1);
     EXPECT_FALSE(OrvPointInArc(Orv2dPoint(50, 3), r, 0, 360));
@@ -326,10 +367,12 @@ TEST_F(Curve, PointInFilledArc) {
 
     // The ellipse test with the delta added to both half axes.
     OrvSetDeltaLine(0);
-    EXPECT_TRUE(OrvPointInFilledArc(Orv2dPoint(85, 15), r, 0, 360, OrvArcPieSlice));  // 35² + 35² = 2450
-    EXPECT_FALSE(OrvPointInFilledArc(Orv2dPoint(86, 15), r, 0, 360, OrvArcPieSlice)); // 36² + 35² = 2521
+    EXPECT_TRUE(
+        OrvPointInFilledArc(Orv2dPoint(85, 15), r, 0, 360, OrvArcPieSlice));  // 35² + 35² = 2450
+    EXPECT_FALSE(
+        OrvPointInFilledArc(Orv2dPoint(86, 15), r, 0, 360, OrvArcPieSlice));  // 36² + 35² = 2521
     EXPECT_TRUE(OrvPointInFilledArc(Orv2dPoint(100, 50), r, 0, 360, OrvArcPieSlice));
     OrvSetDeltaLine(8);
-    EXPECT_TRUE(OrvPointInFilledArc(Orv2dPoint(90, 10), r, 0, 360, OrvArcPieSlice)); // 3200 ≤ 3364
-    EXPECT_FALSE(OrvPointInFilledArc(Orv2dPoint(92, 8), r, 0, 360, OrvArcPieSlice)); // 3528
+    EXPECT_TRUE(OrvPointInFilledArc(Orv2dPoint(90, 10), r, 0, 360, OrvArcPieSlice));  // 3200 ≤ 3364
+    EXPECT_FALSE(OrvPointInFilledArc(Orv2dPoint(92, 8), r, 0, 360, OrvArcPieSlice));  // 3528
 }

@@ -12,7 +12,7 @@ TEST(Geometry, RoundingIsHalfAwayFromZero) {
     EXPECT_EQ(OrvRound(-1.5), -2);
     EXPECT_EQ(OrvRound(0.49999), 0);
     EXPECT_EQ(OrvRound(-0.49999), 0);
-    EXPECT_EQ(OrvRound(-0.4), 0); // not floor(v + 0.5)
+    EXPECT_EQ(OrvRound(-0.4), 0);  // not floor(v + 0.5)
     EXPECT_EQ(OrvRound(-2.6), -3);
 }
 
@@ -57,9 +57,9 @@ TEST(Geometry, RectContainsIsInclusiveOnAllSides) {
 
 TEST(Geometry, RectIntersectsIsStrict) {
     Orv2dRect a(0, 0, 10, 10);
-    EXPECT_FALSE(a.intersects(Orv2dRect(10, 0, 10, 10))); // shares an edge
+    EXPECT_FALSE(a.intersects(Orv2dRect(10, 0, 10, 10)));  // shares an edge
     EXPECT_FALSE(a.intersects(Orv2dRect(0, 10, 10, 10)));
-    EXPECT_FALSE(a.intersects(Orv2dRect(-10, -10, 10, 10))); // shares a corner
+    EXPECT_FALSE(a.intersects(Orv2dRect(-10, -10, 10, 10)));  // shares a corner
     EXPECT_TRUE(a.contains(Orv2dPoint(10, 5)));               // while the edge is inside
     EXPECT_TRUE(a.intersects(Orv2dRect(9, 9, 10, 10)));
     EXPECT_TRUE(a.intersects(Orv2dRect(-5, -5, 6, 6)));
@@ -74,7 +74,7 @@ TEST(Geometry, RectIntersectionInPlace) {
 
     Orv2dRect b(0, 0, 10, 10);
     b.intersection(Orv2dRect(20, 30, 5, 5));
-    EXPECT_EQ(b.x, 20); // the larger origins
+    EXPECT_EQ(b.x, 20);  // the larger origins
     EXPECT_EQ(b.y, 30);
     EXPECT_EQ(b.w, 0u);
     EXPECT_EQ(b.h, 0u);
@@ -86,17 +86,17 @@ TEST(Geometry, RectIntersectionInPlace) {
 
 TEST(Geometry, RectExtendByRectTreatsZeroWidthAsEmpty) {
     Orv2dRect a(0, 0, 10, 10);
-    a.extendBy(Orv2dRect(100, 100, 0, 50)); // zero width changes nothing
+    a.extendBy(Orv2dRect(100, 100, 0, 50));  // zero width changes nothing
     EXPECT_EQ(a, Orv2dRect(0, 0, 10, 10));
 
-    Orv2dRect e(5, 5, 0, 99); // an empty receiver becomes the argument
+    Orv2dRect e(5, 5, 0, 99);  // an empty receiver becomes the argument
     e.extendBy(Orv2dRect(-3, 7, 2, 4));
     EXPECT_EQ(e, Orv2dRect(-3, 7, 2, 4));
 
     a.extendBy(Orv2dRect(-5, 20, 3, 1));
     EXPECT_EQ(a, Orv2dRect(-5, 0, 15, 21));
 
-    Orv2dRect f(0, 0, 10, 10); // zero height with a width takes part
+    Orv2dRect f(0, 0, 10, 10);  // zero height with a width takes part
     f.extendBy(Orv2dRect(20, 5, 5, 0));
     EXPECT_EQ(f, Orv2dRect(0, 0, 25, 10));
 }
@@ -107,17 +107,17 @@ TEST(Geometry, RectExtendByPointMovesTheSides) {
     EXPECT_EQ(r, Orv2dRect(4, 10, 11, 5));
     r.extendBy(Orv2dPoint(30, 40));
     EXPECT_EQ(r, Orv2dRect(4, 10, 26, 30));
-    r.extendBy(Orv2dPoint(8, 12)); // inside: unchanged
+    r.extendBy(Orv2dPoint(8, 12));  // inside: unchanged
     EXPECT_EQ(r, Orv2dRect(4, 10, 26, 30));
 
-    Orv2dRect z; // no emptiness test: the origin 0,0 takes part
+    Orv2dRect z;  // no emptiness test: the origin 0,0 takes part
     z.extendBy(Orv2dPoint(5, -3));
     EXPECT_EQ(z, Orv2dRect(0, -3, 5, 3));
 }
 
 TEST(Geometry, PointConversions) {
     Orv2dPoint p = Orv3dPoint(-1.7f, 2.9f, 8).to2dPoint();
-    EXPECT_EQ(p, Orv2dPoint(-1, 2)); // truncated, not rounded
+    EXPECT_EQ(p, Orv2dPoint(-1, 2));  // truncated, not rounded
     Orv4dPoint h = Orv3dPoint(1, 2, 3).to4dPoint();
     EXPECT_EQ(h, Orv4dPoint(1, 2, 3, 1));
     Orv3dPoint q = Orv4dPoint(2, 4, 6, 2).to3dPoint();
@@ -129,7 +129,7 @@ TEST(Geometry, PointConversions) {
     EXPECT_FLOAT_EQ(big.y, 2 / 1e-6f);
     EXPECT_FLOAT_EQ(big.z, -3 / 1e-6f);
     Orv3dPoint tiny = Orv4dPoint(1, 0, 0, -5e-7f).to3dPoint();
-    EXPECT_FLOAT_EQ(tiny.x, 1 / 1e-6f); // the replacement is +1e-6, whatever the sign
+    EXPECT_FLOAT_EQ(tiny.x, 1 / 1e-6f);  // the replacement is +1e-6, whatever the sign
 }
 
 TEST(Geometry, SphericalCoordinates) {
@@ -228,7 +228,7 @@ TEST(Geometry, PlaneBuildAndSides) {
     pl.build(Orv3dPoint(0, 0, 5), Orv3dPoint(2, 0, 5), Orv3dPoint(0, 3, 5));
     EXPECT_FLOAT_EQ(pl.a, 0);
     EXPECT_FLOAT_EQ(pl.b, 0);
-    EXPECT_FLOAT_EQ(pl.c, 1); // normalised
+    EXPECT_FLOAT_EQ(pl.c, 1);  // normalised
     EXPECT_FLOAT_EQ(pl.d, -5);
     EXPECT_EQ(pl.whichSide(Orv3dPoint(0, 0, 6)), 0x1000u);
     EXPECT_EQ(pl.whichSide(Orv3dPoint(0, 0, 4)), 0x4000u);
@@ -250,7 +250,7 @@ TEST(Geometry, PlaneBuildAndSides) {
     EXPECT_EQ(z.whichSide(up, down), 0x8000u);
     EXPECT_EQ(z.whichSide(down, up), 0x10000u);
 
-    Orv3dPlane degenerate; // collinear points leave a zero normal
+    Orv3dPlane degenerate;  // collinear points leave a zero normal
     degenerate.build(Orv3dPoint(0, 0, 0), Orv3dPoint(1, 1, 1), Orv3dPoint(2, 2, 2));
     EXPECT_EQ(degenerate.a, 0);
     EXPECT_EQ(degenerate.b, 0);

@@ -7,7 +7,9 @@
 namespace {
 
 int v[10];
-void* P(int i) { return &v[i]; }
+void* P(int i) {
+    return &v[i];
+}
 
 // Values of a list from head to tail, checking that the tail pointer is the
 // last node reached.
@@ -24,19 +26,17 @@ std::vector<void*> values(const OrvList& list) {
 
 std::vector<void*> V(std::initializer_list<int> indices) {
     std::vector<void*> out;
-    for (int i : indices)
-        out.push_back(P(i));
+    for (int i : indices) out.push_back(P(i));
     return out;
 }
 
 OrvList* makeList(std::initializer_list<int> indices) {
     OrvList* list = new OrvList;
-    for (int i : indices)
-        list->append(P(i));
+    for (int i : indices) list->append(P(i));
     return list;
 }
 
-} // namespace
+}  // namespace
 
 TEST(OrvLink, IndexingLengthFindAndLast) {
     OrvLink* head = new OrvLink(P(0), new OrvLink(P(1), new OrvLink(P(2))));
@@ -50,7 +50,7 @@ TEST(OrvLink, IndexingLengthFindAndLast) {
     EXPECT_EQ(head->find(P(7)), nullptr);
     head->setValue(1, P(5));
     EXPECT_EQ((*head)[1], P(5));
-    head->setValue(9, P(6)); // past the end: nothing changes
+    head->setValue(9, P(6));  // past the end: nothing changes
     EXPECT_EQ(head->length(), 3u);
     EXPECT_EQ(head->find(P(6)), nullptr);
     delete head;
@@ -84,7 +84,7 @@ TEST(OrvList, InsertAppendAndTail) {
     EXPECT_EQ(list.last, nullptr);
     OrvLink* a = list.insert(P(1));
     EXPECT_EQ(list.first, a);
-    EXPECT_EQ(list.last, a); // first node in an empty list is also the tail
+    EXPECT_EQ(list.last, a);  // first node in an empty list is also the tail
     list.append(P(2));
     list.insert(P(0));
     EXPECT_EQ(values(list), V({0, 1, 2}));
@@ -107,17 +107,17 @@ TEST(OrvList, InsertAppendAndTail) {
 TEST(OrvList, RemoveKeepsTailRight) {
     OrvList* list = makeList({0, 1, 2});
     EXPECT_EQ(list->remove(P(2)), 1);
-    EXPECT_EQ(list->last->value, P(1)); // tail moved to the predecessor
+    EXPECT_EQ(list->last->value, P(1));  // tail moved to the predecessor
     EXPECT_EQ(values(*list), V({0, 1}));
     EXPECT_EQ(list->remove(P(7)), 0);
     EXPECT_EQ(values(*list), V({0, 1}));
     EXPECT_EQ(list->remove(P(0)), 1);
     EXPECT_EQ(list->first, list->last);
-    EXPECT_EQ(list->remove(P(1)), 1); // the only element: both ends empty
+    EXPECT_EQ(list->remove(P(1)), 1);  // the only element: both ends empty
     EXPECT_EQ(list->first, nullptr);
     EXPECT_EQ(list->last, nullptr);
     EXPECT_EQ(list->remove(P(1)), 0);
-    list->append(P(3)); // still usable after being emptied
+    list->append(P(3));  // still usable after being emptied
     EXPECT_EQ(values(*list), V({3}));
     delete list;
 }
@@ -145,8 +145,8 @@ TEST(OrvList, SwapExchangesValuesInPlace) {
     OrvLink* n0 = list->first;
     list->swap(P(0), P(3));
     EXPECT_EQ(values(*list), V({3, 1, 2, 0}));
-    EXPECT_EQ(list->first, n0); // values move, nodes stay
-    list->swap(P(1), P(9)); // either absent: nothing
+    EXPECT_EQ(list->first, n0);  // values move, nodes stay
+    list->swap(P(1), P(9));      // either absent: nothing
     list->swap(P(9), P(1));
     EXPECT_EQ(values(*list), V({3, 1, 2, 0}));
     delete list;
@@ -158,16 +158,16 @@ TEST(OrvList, PushAndPopMoveByOnePlace) {
     EXPECT_EQ(values(*list), V({0, 2, 1, 3}));
     list->push(P(2));
     EXPECT_EQ(values(*list), V({2, 0, 1, 3}));
-    list->push(P(2)); // at the head: stays
+    list->push(P(2));  // at the head: stays
     EXPECT_EQ(values(*list), V({2, 0, 1, 3}));
-    list->push(P(9)); // absent: nothing
+    list->push(P(9));  // absent: nothing
     EXPECT_EQ(values(*list), V({2, 0, 1, 3}));
-    list->push(P(3)); // the tail moves too
+    list->push(P(3));  // the tail moves too
     EXPECT_EQ(values(*list), V({2, 0, 3, 1}));
 
     list->pop(P(2));
     EXPECT_EQ(values(*list), V({0, 2, 3, 1}));
-    list->pop(P(1)); // at the tail: stays
+    list->pop(P(1));  // at the tail: stays
     EXPECT_EQ(values(*list), V({0, 2, 3, 1}));
     list->pop(P(3));
     EXPECT_EQ(values(*list), V({0, 2, 1, 3}));
@@ -191,14 +191,12 @@ TEST(OrvList, LongListsAreFreedWithoutRecursion) {
     // next one's; a run under the sanitizers also checks nothing leaks.
     const int n = 1000000;
     OrvList* list = new OrvList;
-    for (int i = 0; i < n; i++)
-        list->append(P(i % 10));
+    for (int i = 0; i < n; i++) list->append(P(i % 10));
     EXPECT_EQ(list->length(), (unsigned)n);
     delete list;
 
     OrvAList* alist = new OrvAList;
-    for (int i = 0; i < n; i++)
-        alist->insert(P(i % 10), P(i % 10));
+    for (int i = 0; i < n; i++) alist->insert(P(i % 10), P(i % 10));
     EXPECT_EQ(alist->length(), (unsigned)n);
     delete alist;
 }
@@ -215,7 +213,7 @@ TEST(OrvList, NodesComeFromTheGlobalPool) {
 
     OrvAListItem* item = new OrvAListItem(P(0), P(1));
     delete item;
-    EXPECT_EQ(pool->freeList[2], (void*)item); // 24 bytes: class 2
+    EXPECT_EQ(pool->freeList[2], (void*)item);  // 24 bytes: class 2
     OrvList* list = new OrvList;
     delete list;
     EXPECT_EQ(pool->freeList[1], (void*)list);
@@ -231,11 +229,11 @@ TEST(OrvAList, InsertAppendGetFind) {
     EXPECT_EQ(list.length(), 0u);
     list.append(P(1), P(5));
     list.insert(P(0), P(4));
-    list.append(P(1), P(6)); // duplicate keys allowed
+    list.append(P(1), P(6));  // duplicate keys allowed
     list.append(P(2), nullptr);
     EXPECT_EQ(list.length(), 4u);
     EXPECT_EQ(list.first->key, P(0));
-    EXPECT_EQ(list.get(P(1)), P(5)); // first match
+    EXPECT_EQ(list.get(P(1)), P(5));  // first match
     // A null value and an absent key look alike through get, not through find.
     EXPECT_EQ(list.get(P(2)), nullptr);
     EXPECT_EQ(list.find(P(2)), 1);
@@ -257,7 +255,7 @@ TEST(OrvAList, ReplaceAndRemoveFirstMatch) {
     EXPECT_EQ(list.remove(P(1)), 1);
     EXPECT_EQ(list.length(), 2u);
     EXPECT_EQ(list.get(P(1)), P(6));
-    EXPECT_EQ(list.remove(P(0)), 1); // the head
+    EXPECT_EQ(list.remove(P(0)), 1);  // the head
     EXPECT_EQ(list.first->key, P(1));
     EXPECT_EQ(list.remove(P(9)), 0);
     EXPECT_EQ(list.remove(P(1)), 1);

@@ -33,10 +33,10 @@ TEST(Matrix2d, FlagsFollowTheFloats) {
     EXPECT_TRUE(m.diagonal);
     EXPECT_TRUE(m.unit);
     Orv2dPoint size(20000, 20000);
-    m.deltaApply(size); // unit: nothing at all
+    m.deltaApply(size);  // unit: nothing at all
     EXPECT_EQ(size, Orv2dPoint(20000, 20000));
     Orv2dPoint p(20000, 20000);
-    m.apply(p); // apply still multiplies
+    m.apply(p);  // apply still multiplies
     EXPECT_EQ(p, Orv2dPoint(20001, 19999));
 
     m.setValues(1.0002f, 0, 0, 1);
@@ -85,24 +85,24 @@ TEST(Matrix2d, ApplyRoundsHalfAwayFromZero) {
     half.apply(p);
     EXPECT_EQ(p, Orv2dPoint(2, -2));
     Orv2dMatrix fifth(0.2f, 0.2f);
-    p = Orv2dPoint(-2, 2); // -0.4 goes to 0, not to -1
+    p = Orv2dPoint(-2, 2);  // -0.4 goes to 0, not to -1
     fifth.apply(p);
     EXPECT_EQ(p, Orv2dPoint(0, 0));
 
     // The same through the non-diagonal branch.
     Orv2dMatrix shear(0.5f, 0.25f, 0, 0.5f, 0, 0);
     EXPECT_FALSE(shear.diagonal);
-    p = Orv2dPoint(-1, -2); // x: -0.5 - 0.5 = -1, y: -1
+    p = Orv2dPoint(-1, -2);  // x: -0.5 - 0.5 = -1, y: -1
     shear.apply(p);
     EXPECT_EQ(p, Orv2dPoint(-1, -1));
     p = Orv2dPoint(1, 2);
     shear.apply(p);
     EXPECT_EQ(p, Orv2dPoint(1, 1));
-    p = Orv2dPoint(-3, 0); // -1.5 and 0
+    p = Orv2dPoint(-3, 0);  // -1.5 and 0
     shear.apply(p);
     EXPECT_EQ(p, Orv2dPoint(-2, 0));
 
-    Orv2dPoint s(-3, 5); // deltaApply ignores the translation
+    Orv2dPoint s(-3, 5);  // deltaApply ignores the translation
     Orv2dMatrix st(0.5f, 0, 0, 0.5f, 100, 100);
     st.deltaApply(s);
     EXPECT_EQ(s, Orv2dPoint(-2, 3));
@@ -115,11 +115,11 @@ TEST(Matrix2d, RotationUsesThreePointOneFour) {
     EXPECT_EQ(half.b, -sn);
     EXPECT_EQ(half.c, sn);
     EXPECT_EQ(half.d, cs);
-    EXPECT_NE(half.a, -1.0f); // a little short of a true half turn
+    EXPECT_NE(half.a, -1.0f);  // a little short of a true half turn
     EXPECT_FALSE(half.diagonal);
     Orv2dPoint p(1000, 0);
     half.apply(p);
-    EXPECT_EQ(p, Orv2dPoint(-1000, 2)); // a true pi would give y 0
+    EXPECT_EQ(p, Orv2dPoint(-1000, 2));  // a true pi would give y 0
 
     Orv2dPoint c(10, 10);
     Orv2dMatrix quarter(c, 90);
@@ -130,7 +130,7 @@ TEST(Matrix2d, RotationUsesThreePointOneFour) {
     EXPECT_EQ(centre, c);
     Orv2dPoint q(20, 10);
     quarter.apply(q);
-    EXPECT_EQ(q, Orv2dPoint(10, 20)); // counter-clockwise in y-down terms is x toward y
+    EXPECT_EQ(q, Orv2dPoint(10, 20));  // counter-clockwise in y-down terms is x toward y
 
     // Only the two corners are mapped: not the true box under rotation.
     Orv2dMatrix eighth(Orv2dPoint(0, 0), 45);
@@ -155,7 +155,7 @@ TEST(Matrix2d, ScaleAndTranslationConstructors) {
     Orv2dRect r(1, 1, 2, 2);
     t.apply(r);
     EXPECT_EQ(r, Orv2dRect(-3, 7, 2, 2));
-    Orv2dRect m(1, 1, 2, 2); // a mirror swaps the corners back into order
+    Orv2dRect m(1, 1, 2, 2);  // a mirror swaps the corners back into order
     Orv2dMatrix(-1, 1).apply(m);
     EXPECT_EQ(m, Orv2dRect(-3, 1, 2, 2));
 }
@@ -165,7 +165,7 @@ TEST(Matrix2d, ComposeAppliesTheArgumentAfter) {
     m.compose(Orv2dMatrix(2, 2));
     Orv2dPoint p(1, 1);
     m.apply(p);
-    EXPECT_EQ(p, Orv2dPoint(12, 2)); // 2·(1 + 5), not 2·1 + 5
+    EXPECT_EQ(p, Orv2dPoint(12, 2));  // 2·(1 + 5), not 2·1 + 5
     EXPECT_FALSE(m.unit);
     EXPECT_TRUE(m.diagonal);
     EXPECT_EQ(m.det, 4.0);
@@ -176,7 +176,7 @@ TEST(Matrix2d, ComposeAppliesTheArgumentAfter) {
     Orv2dMatrix sh(1, 0.5f, 0, 1, 0, 0);
     EXPECT_FALSE(sh.diagonal);
     sh.compose(Orv2dMatrix(1, -0.5f, 0, 1, 0, 0));
-    EXPECT_TRUE(sh.diagonal); // flags recomputed from the product
+    EXPECT_TRUE(sh.diagonal);  // flags recomputed from the product
     EXPECT_TRUE(sh.unit);
     EXPECT_TRUE(sh.isIdentity());
 }
@@ -200,7 +200,7 @@ TEST(Matrix2d, ComputeInverse) {
     Orv2dMatrix rot(Orv2dPoint(3, 4), 30);
     ASSERT_TRUE(rot.computeInverse(out));
     EXPECT_FALSE(out.diagonal);
-    EXPECT_EQ(out.det, 1 / rot.det); // not recomputed from the new floats
+    EXPECT_EQ(out.det, 1 / rot.det);  // not recomputed from the new floats
     EXPECT_EQ(out.a, (float)(rot.d / rot.det));
     EXPECT_EQ(out.b, (float)(-rot.b / rot.det));
     EXPECT_EQ(out.tx, (float)((rot.b * rot.ty - rot.d * rot.tx) / rot.det));
@@ -222,7 +222,7 @@ TEST(Matrix2d, InverseOfPointsAndRects) {
     EXPECT_EQ(p, Orv2dPoint(7, -5));
 
     Orv2dMatrix two(2, 0, 0, 2, 1, 1);
-    p = Orv2dPoint(2, 0); // (1, -1)/2: 0.5 → 1, -0.5 → -1
+    p = Orv2dPoint(2, 0);  // (1, -1)/2: 0.5 → 1, -0.5 → -1
     EXPECT_TRUE(two.inverse(p));
     EXPECT_EQ(p, Orv2dPoint(1, -1));
 
@@ -237,17 +237,17 @@ TEST(Matrix2d, InverseOfPointsAndRects) {
         }
     }
     Orv2dMatrix shear(1, 0.5f, 0, 1, 0, 0);
-    p = Orv2dPoint(3, 2); // x' = 3 - 0.5·2
+    p = Orv2dPoint(3, 2);  // x' = 3 - 0.5·2
     EXPECT_TRUE(shear.inverse(p));
     EXPECT_EQ(p, Orv2dPoint(2, 2));
 
     Orv2dRect r(2, 4, 6, 8);
     EXPECT_TRUE(two.inverse(r));
-    EXPECT_EQ(r, Orv2dRect(1, 2, 3, 4)); // (0.5, 1.5)–(3.5, 5.5) rounded away from zero
+    EXPECT_EQ(r, Orv2dRect(1, 2, 3, 4));  // (0.5, 1.5)–(3.5, 5.5) rounded away from zero
 }
 
 TEST(Matrix2d, InverseOfABadMatrixReports) {
-    Orv2dMatrix bad(1e-7f, 0, 0, 1e-6f, 0, 0); // det 1e-13
+    Orv2dMatrix bad(1e-7f, 0, 0, 1e-6f, 0, 0);  // det 1e-13
     Orv2dPoint p(3, 4);
     testing::internal::CaptureStdout();
     EXPECT_FALSE(bad.inverse(p));
@@ -274,13 +274,13 @@ TEST(Matrix2d, Compute2dMatrix) {
     EXPECT_EQ(r, Orv2dRect(0, 0, 200, 200));
 
     Orv2dMatrix z = OrvCompute2dMatrix(Orv2dRect(5, 5, 0, 10), Orv2dRect(7, 0, 30, 20));
-    EXPECT_EQ(z.a, 1); // zero source width scales by 1
+    EXPECT_EQ(z.a, 1);  // zero source width scales by 1
     EXPECT_EQ(z.d, 2);
     EXPECT_EQ(z.tx, 2);
     EXPECT_EQ(z.ty, -10);
 
     Orv2dMatrix huge = OrvCompute2dMatrix(Orv2dRect(0, 0, 1, 1), Orv2dRect(0, 0, 3000000000u, 1));
-    EXPECT_EQ(huge.a, 3e9f); // widths are unsigned
+    EXPECT_EQ(huge.a, 3e9f);  // widths are unsigned
 }
 
 // ---------------------------------------------------------------------------
@@ -301,7 +301,7 @@ TEST(Matrix3d, ConstructionCopyAndPrint) {
     float v[16];
     for (int i = 0; i < 16; i++) v[i] = (float)i;
     Orv3dMatrix fromArray(v);
-    EXPECT_EQ(fromArray(1, 2), 6.0f); // row-major
+    EXPECT_EQ(fromArray(1, 2), 6.0f);  // row-major
     EXPECT_EQ(fromArray(0, 3), 3.0f);
     Orv3dMatrix listed(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
     EXPECT_EQ(listed, fromArray);
@@ -313,11 +313,10 @@ TEST(Matrix3d, ConstructionCopyAndPrint) {
     Orv3dMatrix p(1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1.5f);
     testing::internal::CaptureStdout();
     p.print();
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "1.000000 2.000000 3.000000 4.000000 \n"
-              "0.000000 0.000000 0.000000 0.000000 \n"
-              "0.000000 0.000000 0.000000 0.000000 \n"
-              "0.000000 0.000000 0.000000 1.500000 \n\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "1.000000 2.000000 3.000000 4.000000 \n"
+                                                      "0.000000 0.000000 0.000000 0.000000 \n"
+                                                      "0.000000 0.000000 0.000000 0.000000 \n"
+                                                      "0.000000 0.000000 0.000000 1.500000 \n\n");
 }
 
 TEST(Matrix3d, ElementaryRotations) {
@@ -335,7 +334,7 @@ TEST(Matrix3d, ElementaryRotations) {
     EXPECT_NEAR(p.y, 1, 1e-6);
 
     m.rotateX(90);
-    EXPECT_EQ(m(0, 1), 0.0f); // replaced, not accumulated
+    EXPECT_EQ(m(0, 1), 0.0f);  // replaced, not accumulated
     EXPECT_EQ(m(1, 2), -s);
     EXPECT_EQ(m(2, 1), s);
     p = Orv3dPoint(0, 1, 0);
@@ -356,7 +355,7 @@ TEST(Matrix3d, AccumulatePutsTheStepAfter) {
     m.translate(1, 0, 0);
     m.rotateZ(90, 1);
     Orv3dPoint p(0, 0, 0);
-    m.apply(p); // translated first, then turned
+    m.apply(p);  // translated first, then turned
     EXPECT_NEAR(p.x, 0, 1e-6);
     EXPECT_NEAR(p.y, 1, 1e-6);
 
@@ -365,7 +364,7 @@ TEST(Matrix3d, AccumulatePutsTheStepAfter) {
     m.apply(p);
     EXPECT_NEAR(p.y, 3, 1e-6);
 
-    m.rotateZ(90); // without accumulate: replaced
+    m.rotateZ(90);  // without accumulate: replaced
     p = Orv3dPoint(0, 0, 0);
     m.apply(p);
     EXPECT_EQ(p, Orv3dPoint(0, 0, 0));
@@ -393,7 +392,7 @@ TEST(Matrix3d, RotateAboutAnAxis) {
     Orv3dMatrix diag;
     diag.rotate(Orv3dPoint(0, 0, 0), Orv3dPoint(1, 1, 1), 120);
     p = Orv3dPoint(1, 0, 0);
-    diag.apply(p); // a third of a turn about the diagonal cycles the axes
+    diag.apply(p);  // a third of a turn about the diagonal cycles the axes
     EXPECT_NEAR(p.x, 0, 1e-5);
     EXPECT_NEAR(p.y, 1, 1e-5);
     EXPECT_NEAR(p.z, 0, 1e-5);
@@ -411,11 +410,11 @@ TEST(Matrix3d, ApplyProjectiveTest) {
     Orv3dPoint p(2, 4, 2);
     persp.apply(p);
     EXPECT_EQ(p, Orv3dPoint(1, 2, 1));
-    Orv3dPoint stay(1, 1, 0); // w = 0: unchanged
+    Orv3dPoint stay(1, 1, 0);  // w = 0: unchanged
     persp.apply(stay);
     EXPECT_EQ(stay, Orv3dPoint(1, 1, 0));
 
-    Orv3dMatrix almost; // |m33 − 1| below 1e-6: affine, no division
+    Orv3dMatrix almost;  // |m33 − 1| below 1e-6: affine, no division
     almost(3, 3) = 1.0000005f;
     Orv3dPoint big(1e6f, 0, 0);
     almost.apply(big);
@@ -428,7 +427,7 @@ TEST(Matrix3d, ApplyProjectiveTest) {
 
     Orv3dMatrix t;
     t.translate(1, 2, 3);
-    Orv3dVector v(1, 1, 1); // vectors are translated like points
+    Orv3dVector v(1, 1, 1);  // vectors are translated like points
     t.apply(v);
     EXPECT_EQ(v, Orv3dVector(2, 3, 4));
     float x = 0, y = 0, z = 0;
@@ -437,7 +436,7 @@ TEST(Matrix3d, ApplyProjectiveTest) {
     EXPECT_EQ(z, 3);
 
     Orv4dPoint h(1, 2, 2, 1);
-    persp.apply(h); // no division
+    persp.apply(h);  // no division
     EXPECT_EQ(h, Orv4dPoint(1, 2, 2, 2));
 }
 
@@ -461,7 +460,7 @@ TEST(Matrix3d, ApplyVolumeAndTranspose) {
     float gl[16];
     m.transpose(gl);
     for (int i = 0; i < 16; i++) EXPECT_EQ(gl[i], t.m[i]);
-    m.transpose(m); // in place
+    m.transpose(m);  // in place
     EXPECT_EQ(m, t);
 }
 
@@ -506,10 +505,10 @@ TEST(Matrix3d, MultiplyAndDeterminants) {
     s.scale(2, 2, 2);
     const Orv3dMatrix& r1 = t.multiply(s);
     const Orv3dMatrix& r2 = s.multiply(t);
-    EXPECT_EQ(&r1, &r2); // one shared static
+    EXPECT_EQ(&r1, &r2);  // one shared static
     Orv3dMatrix ts = t * s;
     Orv3dPoint p(1, 1, 1);
-    ts.apply(p); // scaled first, then translated
+    ts.apply(p);  // scaled first, then translated
     EXPECT_EQ(p, Orv3dPoint(3, 2, 2));
     Orv3dMatrix st = s;
     st *= t;
@@ -543,7 +542,7 @@ TEST(Matrix3d, BuildIsTheProductOfItsSteps) {
     EXPECT_EQ(built(3, 0), 0.0f);
     EXPECT_EQ(built(3, 3), 1.0f);
 
-    Orv3dMatrix plain; // the centre maps to centre plus translation
+    Orv3dMatrix plain;  // the centre maps to centre plus translation
     plain.build(c, t, 0, 0, 0, Orv3dVector(2, 2, 2));
     Orv3dPoint p = c;
     plain.apply(p);
@@ -593,7 +592,7 @@ TEST(Matrix3d, DecomposeInvertsBuild) {
     flat.scale(1, 0, 1);
     EXPECT_EQ(flat.decompose(scale, shear, rx, ry, rz, tr, persp), 0);
 
-    Orv3dMatrix proj; // a perspective row is handed back through the inverse
+    Orv3dMatrix proj;  // a perspective row is handed back through the inverse
     proj(3, 2) = 0.5f;
     ASSERT_EQ(proj.decompose(scale, shear, rx, ry, rz, tr, persp), 1);
     EXPECT_EQ(persp, Orv4dPoint(0, 0, 0.5f, 1));
@@ -614,10 +613,10 @@ TEST(Matrix3d, Compute3dMatrix) {
     EXPECT_EQ(m(2, 2), 4);
 
     Orv3dMatrix flat = OrvCompute3dMatrix(Orv3dVolume(0, 0, 0, 0, 2, 2), to, 0, 0, 0);
-    EXPECT_EQ(flat(0, 0), 1); // zero extent scales by 1
+    EXPECT_EQ(flat(0, 0), 1);  // zero extent scales by 1
 
     Orv3dMatrix turned = OrvCompute3dMatrix(from, from, 0, 0, 90);
-    p = Orv3dPoint(2, 1, 1); // turned about the centre
+    p = Orv3dPoint(2, 1, 1);  // turned about the centre
     turned.apply(p);
     EXPECT_NEAR(p.x, 1, 1e-6);
     EXPECT_NEAR(p.y, 2, 1e-6);

@@ -15,7 +15,7 @@ TEST(Region, EmptyAndSingle) {
     EXPECT_EQ(r.capacity, 25);
     EXPECT_EQ(r.count, 0);
     EXPECT_FALSE(r.usesHeap());
-    EXPECT_FALSE(r.contains(Orv2dPoint(0, 0))); // even at the default bbox origin
+    EXPECT_FALSE(r.contains(Orv2dPoint(0, 0)));  // even at the default bbox origin
     EXPECT_FALSE(r.contains(Orv2dRect(0, 0, 0, 0)));
     EXPECT_FALSE(r.intersects(Orv2dRect(-5, -5, 10, 10)));
 
@@ -74,16 +74,17 @@ TEST(Region, TwentySixthRectangleMovesToTheHeap) {
     EXPECT_EQ(r.capacity, 26);
     EXPECT_TRUE(r.usesHeap());
     ASSERT_NE(r.heap, nullptr);
-    for (int i = 0; i < 26; i++) EXPECT_EQ(r.rectangle((unsigned short)i), Orv2dRect(i * 20, 0, 10, 10));
+    for (int i = 0; i < 26; i++)
+        EXPECT_EQ(r.rectangle((unsigned short)i), Orv2dRect(i * 20, 0, 10, 10));
 
     r.extendBy(Orv2dRect(26 * 20, 0, 10, 10));
-    EXPECT_EQ(r.capacity, 27); // one at a time
-    r.extendBy(Orv2dRect(5, 5, 1, 1)); // overlapping: no growth
+    EXPECT_EQ(r.capacity, 27);          // one at a time
+    r.extendBy(Orv2dRect(5, 5, 1, 1));  // overlapping: no growth
     EXPECT_EQ(r.capacity, 27);
     EXPECT_EQ(r.count, 27);
     EXPECT_EQ(r.bbox, Orv2dRect(0, 0, 530, 10));
 
-    Orv2dRegion small(2); // below 25 the embedded array serves, capacity still counts
+    Orv2dRegion small(2);  // below 25 the embedded array serves, capacity still counts
     addDisjoint(small, 4);
     EXPECT_EQ(small.capacity, 4);
     EXPECT_FALSE(small.usesHeap());
@@ -102,27 +103,27 @@ TEST(Region, CollapseToTheBoundingBoxAtTheLimit) {
             r.extendBy(box);
         }
     }
-    EXPECT_EQ(r.capacity, 33); // reached 33 once, never more
-    EXPECT_EQ(r.count, 1);     // everything after the collapse fell into the box
+    EXPECT_EQ(r.capacity, 33);  // reached 33 once, never more
+    EXPECT_EQ(r.count, 1);      // everything after the collapse fell into the box
     EXPECT_EQ(r.rectangle(0), Orv2dRect(0, 0, 150, 90));
     EXPECT_EQ(r.bbox, Orv2dRect(0, 0, 150, 90));
-    EXPECT_TRUE(r.contains(Orv2dPoint(15, 15))); // a gap of the old members
+    EXPECT_TRUE(r.contains(Orv2dPoint(15, 15)));  // a gap of the old members
 }
 
 TEST(Region, ContainsAndIntersectsTestOneMemberAtATime) {
     Orv2dRegion r;
     r.extendBy(Orv2dRect(0, 0, 10, 10));
-    r.extendBy(Orv2dRect(10, 0, 10, 10)); // touches: a second member
+    r.extendBy(Orv2dRect(10, 0, 10, 10));  // touches: a second member
     r.extendBy(Orv2dRect(40, 40, 10, 10));
     ASSERT_EQ(r.count, 3);
     EXPECT_TRUE(r.contains(Orv2dRect(2, 2, 5, 5)));
-    EXPECT_FALSE(r.contains(Orv2dRect(5, 0, 10, 5))); // covered, but by two members
+    EXPECT_FALSE(r.contains(Orv2dRect(5, 0, 10, 5)));  // covered, but by two members
     EXPECT_TRUE(r.contains(Orv2dPoint(10, 10)));
-    EXPECT_FALSE(r.contains(Orv2dPoint(30, 30))); // in the box, in no member
-    EXPECT_FALSE(r.contains(Orv2dPoint(51, 0)));  // outside the box
+    EXPECT_FALSE(r.contains(Orv2dPoint(30, 30)));  // in the box, in no member
+    EXPECT_FALSE(r.contains(Orv2dPoint(51, 0)));   // outside the box
     EXPECT_TRUE(r.intersects(Orv2dRect(45, 45, 100, 100)));
     EXPECT_FALSE(r.intersects(Orv2dRect(25, 25, 10, 10)));
-    EXPECT_FALSE(r.intersects(Orv2dRect(50, 50, 10, 10))); // touches the corner only
+    EXPECT_FALSE(r.intersects(Orv2dRect(50, 50, 10, 10)));  // touches the corner only
 }
 
 TEST(Region, IntersectionKeepsEmptyMembers) {
@@ -150,7 +151,7 @@ TEST(Region, CopyAndAssign) {
     Orv2dRegion small;
     addDisjoint(small, 3, 100);
     Orv2dRegion a(40);
-    a = small; // frees the old heap array, back to 25
+    a = small;  // frees the old heap array, back to 25
     EXPECT_EQ(a.capacity, 25);
     EXPECT_FALSE(a.usesHeap());
     EXPECT_EQ(a.count, 3);
@@ -159,7 +160,7 @@ TEST(Region, CopyAndAssign) {
 
     Orv2dRegion sized(60);
     addDisjoint(sized, 30);
-    a = sized; // exactly the count, not the other's capacity
+    a = sized;  // exactly the count, not the other's capacity
     EXPECT_EQ(a.capacity, 30);
     EXPECT_TRUE(a.usesHeap());
     EXPECT_EQ(a.rectangle(29), Orv2dRect(580, 0, 10, 10));
@@ -197,5 +198,5 @@ TEST(Region, TranslateGrowAndMatrices) {
     r.inverse(bad);
     std::string out = testing::internal::GetCapturedStdout();
     EXPECT_NE(out.find("Orv2dMatrix::inverse(Orv2dRect&): bad transformer "), std::string::npos);
-    EXPECT_EQ(r.bbox, Orv2dRect(-5, 7, 32, 7)); // left as it was
+    EXPECT_EQ(r.bbox, Orv2dRect(-5, 7, 32, 7));  // left as it was
 }

@@ -22,14 +22,13 @@ void checkDoublingBelowN(OrvScratchKind kind, Call call) {
     int32_t* data = (int32_t*)call(5);
     ASSERT_NE(data, nullptr);
     if (start == 0) {
-        EXPECT_EQ(OrvScratchCapacity(kind), 7u); // first size n + 2
+        EXPECT_EQ(OrvScratchCapacity(kind), 7u);  // first size n + 2
     }
     unsigned cap = OrvScratchCapacity(kind);
     ASSERT_GE(cap, 5u);
     // Fill the whole capacity (as 32-bit words; points hold two).
     unsigned words = cap * (kind <= OrvScratchLinkPoints ? 2 : 1);
-    for (unsigned i = 0; i < words; i++)
-        data[i] = (int32_t)(i * 7 + 1);
+    for (unsigned i = 0; i < words; i++) data[i] = (int32_t)(i * 7 + 1);
     // Asking for no more than the capacity changes nothing.
     EXPECT_EQ((int32_t*)call(cap), data);
     EXPECT_EQ(OrvScratchCapacity(kind), cap);
@@ -38,7 +37,7 @@ void checkDoublingBelowN(OrvScratchKind kind, Call call) {
     data = (int32_t*)call(cap + 1);
     EXPECT_EQ(OrvScratchCapacity(kind), 2 * cap);
     data = (int32_t*)call(8 * cap);
-    EXPECT_EQ(OrvScratchCapacity(kind), 8 * cap); // reaching n exactly is enough
+    EXPECT_EQ(OrvScratchCapacity(kind), 8 * cap);  // reaching n exactly is enough
     data = (int32_t*)call(8 * cap + 1);
     EXPECT_EQ(OrvScratchCapacity(kind), 16 * cap);
     for (unsigned i = 0; i < words; i++)
@@ -48,7 +47,9 @@ void checkDoublingBelowN(OrvScratchKind kind, Call call) {
     data[all - 1] = 42;
 }
 
-unsigned char byteAt(const char* data, int i) { return (unsigned char)data[i]; }
+unsigned char byteAt(const char* data, int i) {
+    return (unsigned char)data[i];
+}
 
 std::string tempDir() {
     char pattern[] = "/tmp/orv-util-XXXXXX";
@@ -56,11 +57,12 @@ std::string tempDir() {
     return dir ? dir : "";
 }
 
-} // namespace
+}  // namespace
 
 TEST(OrvScratch, PointsIndexFloatGrowByDoubling) {
     checkDoublingBelowN(OrvScratchPoints, [](unsigned n) { return (void*)OrvAllocPoints(n); });
-    checkDoublingBelowN(OrvScratchLinkPoints, [](unsigned n) { return (void*)OrvAllocLinkPoints(n); });
+    checkDoublingBelowN(OrvScratchLinkPoints,
+                        [](unsigned n) { return (void*)OrvAllocLinkPoints(n); });
     checkDoublingBelowN(OrvScratchIndex, [](unsigned n) { return (void*)OrvAllocIndex(n); });
     checkDoublingBelowN(OrvScratchFloat, [](unsigned n) { return (void*)OrvAllocFloat(n); });
 }
@@ -81,11 +83,10 @@ TEST(OrvScratch, InternalPointersGrowPastN) {
     void** data = OrvAllocInternalPointers(5);
     ASSERT_NE(data, nullptr);
     if (start == 0) {
-        EXPECT_EQ(OrvScratchCapacity(kind), 6u); // first size n + 1
+        EXPECT_EQ(OrvScratchCapacity(kind), 6u);  // first size n + 1
     }
     unsigned cap = OrvScratchCapacity(kind);
-    for (unsigned i = 0; i < cap; i++)
-        data[i] = (void*)(uintptr_t)(i + 100);
+    for (unsigned i = 0; i < cap; i++) data[i] = (void*)(uintptr_t)(i + 100);
     // A capacity equal to n is enough.
     EXPECT_EQ(OrvAllocInternalPointers(cap), data);
     EXPECT_EQ(OrvScratchCapacity(kind), cap);
@@ -164,7 +165,8 @@ TEST(OrvDiagnostics, DateIsCtimeWithoutNewline) {
     std::string date = OrvDate();
     time_t after = time(nullptr);
     ASSERT_EQ(date.size(), 24u);
-    EXPECT_TRUE(date == std::string(ctime(&before), 24) || date == std::string(ctime(&after), 24)) << date;
+    EXPECT_TRUE(date == std::string(ctime(&before), 24) || date == std::string(ctime(&after), 24))
+        << date;
     EXPECT_EQ(date.find('\n'), std::string::npos);
 }
 
@@ -179,7 +181,7 @@ TEST(OrvFiles, ExistsMeansReadable) {
     EXPECT_TRUE(OrvFileExists(path.c_str()));
     EXPECT_FALSE(OrvFileExists((dir + "/absent").c_str()));
     chmod(path.c_str(), 0);
-    if (geteuid() != 0) { // root reads anything
+    if (geteuid() != 0) {  // root reads anything
         EXPECT_FALSE(OrvFileExists(path.c_str()));
     }
     EXPECT_EQ(OrvFileExists(path.c_str()), access(path.c_str(), R_OK) == 0);

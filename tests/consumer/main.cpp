@@ -12,6 +12,7 @@ int main() {
     Orv2dRect r(10, 20, 30, 40);
     Orv2dMatrix m(2.0f, 2.0f);
     m.apply(r);
-    std::printf("%u %d %d %u %u\n", list.length() + None + Bool + Status + Above - 6, r.x, r.y, r.w, r.h);
+    std::printf("%u %d %d %u %u\n", list.length() + None + Bool + Status + Above - 6, r.x, r.y, r.w,
+                r.h);
     return OrvGetClassInfo("OrvRectangle") ? 0 : 1;
 }

@@ -14,8 +14,8 @@ class LoggingActor : public OrvActor {
 public:
     std::vector<std::string>* log;
     Orv2dRect box;
-    LoggingActor(OrvDirector* d, std::vector<std::string>* log, const Orv2dRect& box = Orv2dRect(10, 10, 20, 20),
-                 OrvMakeUp* m = nullptr)
+    LoggingActor(OrvDirector* d, std::vector<std::string>* log,
+                 const Orv2dRect& box = Orv2dRect(10, 10, 20, 20), OrvMakeUp* m = nullptr)
         : OrvActor(d, m), log(log), box(box) {}
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override {
         Orv2dRect r = box;
@@ -30,7 +30,9 @@ public:
         log->push_back("flush " + std::to_string(withLinks));
         OrvActor::flushDrawing(withLinks);
     }
-    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override { canvas->rectangle(makeUp, box, 1, matrix); }
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override {
+        canvas->rectangle(makeUp, box, 1, matrix);
+    }
     void notifyOnMakeUpChanged() override { log->push_back("notify"); }
     void takeAPicture() override { log->push_back("picture"); }
 };
@@ -41,13 +43,15 @@ public:
     explicit LoggingHook(std::vector<std::string>* log) : log(log) {}
     void invalidateActorCall(const OrvActor*) override { log->push_back("invalidate"); }
     void contents() override { log->push_back("contents"); }
-    void beforeDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override { log->push_back("drawAll"); }
+    void beforeDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override {
+        log->push_back("drawAll");
+    }
     unsigned long deletedByStage() const override { return 1; }
 };
 
 typedef std::vector<std::string> Log;
 
-} // namespace
+}  // namespace
 
 TEST(Actor, DefaultFlagsAndTheBitVocabulary) {
     OrvActor a(nullptr);
@@ -102,7 +106,7 @@ TEST(Actor, UserProperties) {
     int v1 = 1, v2 = 2;
     a.setUserProperty(k1, &v1);
     EXPECT_EQ(a.getUserProperty(k1), &v1);
-    a.setUserProperty(k1, &v2); // replaced, not added
+    a.setUserProperty(k1, &v2);  // replaced, not added
     EXPECT_EQ(a.getUserProperty(k1), &v2);
     EXPECT_EQ(a.userProperties->length(), 1u);
     // A null value and an absent key read alike; hasUserProperty tells them apart.
@@ -151,7 +155,7 @@ TEST(Actor, NamesCallbacksEnginesAndKeys) {
     a.setCallback(c1);
     EXPECT_EQ(c1->count, 1);
     EXPECT_EQ(a.getCallback(), c1);
-    a.setCallback(c2); // the first is let go and dies
+    a.setCallback(c2);  // the first is let go and dies
     EXPECT_EQ(deaths, 1);
     EXPECT_EQ(a.getCallback(), c2);
     a.setSecondaryCallback(c2);
@@ -174,7 +178,7 @@ TEST(Actor, NamesCallbacksEnginesAndKeys) {
         OrvActor b(nullptr);
         b.setSecondaryCallback(c2);
         EXPECT_EQ(c2->count, 2);
-    } // the destructor lets go of its callbacks
+    }  // the destructor lets go of its callbacks
     EXPECT_EQ(c2->count, 1);
     a.setSecondaryCallback(nullptr);
     EXPECT_EQ(deaths, 2);
@@ -184,15 +188,15 @@ TEST(Actor, ChangeProtocolOffStage) {
     Log log;
     LoggingActor a(nullptr, &log);
     a.setVisible(0);
-    a.setVisible(0); // no change, no call
+    a.setVisible(0);  // no change, no call
     a.setSelected(1);
     a.setFocus(1);
     a.setInvariant(1);
     a.setLayer(3);
     a.setLayer(3);
     a.textureOn(0);
-    EXPECT_EQ(log, (Log{"begin 1", "flush 1", "begin 0", "flush 0", "begin 0", "flush 0", "begin 1", "flush 1",
-                        "begin 0", "flush 0", "begin 0", "picture", "flush 0"}));
+    EXPECT_EQ(log, (Log{"begin 1", "flush 1", "begin 0", "flush 0", "begin 0", "flush 0", "begin 1",
+                        "flush 1", "begin 0", "flush 0", "begin 0", "picture", "flush 0"}));
     EXPECT_FALSE(a.isVisible());
     EXPECT_TRUE(a.isSelected());
     EXPECT_TRUE(a.isFocus());
@@ -286,8 +290,9 @@ TEST(ActorGeometry, HandlesAndDragger) {
     Orv2dPoint* h = a.draggerVertex2d(count, nullptr);
     ASSERT_EQ(count, 8u);
     // Half sizes by shift: odd sizes round down.
-    Orv2dPoint expected[8] = {Orv2dPoint(10, 20), Orv2dPoint(10, 61), Orv2dPoint(41, 20), Orv2dPoint(41, 61),
-                              Orv2dPoint(10, 40), Orv2dPoint(41, 40), Orv2dPoint(25, 20), Orv2dPoint(25, 61)};
+    Orv2dPoint expected[8] = {Orv2dPoint(10, 20), Orv2dPoint(10, 61), Orv2dPoint(41, 20),
+                              Orv2dPoint(41, 61), Orv2dPoint(10, 40), Orv2dPoint(41, 40),
+                              Orv2dPoint(25, 20), Orv2dPoint(25, 61)};
     for (int i = 0; i < 8; i++) EXPECT_EQ(h[i], expected[i]) << i;
 
     // Not selected: no handle, and the box alone is hit.
@@ -420,8 +425,9 @@ TEST_F(StageTest, ChangeProtocolOnStage) {
     a->setInverted(1);
     a->setSensitive(0);
     stage->flushDrawing(1);
-    EXPECT_EQ(log, (Log{"begin 0", "invalidate", "flush 0", "invalidate", "begin 0", "invalidate", "flush 0",
-                        "invalidate", "begin 0", "invalidate", "flush 0", "invalidate", "drawAll"}));
+    EXPECT_EQ(log, (Log{"begin 0", "invalidate", "flush 0", "invalidate", "begin 0", "invalidate",
+                        "flush 0", "invalidate", "begin 0", "invalidate", "flush 0", "invalidate",
+                        "drawAll"}));
     log.clear();
 
     // During a repaint the state changes and nothing is invalidated.

@@ -13,7 +13,7 @@ std::vector<OrvActor*> order(const OrvStageLayer& l) {
     return std::vector<OrvActor*>(l.actors, l.actors + l.count);
 }
 
-} // namespace
+}  // namespace
 
 TEST(StageLayer, OrderGrowthPopAndPush) {
     OrvStageLayer l(nullptr, 7);

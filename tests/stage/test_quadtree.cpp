@@ -36,7 +36,9 @@ struct Owned {
     }
 };
 
-void collect(OrvActor* a, void* data) { ((std::vector<OrvActor*>*)data)->push_back(a); }
+void collect(OrvActor* a, void* data) {
+    ((std::vector<OrvActor*>*)data)->push_back(a);
+}
 
 std::set<OrvActor*> all(OrvQuadtree& t) {
     std::vector<OrvActor*> v;
@@ -47,7 +49,8 @@ std::set<OrvActor*> all(OrvQuadtree& t) {
 unsigned depth(const OrvQuadtree* t) {
     if (!t) return 0;
     unsigned d = 0;
-    for (const OrvQuadtree* c : {t->topLeft, t->topRight, t->bottomLeft, t->bottomRight}) d = std::max(d, depth(c));
+    for (const OrvQuadtree* c : {t->topLeft, t->topRight, t->bottomLeft, t->bottomRight})
+        d = std::max(d, depth(c));
     return d + 1;
 }
 
@@ -57,7 +60,7 @@ unsigned listLength(const OrvQuadtree* t) {
     return n;
 }
 
-} // namespace
+}  // namespace
 
 TEST(Quadtree, DefaultsAndChildBoxes) {
     EXPECT_EQ(OrvDefaultQuadtreeMax, 40u);
@@ -83,8 +86,8 @@ TEST(Quadtree, DefaultsAndChildBoxes) {
     EXPECT_EQ(o.findPos(Orv2dRect(13, 20, 2, 2)), 5u);  // starts at mx: right
     EXPECT_EQ(o.findPos(Orv2dRect(10, 20, 3, 2)), 6u);  // ends at mx: left
     EXPECT_EQ(o.findPos(Orv2dRect(12, 20, 3, 2)), 65535u);
-    EXPECT_EQ(o.findPos(Orv2dRect(10, 22, 2, 2)), 6u);  // ends at my: top
-    EXPECT_EQ(o.findPos(Orv2dRect(10, 24, 2, 0)), 10u); // height 0 on my: bottom
+    EXPECT_EQ(o.findPos(Orv2dRect(10, 22, 2, 2)), 6u);   // ends at my: top
+    EXPECT_EQ(o.findPos(Orv2dRect(10, 24, 2, 0)), 10u);  // height 0 on my: bottom
     EXPECT_EQ(o.findPos(Orv2dRect(14, 23, 2, 2)), 65535u);
     EXPECT_EQ(o.findPos(Orv2dRect(14, 25, 2, 2)), 9u);
     EXPECT_EQ(o.findPos(Orv2dPoint(12, 23)), 6u);
@@ -133,7 +136,7 @@ TEST(Quadtree, SplitsWhenTheCountReachesMax) {
     EXPECT_EQ(t.topLeft, nullptr);
     EXPECT_EQ(t.internal, 0u);
     EXPECT_EQ(t.count, 1u);
-    EXPECT_EQ(listLength(&t), 1u); // a node back to leaf may keep a list
+    EXPECT_EQ(listLength(&t), 1u);  // a node back to leaf may keep a list
 }
 
 TEST(Quadtree, SixPixelFloorKeepsLeavesWhole) {
@@ -173,7 +176,7 @@ TEST(Quadtree, GrowthOfLeafAndInternalRoots) {
     OrvQuadtree g(4, &area);
     Box* kept = own.make(10, 10, 5, 5);
     g.add(kept);
-    g.growToPoint(Orv2dPoint(-50, 150)); // left and below
+    g.growToPoint(Orv2dPoint(-50, 150));  // left and below
     EXPECT_EQ(g.box, Orv2dRect(-100, 0, 200, 200));
     EXPECT_EQ(g.internal, 1u);
     EXPECT_EQ(g.head, nullptr);
@@ -183,7 +186,7 @@ TEST(Quadtree, GrowthOfLeafAndInternalRoots) {
     EXPECT_EQ(g.topLeft, nullptr);
     EXPECT_EQ(g.count, 1u);
     EXPECT_TRUE(g.insideP(kept));
-    g.growToPoint(Orv2dPoint(0, 0)); // inside: nothing
+    g.growToPoint(Orv2dPoint(0, 0));  // inside: nothing
     EXPECT_EQ(g.box, Orv2dRect(-100, 0, 200, 200));
     // Right and above, several doublings at once.
     g.growToPoint(Orv2dPoint(700, -10));
@@ -222,7 +225,8 @@ TEST(Quadtree, MessagesAndOptimizeMode) {
     EXPECT_EQ(t.add(b), 1);
     testing::internal::CaptureStdout();
     EXPECT_EQ(t.add(b), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Quadtree::add: OrvActor [1 2 3 4] Already in quadtree\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Quadtree::add: OrvActor [1 2 3 4] Already in quadtree\n");
     EXPECT_EQ(t.count, 1u);
     Box* stranger = own.make(5, 6, 7, 8);
     testing::internal::CaptureStdout();
@@ -238,11 +242,11 @@ TEST(Quadtree, MessagesAndOptimizeMode) {
     EXPECT_EQ(t.add(b), 1);
     EXPECT_EQ(t.remove(stranger), 1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(t.count, 1u); // 2 after the add, 1 after the unfound removal
+    EXPECT_EQ(t.count, 1u);  // 2 after the add, 1 after the unfound removal
     OrvSetOptimizeMode(0);
     EXPECT_EQ(t.remove(b), 1);
     EXPECT_EQ(t.remove(b), 1);
-    EXPECT_EQ(t.count, 4294967295u); // counts went wrong, as the mode warns
+    EXPECT_EQ(t.count, 4294967295u);  // counts went wrong, as the mode warns
 }
 
 TEST(Quadtree, ApplyInsideGivesTheMatrixOnlyAtTheFirstNode) {
@@ -269,7 +273,7 @@ TEST(Quadtree, ApplyInsideGivesTheMatrixOnlyAtTheFirstNode) {
     std::vector<OrvActor*> got;
     t.applyInside(window, window, collect, &got, &identity);
     ASSERT_FALSE(seen.empty());
-    EXPECT_EQ(seen[0], &identity); // the root's own actor
+    EXPECT_EQ(seen[0], &identity);  // the root's own actor
     for (size_t i = 1; i < seen.size(); i++) EXPECT_EQ(seen[i], nullptr);
     t.remove(&centre);
     t.remove(&deep1);
@@ -294,7 +298,8 @@ TEST(Quadtree, MemoryUseCountsNodesLinksAndArrays) {
     ASSERT_EQ(s.internal, 1u);
     ASSERT_NE(s.topLeft, nullptr);
     ASSERT_NE(s.bottomRight, nullptr);
-    EXPECT_EQ(s.memoryUse(), 3 * sizeof(OrvQuadtree) + 3 * 4 * sizeof(OrvActor*) + 2 * sizeof(OrvLink));
+    EXPECT_EQ(s.memoryUse(),
+              3 * sizeof(OrvQuadtree) + 3 * 4 * sizeof(OrvActor*) + 2 * sizeof(OrvLink));
 }
 
 TEST(Quadtree, EmptyDeletesActorsAndNodes) {
@@ -302,7 +307,7 @@ TEST(Quadtree, EmptyDeletesActorsAndNodes) {
     OrvQuadtree* t = new OrvQuadtree(2, &area);
     for (int i = 0; i < 30; i++) t->add(new Box(Orv2dRect(i * 15, i * 15, 3, 3)));
     EXPECT_EQ(t->count, 30u);
-    t->empty(1); // frees all: ASan would report a leak or a double free
+    t->empty(1);  // frees all: ASan would report a leak or a double free
 }
 
 // Queries against brute force over many random sets. Actors have even
@@ -334,7 +339,8 @@ TEST(QuadtreeProperty, QueriesAgreeWithBruteForce) {
         for (Box* b : own.boxes) ASSERT_TRUE(t.insideP(b));
 
         for (int q = 0; q < 200; q++) {
-            Orv2dPoint p(((int)(rng() % (8 * span)) - 4 * span) | 1, ((int)(rng() % (8 * span)) - 4 * span) | 1);
+            Orv2dPoint p(((int)(rng() % (8 * span)) - 4 * span) | 1,
+                         ((int)(rng() % (8 * span)) - 4 * span) | 1);
             OrvActor* found = t.contains(p, p, nullptr);
             bool any = false;
             for (Box* b : own.boxes) any = any || b->r.contains(p);
@@ -344,10 +350,12 @@ TEST(QuadtreeProperty, QueriesAgreeWithBruteForce) {
             }
         }
         for (int q = 0; q < 40; q++) {
-            Orv2dRect window(((int)(rng() % (6 * span)) - 3 * span), ((int)(rng() % (6 * span)) - 3 * span),
-                             1 + rng() % span, 1 + rng() % span);
+            Orv2dRect window(((int)(rng() % (6 * span)) - 3 * span),
+                             ((int)(rng() % (6 * span)) - 3 * span), 1 + rng() % span,
+                             1 + rng() % span);
             Orv2dRegion region(window);
-            if (q % 3 == 0) region.extendBy(Orv2dRect(window.x + 5 * span / 2, window.y, 1 + rng() % span, 9));
+            if (q % 3 == 0)
+                region.extendBy(Orv2dRect(window.x + 5 * span / 2, window.y, 1 + rng() % span, 9));
             std::vector<OrvActor*> got;
             t.applyIntersect(region, region, collect, &got, nullptr);
             std::set<OrvActor*> gotSet(got.begin(), got.end());
@@ -365,9 +373,11 @@ TEST(QuadtreeProperty, QueriesAgreeWithBruteForce) {
         std::set<OrvActor*> rest(own.boxes.begin() + half, own.boxes.end());
         ASSERT_EQ(all(t), rest);
         for (int q = 0; q < 100; q++) {
-            Orv2dPoint p(((int)(rng() % (8 * span)) - 4 * span) | 1, ((int)(rng() % (8 * span)) - 4 * span) | 1);
+            Orv2dPoint p(((int)(rng() % (8 * span)) - 4 * span) | 1,
+                         ((int)(rng() % (8 * span)) - 4 * span) | 1);
             bool any = false;
-            for (size_t i = half; i < own.boxes.size(); i++) any = any || own.boxes[i]->r.contains(p);
+            for (size_t i = half; i < own.boxes.size(); i++)
+                any = any || own.boxes[i]->r.contains(p);
             ASSERT_EQ(t.contains(p, p, nullptr) != nullptr, any);
         }
     }

@@ -27,7 +27,7 @@ public:
     OrvClassInfo* classInfo() const override { return nullptr; }
 };
 
-} // namespace
+}  // namespace
 
 TEST(Registry, RecordsExistBeforeMainWithTheirParents) {
     ASSERT_NE(OrvGetHashTypes(), nullptr);
@@ -35,18 +35,12 @@ TEST(Registry, RecordsExistBeforeMainWithTheirParents) {
     struct {
         const char* name;
         const char* parent;
-    } expected[] = {{"OrvActor", "Root"},
-                    {"OrvIndexedSet", "OrvActor"},
-                    {"OrvRectangle", "OrvActor"},
-                    {"OrvFilledRectangle", "OrvRectangle"},
-                    {"OrvLine", "OrvActor"},
-                    {"OrvArrowLine", "OrvLine"},
-                    {"Orv2dPolyline", "OrvActor"},
-                    {"Orv2dPolygon", "Orv2dPolyline"},
-                    {"OrvEllipse", "OrvActor"},
-                    {"OrvFilledEllipse", "OrvEllipse"},
-                    {"OrvArc", "OrvEllipse"},
-                    {"OrvLabel", "OrvActor"},
+    } expected[] = {{"OrvActor", "Root"},          {"OrvIndexedSet", "OrvActor"},
+                    {"OrvRectangle", "OrvActor"},  {"OrvFilledRectangle", "OrvRectangle"},
+                    {"OrvLine", "OrvActor"},       {"OrvArrowLine", "OrvLine"},
+                    {"Orv2dPolyline", "OrvActor"}, {"Orv2dPolygon", "Orv2dPolyline"},
+                    {"OrvEllipse", "OrvActor"},    {"OrvFilledEllipse", "OrvEllipse"},
+                    {"OrvArc", "OrvEllipse"},      {"OrvLabel", "OrvActor"},
                     {"OrvIcon", "OrvActor"}};
     for (auto& e : expected) {
         OrvClassInfo* info = OrvGetClassInfo(e.name);
@@ -116,11 +110,13 @@ TEST(Registry, IsSubtypeOfReportsUnknownNames) {
     OrvRectangle rect(nullptr, Orv2dRect(0, 0, 10, 10));
     testing::internal::CaptureStdout();
     EXPECT_EQ(rect.isSubtypeOf("NoSuchClass"), 0u);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Unknown requested type NoSuchClass in isSubtypeOf");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Unknown requested type NoSuchClass in isSubtypeOf");
 
     UnregisteredActor stranger;
     EXPECT_EQ(stranger.className(), nullptr);
     testing::internal::CaptureStdout();
     EXPECT_EQ(stranger.isSubtypeOf("OrvActor"), 0u);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Unknown proposed type (null) in isSubtypeOf");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Unknown proposed type (null) in isSubtypeOf");
 }

@@ -13,14 +13,16 @@ const Orv2dMatrix kScale2(2, 2);
 // A quarter turn about the origin: (x, y) goes to about (-y, x).
 const Orv2dMatrix kQuarter(Orv2dPoint(0, 0), 90);
 
-bool hit(OrvActor& a, int x, int y, const Orv2dMatrix* m = nullptr) { return a.contains2d(Orv2dPoint(x, y), m); }
+bool hit(OrvActor& a, int x, int y, const Orv2dMatrix* m = nullptr) {
+    return a.contains2d(Orv2dPoint(x, y), m);
+}
 
-} // namespace
+}  // namespace
 
 TEST(Shapes, RectangleHitTests) {
     OrvFilledRectangle filled(nullptr, Orv2dRect(0, 0, 100, 50));
     EXPECT_TRUE(hit(filled, 50, 25));
-    EXPECT_TRUE(hit(filled, 100, 50)); // edges belong to it
+    EXPECT_TRUE(hit(filled, 100, 50));  // edges belong to it
     EXPECT_FALSE(hit(filled, 101, 25));
     EXPECT_TRUE(hit(filled, 150, 80, &kScale2));
     EXPECT_FALSE(hit(filled, 150, 120, &kScale2));
@@ -31,14 +33,14 @@ TEST(Shapes, RectangleHitTests) {
 
     OrvRectangle outline(nullptr, Orv2dRect(0, 0, 100, 50));
     EXPECT_TRUE(hit(outline, 50, 0));
-    EXPECT_TRUE(hit(outline, 50, 2));  // within the line tolerance
-    EXPECT_FALSE(hit(outline, 50, 4)); // beyond it
+    EXPECT_TRUE(hit(outline, 50, 2));   // within the line tolerance
+    EXPECT_FALSE(hit(outline, 50, 4));  // beyond it
     EXPECT_FALSE(hit(outline, 50, 25));
     EXPECT_TRUE(hit(outline, 100, 25));
     EXPECT_TRUE(hit(outline, 100, 1, &kScale2));
     EXPECT_FALSE(hit(outline, 100, 50, &kScale2));
-    EXPECT_TRUE(hit(outline, 0, 50, &kQuarter));   // the side x = 0 turned to y = 0... and x = 0
-    EXPECT_TRUE(hit(outline, -50, 50, &kQuarter)); // the far side
+    EXPECT_TRUE(hit(outline, 0, 50, &kQuarter));    // the side x = 0 turned to y = 0... and x = 0
+    EXPECT_TRUE(hit(outline, -50, 50, &kQuarter));  // the far side
     EXPECT_FALSE(hit(outline, -25, 50, &kQuarter));
 
     // Rounded: the corner itself is cut away.
@@ -76,13 +78,14 @@ TEST(Shapes, LinesArrowsPolylinesAndPolygons) {
     OrvArrowLine arrow(nullptr, Orv2dPoint(0, 0), Orv2dPoint(100, 0));
     EXPECT_TRUE(hit(arrow, 94, 3));
     EXPECT_FALSE(hit(arrow, 94, 5));
-    EXPECT_FALSE(hit(arrow, 6, 3)); // no head at the start
+    EXPECT_FALSE(hit(arrow, 6, 3));  // no head at the start
     Orv2dPoint h[3];
     arrow.head(1, nullptr, h);
     EXPECT_EQ(h[0], Orv2dPoint(100, 0));
     EXPECT_EQ(h[1], Orv2dPoint(92, -4));
     EXPECT_EQ(h[2], Orv2dPoint(92, 4));
-    OrvArrowLine both(nullptr, Orv2dPoint(0, 0), Orv2dPoint(100, 0), nullptr, OrvArrowAtEnd | OrvArrowAtStart);
+    OrvArrowLine both(nullptr, Orv2dPoint(0, 0), Orv2dPoint(100, 0), nullptr,
+                      OrvArrowAtEnd | OrvArrowAtStart);
     EXPECT_TRUE(hit(both, 6, 3));
     EXPECT_TRUE(both.bbox2d(nullptr).contains(Orv2dPoint(92, 4)));
 
@@ -100,7 +103,7 @@ TEST(Shapes, LinesArrowsPolylinesAndPolygons) {
     EXPECT_TRUE(hit(filled, -25, 75, &kQuarter));
     EXPECT_FALSE(hit(filled, 75, 25, &kQuarter));
     Orv2dPolygon open(nullptr, 3, pts, 0);
-    EXPECT_TRUE(hit(open, 50, 50)); // on the closing edge
+    EXPECT_TRUE(hit(open, 50, 50));  // on the closing edge
     EXPECT_FALSE(hit(open, 75, 25));
 }
 
@@ -134,7 +137,7 @@ TEST(Shapes, EllipsesAndArcs) {
     EXPECT_FALSE(hit(e, 50, 25));
     EXPECT_TRUE(hit(e, 200, 50, &kScale2));
     EXPECT_FALSE(hit(e, 100, 50, &kScale2));
-    EXPECT_TRUE(hit(e, -25, 100, &kQuarter)); // (100, 25) turned
+    EXPECT_TRUE(hit(e, -25, 100, &kQuarter));  // (100, 25) turned
     EXPECT_FALSE(hit(e, -25, 50, &kQuarter));
 
     OrvFilledEllipse f(nullptr, Orv2dRect(0, 0, 100, 50));
@@ -242,14 +245,15 @@ TEST_F(StageTest, ShapesPaintTheirPixels) {
     OrvEllipse* ring = new OrvEllipse(director, Orv2dRect(60, 60, 40, 40), red);
     Orv2dPoint tri[3] = {Orv2dPoint(110, 60), Orv2dPoint(190, 60), Orv2dPoint(110, 100)};
     Orv2dPolygon* polygon = new Orv2dPolygon(director, 3, tri, 1, red);
-    for (OrvActor* a : std::vector<OrvActor*>{filled, outline, line, disc, ring, polygon}) stage->append(a, 0);
+    for (OrvActor* a : std::vector<OrvActor*>{filled, outline, line, disc, ring, polygon})
+        stage->append(a, 0);
     EXPECT_EQ(rgb(30, 25), 0xFF0000u);
-    EXPECT_EQ(rgb(60, 25), 0x0000FFu); // left edge of the outline
+    EXPECT_EQ(rgb(60, 25), 0x0000FFu);  // left edge of the outline
     EXPECT_EQ(rgb(80, 25), background);
     EXPECT_EQ(rgb(150, 20), 0xFF0000u);
     EXPECT_EQ(rgb(150, 22), background);
     EXPECT_EQ(rgb(30, 80), 0x0000FFu);
-    EXPECT_EQ(rgb(80, 80), background); // the ring's hole
+    EXPECT_EQ(rgb(80, 80), background);  // the ring's hole
     EXPECT_EQ(rgb(120, 65), 0xFF0000u);
     EXPECT_EQ(rgb(180, 95), background);
 
@@ -296,7 +300,8 @@ TEST_F(StageTest, LabelsAlignInTheirFont) {
     Orv2dRect rb = right->bbox2d(nullptr);
     EXPECT_EQ(rb.x + (int)rb.w, 180);
     EXPECT_EQ(rb.y, 40);
-    OrvLabel* centre = new OrvLabel(director, "Hello", Orv2dPoint(100, 100), OrvCenter | OrvBottom, red);
+    OrvLabel* centre =
+        new OrvLabel(director, "Hello", Orv2dPoint(100, 100), OrvCenter | OrvBottom, red);
     Orv2dRect cb = centre->bbox2d(nullptr);
     EXPECT_EQ(cb.x, 100 - (int)(extent.w / 2));
     EXPECT_EQ(cb.y + (int)cb.h, 100);
@@ -337,7 +342,7 @@ TEST_F(StageTest, IconsPaintAndHitThroughTheirMask) {
     picture->end();
     OrvBitmap* mask = new OrvBitmap(stage, 8, 8, 1);
     unsigned char rows[8];
-    memset(rows, 0xF0, sizeof rows); // the left half, most significant bit first
+    memset(rows, 0xF0, sizeof rows);  // the left half, most significant bit first
     mask->setBits(Orv2dRect(0, 0, 8, 8), rows, sizeof rows, 8, 0);
     picture->setMask(mask);
     OrvIcon* icon = new OrvIcon(director, picture, Orv2dPoint(40, 40), red);

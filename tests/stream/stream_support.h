@@ -16,52 +16,54 @@
 // A filled box in its make-up's foreground.
 class StreamBox : public OrvActor {
 public:
-  Orv2dRect box;
+    Orv2dRect box;
 
-  StreamBox(OrvDirector* d, OrvMakeUp* m, const Orv2dRect& r) : OrvActor(d, m), box(r) {}
-  // The class comment before the box is skipped by the item reader.
-  explicit StreamBox(OrvIStream& in) : OrvActor(in) { in >> box; }
-  OrvClassInfo* classInfo() const override { return _classInfo; }
-  void write(OrvOStream& out) const override {
-    OrvActor::write(out);
-    out.writeComments("StreamBox class", 1);
-    out << box;
-  }
-  Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override {
-    Orv2dRect r = box;
-    if (matrix) matrix->apply(r);
-    return r;
-  }
-  void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override { canvas->rectangle(makeUp, box, 1, matrix); }
-  void apply2d(const Orv2dMatrix& matrix) override { matrix.apply(box); }
-  static OrvActor* read(OrvIStream& in) { return new StreamBox(in); }
-  static OrvClassInfo* _classInfo;
+    StreamBox(OrvDirector* d, OrvMakeUp* m, const Orv2dRect& r) : OrvActor(d, m), box(r) {}
+    // The class comment before the box is skipped by the item reader.
+    explicit StreamBox(OrvIStream& in) : OrvActor(in) { in >> box; }
+    OrvClassInfo* classInfo() const override { return _classInfo; }
+    void write(OrvOStream& out) const override {
+        OrvActor::write(out);
+        out.writeComments("StreamBox class", 1);
+        out << box;
+    }
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override {
+        Orv2dRect r = box;
+        if (matrix) matrix->apply(r);
+        return r;
+    }
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override {
+        canvas->rectangle(makeUp, box, 1, matrix);
+    }
+    void apply2d(const Orv2dMatrix& matrix) override { matrix.apply(box); }
+    static OrvActor* read(OrvIStream& in) { return new StreamBox(in); }
+    static OrvClassInfo* _classInfo;
 };
 ORV_DECLARE_CLASS_INIT(StreamBox)
 
 // Refers to another actor by its number in the file.
 class StreamRef : public OrvActor {
 public:
-  OrvActor* target;
+    OrvActor* target;
 
-  StreamRef(OrvDirector* d, OrvActor* t) : OrvActor(d, nullptr), target(t) {}
-  explicit StreamRef(OrvIStream& in) : OrvActor(in), target(nullptr) {
-    char buffer[1024];
-    if (!_OrvReadItem_(in, buffer, "target")) return;
-    target = in.readIndex();
-  }
-  OrvClassInfo* classInfo() const override { return _classInfo; }
-  void mapReferences(void (*function)(OrvActor*, void*), void* data) override {
-    if (target) function(target, data);
-  }
-  void write(OrvOStream& out) const override {
-    OrvActor::write(out);
-    out.key("target");
-    out.writeIndex(target);
-    out.stream << '\n';
-  }
-  static OrvActor* read(OrvIStream& in) { return new StreamRef(in); }
-  static OrvClassInfo* _classInfo;
+    StreamRef(OrvDirector* d, OrvActor* t) : OrvActor(d, nullptr), target(t) {}
+    explicit StreamRef(OrvIStream& in) : OrvActor(in), target(nullptr) {
+        char buffer[1024];
+        if (!_OrvReadItem_(in, buffer, "target")) return;
+        target = in.readIndex();
+    }
+    OrvClassInfo* classInfo() const override { return _classInfo; }
+    void mapReferences(void (*function)(OrvActor*, void*), void* data) override {
+        if (target) function(target, data);
+    }
+    void write(OrvOStream& out) const override {
+        OrvActor::write(out);
+        out.key("target");
+        out.writeIndex(target);
+        out.stream << '\n';
+    }
+    static OrvActor* read(OrvIStream& in) { return new StreamRef(in); }
+    static OrvClassInfo* _classInfo;
 };
 ORV_DECLARE_CLASS_INIT(StreamRef)
 

@@ -48,13 +48,13 @@ void OrvTestRunFor(int ms);
 // file named after $DISPLAY, released by the destructor.
 class OrvTestInputLock {
 public:
-  OrvTestInputLock();
-  ~OrvTestInputLock();
-  OrvTestInputLock(const OrvTestInputLock&) = delete;
-  OrvTestInputLock& operator=(const OrvTestInputLock&) = delete;
+    OrvTestInputLock();
+    ~OrvTestInputLock();
+    OrvTestInputLock(const OrvTestInputLock&) = delete;
+    OrvTestInputLock& operator=(const OrvTestInputLock&) = delete;
 
 private:
-  int fd;
+    int fd;
 };
 
 // Writes the window's pixels as a binary PPM (P6). False on failure.

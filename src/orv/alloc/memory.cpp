@@ -6,7 +6,7 @@
 
 // Checked in every build type: a pool that carves from nowhere or from a
 // misaligned remainder would hand out corrupt memory silently.
-#define ORV_MLK_ASSERT(expr) \
+#define ORV_MLK_ASSERT(expr)                                                                       \
     ((expr) ? (void)0 : orvMlkAssertFailed(#expr, __FILE__, __LINE__, __func__))
 
 static void orvMlkAssertFailed(const char* expr, const char* file, int line, const char* function) {
@@ -18,14 +18,12 @@ static void orvMlkAssertFailed(const char* expr, const char* file, int line, con
 OrvMemoryManager* OrvGlobalMemoryManager = nullptr;
 
 OrvMemoryManager* OrvGetMemoryManager() {
-    if (!OrvGlobalMemoryManager)
-        OrvGlobalMemoryManager = new OrvMemoryManager;
+    if (!OrvGlobalMemoryManager) OrvGlobalMemoryManager = new OrvMemoryManager;
     return OrvGlobalMemoryManager;
 }
 
 OrvMemoryManager::OrvMemoryManager() : location(nullptr), end(nullptr), chunkSize(FirstChunkSize) {
-    for (int i = 0; i < NumClasses; i++)
-        freeList[i] = nullptr;
+    for (int i = 0; i < NumClasses; i++) freeList[i] = nullptr;
     location = (char*)malloc(chunkSize);
     end = location ? location + chunkSize : nullptr;
 }
@@ -35,8 +33,7 @@ static inline int orvMlkClass(unsigned size) {
 }
 
 void* OrvMemoryManager::alloc(unsigned size) {
-    if (size > MaxPooledSize)
-        return malloc(size);
+    if (size > MaxPooledSize) return malloc(size);
     int index = orvMlkClass(size);
     if (freeList[index]) {
         void* block = freeList[index];
@@ -53,7 +50,7 @@ void* OrvMemoryManager::alloc(unsigned size) {
     // The rest of the chunk is too small: keep it as a free block of its own
     // class, then start a chunk twice as large.
     unsigned left = (unsigned)(end - location);
-    ORV_MLK_ASSERT(!(left%ORV_MLK_ALIGNMENT));
+    ORV_MLK_ASSERT(!(left % ORV_MLK_ALIGNMENT));
     if (left) {
         void** rest = (void**)location;
         int restIndex = orvMlkClass(left);
@@ -73,8 +70,7 @@ void* OrvMemoryManager::alloc(unsigned size) {
 }
 
 void OrvMemoryManager::release(void* block, unsigned size) {
-    if (!block)
-        return;
+    if (!block) return;
     if (size > MaxPooledSize) {
         free(block);
         return;

@@ -43,24 +43,24 @@ void OrvHSVToRGB(float h, float s, float v, float& r, float& g, float& b) {
     float q = v * (1 - s * f);
     float t = v * (1 - s * (1 - f));
     switch ((int)i) {
-    case 1:
-        r = q, g = v, b = p;
-        break;
-    case 2:
-        r = p, g = v, b = t;
-        break;
-    case 3:
-        r = p, g = q, b = v;
-        break;
-    case 4:
-        r = t, g = p, b = v;
-        break;
-    case 5:
-        r = v, g = p, b = q;
-        break;
-    default:
-        r = v, g = t, b = p;
-        break;
+        case 1:
+            r = q, g = v, b = p;
+            break;
+        case 2:
+            r = p, g = v, b = t;
+            break;
+        case 3:
+            r = p, g = q, b = v;
+            break;
+        case 4:
+            r = t, g = p, b = v;
+            break;
+        case 5:
+            r = v, g = p, b = q;
+            break;
+        default:
+            r = v, g = t, b = p;
+            break;
     }
 }
 
@@ -111,7 +111,9 @@ void OrvHLSToRGB(float h, float l, float s, float& r, float& g, float& b) {
     b = orvHLSValue(m1, m2, hue - 120);
 }
 
-static float orvCap(float x) { return x > 1 ? 1 : x; }
+static float orvCap(float x) {
+    return x > 1 ? 1 : x;
+}
 
 // Light colours get a paler lit edge, dark ones a brighter one and a more
 // saturated shade, so the relief reads on both.

@@ -11,15 +11,21 @@ uint32_t Orvarrow_deltax = 8;
 uint32_t Orvarrow_deltay = 4;
 float _OrvFilledBezierHeight_ = 0.1f;
 
-void OrvSetDeltaLine(float delta) { orvDeltaLine = delta; }
-float OrvGetDeltaLine() { return orvDeltaLine; }
+void OrvSetDeltaLine(float delta) {
+    orvDeltaLine = delta;
+}
+float OrvGetDeltaLine() {
+    return orvDeltaLine;
+}
 
 void OrvSetArrowDelta(unsigned long x, unsigned long y) {
     Orvarrow_deltax = (uint32_t)x;
     Orvarrow_deltay = (uint32_t)y;
 }
 
-int OrvVersion() { return 1; }
+int OrvVersion() {
+    return 1;
+}
 
 // ---------------------------------------------------------------------------
 // Flattening
@@ -31,7 +37,9 @@ struct OrvDPoint {
     double x, y;
 };
 
-inline OrvDPoint mid(const OrvDPoint& a, const OrvDPoint& b) { return {(a.x + b.x) / 2, (a.y + b.y) / 2}; }
+inline OrvDPoint mid(const OrvDPoint& a, const OrvDPoint& b) {
+    return {(a.x + b.x) / 2, (a.y + b.y) / 2};
+}
 
 // The growing point buffer of all flattenings; never freed.
 Orv2dPoint* bezierPoints = nullptr;
@@ -86,13 +94,17 @@ void flattenCubic(OrvDPoint p0, OrvDPoint p1, OrvDPoint p2, OrvDPoint p3) {
     }
 }
 
-inline OrvDPoint dp(const Orv2dPoint& p) { return {(double)p.x, (double)p.y}; }
+inline OrvDPoint dp(const Orv2dPoint& p) {
+    return {(double)p.x, (double)p.y};
+}
 
 void cubic(const Orv2dPoint& a, const Orv2dPoint& b, const Orv2dPoint& c, const Orv2dPoint& d) {
     flattenCubic(dp(a), dp(b), dp(c), dp(d));
 }
 
-void line(const Orv2dPoint& a, const Orv2dPoint& b) { appendSegment(dp(a), dp(b)); }
+void line(const Orv2dPoint& a, const Orv2dPoint& b) {
+    appendSegment(dp(a), dp(b));
+}
 
 // The full cubic segments; returns the last start point.
 unsigned flattenFullSegments(unsigned n, const Orv2dPoint* p) {
@@ -103,7 +115,7 @@ unsigned flattenFullSegments(unsigned n, const Orv2dPoint* p) {
     return i;
 }
 
-} // namespace
+}  // namespace
 
 Orv2dPoint* OrvCreateOpenBezier(unsigned n, const Orv2dPoint* p, unsigned& outCount) {
     if (n == 0) {
@@ -114,14 +126,14 @@ Orv2dPoint* OrvCreateOpenBezier(unsigned n, const Orv2dPoint* p, unsigned& outCo
     }
     unsigned i = flattenFullSegments(n, p);
     switch (n - i) {
-    case 2:
-        line(p[i], p[i + 1]);
-        break;
-    case 3:
-        cubic(p[i], p[i + 1], p[i + 1], p[i + 2]);
-        break;
-    default:
-        break;
+        case 2:
+            line(p[i], p[i + 1]);
+            break;
+        case 3:
+            cubic(p[i], p[i + 1], p[i + 1], p[i + 2]);
+            break;
+        default:
+            break;
     }
     outCount = bezierCount;
     return bezierPoints;
@@ -136,20 +148,20 @@ Orv2dPoint* OrvCreateClosedBezier(unsigned n, const Orv2dPoint* p, unsigned& out
     }
     unsigned i = flattenFullSegments(n, p);
     switch (n - i) {
-    case 1:
-        if (n > 1) line(p[i], p[0]);
-        break;
-    case 2:
-        if (n > 2)
-            cubic(p[i], p[i + 1], p[i + 1], p[0]);
-        else
-            line(p[0], p[1]);
-        break;
-    case 3:
-        cubic(p[i], p[i + 1], p[i + 2], p[0]);
-        break;
-    default:
-        break;
+        case 1:
+            if (n > 1) line(p[i], p[0]);
+            break;
+        case 2:
+            if (n > 2)
+                cubic(p[i], p[i + 1], p[i + 1], p[0]);
+            else
+                line(p[0], p[1]);
+            break;
+        case 3:
+            cubic(p[i], p[i + 1], p[i + 2], p[0]);
+            break;
+        default:
+            break;
     }
     outCount = bezierCount;
     return bezierPoints;
@@ -185,7 +197,8 @@ int OrvPointInBezier(const Orv2dPoint& p, unsigned n, Orv2dPoint* controls) {
 }
 
 bool OrvIntersectHorizontal(const Orv2dPoint& p, const Orv2dPoint& a, const Orv2dPoint& b) {
-    int64_t s = ((int64_t)b.y - a.y) * ((int64_t)a.x - p.x) + ((int64_t)p.y - a.y) * ((int64_t)b.x - a.x);
+    int64_t s =
+        ((int64_t)b.y - a.y) * ((int64_t)a.x - p.x) + ((int64_t)p.y - a.y) * ((int64_t)b.x - a.x);
     if (a.y < b.y) return a.y <= p.y && p.y < b.y && s >= 0;
     return b.y <= p.y && p.y < a.y && s < 0;
 }
@@ -225,7 +238,8 @@ int OrvPointInFilledBezier(const Orv2dPoint& p, unsigned n, Orv2dPoint* controls
 // Arrows
 // ---------------------------------------------------------------------------
 
-void OrvComputeArrow(const Orv2dPoint& from, const Orv2dPoint& to, float position, Orv2dPoint* out) {
+void OrvComputeArrow(const Orv2dPoint& from, const Orv2dPoint& to, float position,
+                     Orv2dPoint* out) {
     int64_t dltx = Orvarrow_deltax, dlty = Orvarrow_deltay;
     if (from.y == to.y) {
         int64_t len = (int64_t)to.x - from.x;
@@ -248,7 +262,8 @@ void OrvComputeArrow(const Orv2dPoint& from, const Orv2dPoint& to, float positio
     float dx = (float)((int64_t)to.x - from.x), dy = (float)((int64_t)to.y - from.y);
     float len = (float)std::sqrt((double)dx * dx + (double)dy * dy);
     float ux = dx / len, uy = dy / len;
-    out[0] = Orv2dPoint(from.x + OrvRound(len * ux * position), from.y + OrvRound(len * uy * position));
+    out[0] =
+        Orv2dPoint(from.x + OrvRound(len * ux * position), from.y + OrvRound(len * uy * position));
     float l = len - (float)dltx;
     float bx = (float)from.x + l * ux * position;
     float by = (float)from.y + l * uy * position;
@@ -296,8 +311,8 @@ void OrvComputeArcBBox(const Orv2dRect& rect, float start, float end, Orv2dRect&
 }
 
 // Steps 3 to 5 of both arc tests: is the direction (dx, dy) within the sweep.
-static bool orvInSweep(int64_t cx, int64_t cy, int64_t rx, int64_t ry, int64_t dx, int64_t dy, float start,
-                       float end) {
+static bool orvInSweep(int64_t cx, int64_t cy, int64_t rx, int64_t ry, int64_t dx, int64_t dy,
+                       float start, float end) {
     if (end - start >= 360) return true;
     Orv2dPoint a = orvArcPoint(cx, cy, rx, ry, start);
     Orv2dPoint b = orvArcPoint(cx, cy, rx, ry, end);
@@ -320,7 +335,8 @@ bool OrvPointInArc(const Orv2dPoint& p, const Orv2dRect& rect, float start, floa
     return orvInSweep(cx, cy, rx, ry, dx, dy, start, end);
 }
 
-bool OrvPointInFilledArc(const Orv2dPoint& p, const Orv2dRect& rect, float start, float end, OrvArcMode) {
+bool OrvPointInFilledArc(const Orv2dPoint& p, const Orv2dRect& rect, float start, float end,
+                         OrvArcMode) {
     if (!rect.contains(p) || rect.h == 0) return false;
     int64_t rx = rect.w >> 1, ry = rect.h >> 1;
     int64_t cx = rect.x + rx, cy = rect.y + ry;

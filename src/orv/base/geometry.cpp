@@ -95,13 +95,16 @@ void Orv3dRect::square(unsigned long inner) {
 
 bool Orv3dVolume::contains(const Orv3dVolume& v) const {
     return contains(Orv3dPoint(v.x, v.y, v.z)) && contains(Orv3dPoint(v.x, v.y + v.h, v.z)) &&
-           contains(Orv3dPoint(v.x + v.w, v.y + v.h, v.z)) && contains(Orv3dPoint(v.x + v.w, v.y, v.z)) &&
-           contains(Orv3dPoint(v.x, v.y, v.z + v.d)) && contains(Orv3dPoint(v.x, v.y + v.h, v.z + v.d)) &&
+           contains(Orv3dPoint(v.x + v.w, v.y + v.h, v.z)) &&
+           contains(Orv3dPoint(v.x + v.w, v.y, v.z)) && contains(Orv3dPoint(v.x, v.y, v.z + v.d)) &&
+           contains(Orv3dPoint(v.x, v.y + v.h, v.z + v.d)) &&
            contains(Orv3dPoint(v.x + v.w, v.y + v.h, v.z + v.d)) &&
            contains(Orv3dPoint(v.x + v.w, v.y, v.z + v.d));
 }
 
-void Orv3dVolume::extendBy(const Orv3dPoint& p) { extendBy(Orv3dVolume(p)); }
+void Orv3dVolume::extendBy(const Orv3dPoint& p) {
+    extendBy(Orv3dVolume(p));
+}
 
 void Orv3dVolume::extendBy(const Orv3dVolume& v) {
     float x0 = x < v.x ? x : v.x;
@@ -232,7 +235,9 @@ bool Orv2dMatrix::computeInverse(Orv2dMatrix& out) const {
 }
 
 // The identity of a matrix in messages is its address, cut to the width of %x.
-static unsigned orvMatrixId(const Orv2dMatrix* m) { return (unsigned)(uintptr_t)m; }
+static unsigned orvMatrixId(const Orv2dMatrix* m) {
+    return (unsigned)(uintptr_t)m;
+}
 
 bool Orv2dMatrix::inverse(Orv2dPoint& p) const {
     if (std::fabs(det) < 1e-12)
@@ -267,5 +272,6 @@ bool Orv2dMatrix::inverse(Orv2dRect& r) const {
 Orv2dMatrix OrvCompute2dMatrix(const Orv2dRect& from, const Orv2dRect& to) {
     float sx = from.w ? (float)to.w / (float)from.w : 1.0f;
     float sy = from.h ? (float)to.h / (float)from.h : 1.0f;
-    return Orv2dMatrix(sx, 0, 0, sy, (float)to.x - sx * (float)from.x, (float)to.y - sy * (float)from.y);
+    return Orv2dMatrix(sx, 0, 0, sy, (float)to.x - sx * (float)from.x,
+                       (float)to.y - sy * (float)from.y);
 }

@@ -8,8 +8,7 @@
 static OrvStringHashTable* orvKeyTable = nullptr;
 
 static OrvStringHashTable* orvGetKeyTable() {
-    if (!orvKeyTable)
-        orvKeyTable = new OrvStringHashTable(1000);
+    if (!orvKeyTable) orvKeyTable = new OrvStringHashTable(1000);
     return orvKeyTable;
 }
 
@@ -23,12 +22,10 @@ OrvKey::~OrvKey() {
 }
 
 OrvKey* OrvGetKey(const char* name, unsigned long create) {
-    if (!name)
-        return nullptr;
+    if (!name) return nullptr;
     OrvStringHashTable* table = orvGetKeyTable();
     OrvKey* key = (OrvKey*)table->get(name);
-    if (key || !create)
-        return key;
+    if (key || !create) return key;
     key = new OrvKey(name);
     // Entered under the key's own copy, which lives as long as the key.
     table->put(key->name, key);

@@ -19,37 +19,31 @@ OrvLink::~OrvLink() {
 
 OrvLink* OrvLink::last() {
     OrvLink* l = this;
-    while (l->next)
-        l = l->next;
+    while (l->next) l = l->next;
     return l;
 }
 
 void* OrvLink::operator[](unsigned index) {
     OrvLink* l = this;
-    while (l && index--)
-        l = l->next;
+    while (l && index--) l = l->next;
     return l ? l->value : nullptr;
 }
 
 void OrvLink::setValue(unsigned index, void* v) {
     OrvLink* l = this;
-    while (l && index--)
-        l = l->next;
-    if (l)
-        l->value = v;
+    while (l && index--) l = l->next;
+    if (l) l->value = v;
 }
 
 unsigned OrvLink::length() const {
     unsigned n = 0;
-    for (const OrvLink* l = this; l; l = l->next)
-        n++;
+    for (const OrvLink* l = this; l; l = l->next) n++;
     return n;
 }
 
 OrvLink* OrvLink::find(const void* v) {
     for (OrvLink* l = this; l; l = l->next)
-        if (l->value == v)
-            return l;
+        if (l->value == v) return l;
     return nullptr;
 }
 
@@ -82,8 +76,7 @@ OrvList::~OrvList() {
 OrvLink* OrvList::insert(OrvLink* link) {
     link->next = first;
     first = link;
-    if (!last)
-        last = link;
+    if (!last) last = link;
     return link;
 }
 
@@ -111,14 +104,12 @@ OrvLink* OrvList::append(void* value) {
 OrvLink* OrvList::removeLink(void* value) {
     OrvLink* previous = nullptr;
     for (OrvLink* l = first; l; previous = l, l = l->next) {
-        if (l->value != value)
-            continue;
+        if (l->value != value) continue;
         if (previous)
             previous->next = l->next;
         else
             first = l->next;
-        if (last == l)
-            last = previous;
+        if (last == l) last = previous;
         l->next = nullptr;
         return l;
     }
@@ -127,8 +118,7 @@ OrvLink* OrvList::removeLink(void* value) {
 
 int OrvList::remove(void* value) {
     OrvLink* l = removeLink(value);
-    if (!l)
-        return 0;
+    if (!l) return 0;
     delete l;
     return 1;
 }
@@ -136,15 +126,13 @@ int OrvList::remove(void* value) {
 void OrvList::swap(void* a, void* b) {
     OrvLink* la = find(a);
     OrvLink* lb = find(b);
-    if (!la || !lb)
-        return;
+    if (!la || !lb) return;
     la->value = b;
     lb->value = a;
 }
 
 void OrvList::push(void* value) {
-    if (!first || first == last)
-        return;
+    if (!first || first == last) return;
     OrvLink* previous = first;
     for (OrvLink* l = first->next; l; previous = l, l = l->next) {
         if (l->value == value) {
@@ -157,8 +145,7 @@ void OrvList::push(void* value) {
 
 void OrvList::pop(void* value) {
     OrvLink* l = find(value);
-    if (!l || !l->next)
-        return;
+    if (!l || !l->next) return;
     l->value = l->next->value;
     l->next->value = value;
 }
@@ -179,8 +166,7 @@ OrvAListItem::~OrvAListItem() {
 
 OrvAListItem* OrvAListItem::find(const void* k) {
     for (OrvAListItem* item = this; item; item = item->next)
-        if (item->key == k)
-            return item;
+        if (item->key == k) return item;
     return nullptr;
 }
 
@@ -190,28 +176,24 @@ OrvAList::~OrvAList() {
 
 void OrvAList::insert(const void* key, void* value) {
     OrvAListItem* item = new OrvAListItem(key, value, first);
-    if (item)
-        first = item;
+    if (item) first = item;
 }
 
 void OrvAList::append(const void* key, void* value) {
     OrvAListItem* item = new OrvAListItem(key, value);
-    if (!item)
-        return;
+    if (!item) return;
     if (!first) {
         first = item;
         return;
     }
     OrvAListItem* tail = first;
-    while (tail->next)
-        tail = tail->next;
+    while (tail->next) tail = tail->next;
     tail->next = item;
 }
 
 int OrvAList::replace(const void* key, void* value) {
     OrvAListItem* item = first ? first->find(key) : nullptr;
-    if (!item)
-        return 0;
+    if (!item) return 0;
     item->value = value;
     return 1;
 }
@@ -219,8 +201,7 @@ int OrvAList::replace(const void* key, void* value) {
 int OrvAList::remove(const void* key) {
     OrvAListItem* previous = nullptr;
     for (OrvAListItem* item = first; item; previous = item, item = item->next) {
-        if (item->key != key)
-            continue;
+        if (item->key != key) continue;
         if (previous)
             previous->next = item->next;
         else
@@ -243,7 +224,6 @@ int OrvAList::find(const void* key) {
 
 unsigned OrvAList::length() const {
     unsigned n = 0;
-    for (const OrvAListItem* item = first; item; item = item->next)
-        n++;
+    for (const OrvAListItem* item = first; item; item = item->next) n++;
     return n;
 }

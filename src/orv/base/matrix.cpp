@@ -26,7 +26,9 @@ Orv3dMatrix::Orv3dMatrix(const float& m00, const float& m01, const float& m02, c
     m[12] = m30, m[13] = m31, m[14] = m32, m[15] = m33;
 }
 
-Orv3dMatrix::Orv3dMatrix(const float* values) { std::memcpy(m, values, sizeof m); }
+Orv3dMatrix::Orv3dMatrix(const float* values) {
+    std::memcpy(m, values, sizeof m);
+}
 
 bool Orv3dMatrix::operator==(const Orv3dMatrix& o) const {
     for (int i = 0; i < 16; i++)
@@ -97,10 +99,9 @@ void Orv3dMatrix::rotate(const Orv3dPoint& p1, const Orv3dPoint& p2, const doubl
     float s, c;
     orvSinCos(degrees, s, c);
     float t = 1 - c;
-    Orv3dMatrix e(t * x * x + c, t * x * y - z * s, t * x * z + y * s, 0,
-                  t * x * y + z * s, t * y * y + c, t * y * z - x * s, 0,
-                  t * x * z - y * s, t * y * z + x * s, t * z * z + c, 0,
-                  0, 0, 0, 1);
+    Orv3dMatrix e(t * x * x + c, t * x * y - z * s, t * x * z + y * s, 0, t * x * y + z * s,
+                  t * y * y + c, t * y * z - x * s, 0, t * x * z - y * s, t * y * z + x * s,
+                  t * z * z + c, 0, 0, 0, 0, 1);
     orvSetElementary(*this, e, accumulate);
 }
 
@@ -111,14 +112,15 @@ void Orv3dMatrix::translate(const float& x, const float& y, const float& z,
     orvSetElementary(*this, e, accumulate);
 }
 
-void Orv3dMatrix::scale(const float& x, const float& y, const float& z, const unsigned long accumulate) {
+void Orv3dMatrix::scale(const float& x, const float& y, const float& z,
+                        const unsigned long accumulate) {
     Orv3dMatrix e;
     e(0, 0) = x, e(1, 1) = y, e(2, 2) = z;
     orvSetElementary(*this, e, accumulate);
 }
 
-void Orv3dMatrix::build(const Orv3dPoint& c, const Orv3dVector& t, const double& rx, const double& ry,
-                        const double& rz, const Orv3dVector& s) {
+void Orv3dMatrix::build(const Orv3dPoint& c, const Orv3dVector& t, const double& rx,
+                        const double& ry, const double& rz, const Orv3dVector& s) {
     float sx, cx, sy, cy, sz, cz;
     orvSinCos(rx, sx, cx);
     orvSinCos(ry, sy, cy);
@@ -282,11 +284,12 @@ static float orvMinor(const float* m, int col) {
 }
 
 float Orv3dMatrix::det4() const {
-    return m[0] * orvMinor(m, 0) - m[1] * orvMinor(m, 1) + m[2] * orvMinor(m, 2) - m[3] * orvMinor(m, 3);
+    return m[0] * orvMinor(m, 0) - m[1] * orvMinor(m, 1) + m[2] * orvMinor(m, 2) -
+           m[3] * orvMinor(m, 3);
 }
 
-int Orv3dMatrix::decompose(Orv3dVector& scale, Orv3dVector& shear, double& rx, double& ry, double& rz,
-                           Orv3dPoint& translation, Orv4dPoint& perspective) const {
+int Orv3dMatrix::decompose(Orv3dVector& scale, Orv3dVector& shear, double& rx, double& ry,
+                           double& rz, Orv3dPoint& translation, Orv4dPoint& perspective) const {
     static Orv3dMatrix work, affine;
     if (std::fabs((double)m[15]) < 1e-6) return 0;
     work = *this;

@@ -7,7 +7,8 @@ Orv2dRegion::Orv2dRegion(short cap) : capacity(cap), count(0), heap(nullptr) {
     if (usesHeap()) heap = new Orv2dRect[capacity];
 }
 
-Orv2dRegion::Orv2dRegion(const Orv2dRect& rect, short cap) : bbox(rect), capacity(cap), count(1), heap(nullptr) {
+Orv2dRegion::Orv2dRegion(const Orv2dRect& rect, short cap)
+    : bbox(rect), capacity(cap), count(1), heap(nullptr) {
     if (usesHeap()) heap = new Orv2dRect[capacity];
     rectangles()[0] = rect;
 }

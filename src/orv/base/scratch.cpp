@@ -22,26 +22,22 @@ const size_t orvPointSize = 8;
 void* orvScratchGrow(_OrvScratch_& s, unsigned n, size_t elementSize) {
     if (!s.data) {
         void* data = malloc((size_t)(n + 2) * elementSize);
-        if (!data)
-            return nullptr;
+        if (!data) return nullptr;
         s.data = data;
         s.capacity = n + 2;
         return s.data;
     }
-    if (s.capacity >= n)
-        return s.data;
+    if (s.capacity >= n) return s.data;
     unsigned capacity = s.capacity;
-    while (capacity < n)
-        capacity *= 2;
+    while (capacity < n) capacity *= 2;
     void* data = realloc(s.data, (size_t)capacity * elementSize);
-    if (!data)
-        return nullptr;
+    if (!data) return nullptr;
     s.data = data;
     s.capacity = capacity;
     return s.data;
 }
 
-} // namespace
+}  // namespace
 
 unsigned OrvScratchCapacity(OrvScratchKind kind) {
     return orvScratch[kind].capacity;
@@ -68,19 +64,16 @@ void** OrvAllocInternalPointers(unsigned n) {
     _OrvScratch_& s = orvScratch[OrvScratchInternalPointers];
     if (!s.data) {
         void* data = malloc((size_t)(n + 1) * sizeof(void*));
-        if (!data)
-            return nullptr;
+        if (!data) return nullptr;
         s.data = data;
         s.capacity = n + 1;
         return (void**)s.data;
     }
     if (s.capacity < n) {
         unsigned capacity = s.capacity;
-        while (capacity <= n)
-            capacity *= 2;
+        while (capacity <= n) capacity *= 2;
         void* data = realloc(s.data, (size_t)capacity * sizeof(void*));
-        if (!data)
-            return nullptr;
+        if (!data) return nullptr;
         s.data = data;
         s.capacity = capacity;
     }
@@ -112,8 +105,7 @@ char* MakeData(unsigned int v) {
     // The mask drops the top nibble of the upper row; patterns are defined so.
     unsigned a = (v & 0x0FFFF000) >> 16;
     unsigned b = v & 0xFFFF;
-    for (int row = 0; row < 16; row++)
-        orvPutRow(data, row, row % 2 ? b : a);
+    for (int row = 0; row < 16; row++) orvPutRow(data, row, row % 2 ? b : a);
     return data;
 }
 
@@ -131,7 +123,6 @@ char* MakeData(unsigned int a, unsigned int b) {
 char* MakeData(unsigned short a, unsigned short b, unsigned short c, unsigned short d) {
     static char data[32];
     unsigned rows[4] = {a, b, c, d};
-    for (int row = 0; row < 16; row++)
-        orvPutRow(data, row, rows[row % 4]);
+    for (int row = 0; row < 16; row++) orvPutRow(data, row, rows[row % 4]);
     return data;
 }

@@ -42,8 +42,7 @@ int OrvFileExists(const char* path) {
 int OrvIsFileWritable(const char* path, unsigned long report) {
     FILE* file = fopen(path, "a");
     if (!file) {
-        if (report)
-            OrvError("## Cannot open %s for writing", path);
+        if (report) OrvError("## Cannot open %s for writing", path);
         return 0;
     }
     fclose(file);

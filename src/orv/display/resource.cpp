@@ -12,191 +12,215 @@
 #include <X11/cursorfont.h>
 
 static char* copyString(const char* s) {
-  if (!s) return nullptr;
-  size_t n = strlen(s) + 1;
-  char* c = new char[n];
-  memcpy(c, s, n);
-  return c;
+    if (!s) return nullptr;
+    size_t n = strlen(s) + 1;
+    char* c = new char[n];
+    memcpy(c, s, n);
+    return c;
 }
 
 // ---------------------------------------------------------------- OrvResource
 
-OrvResource::OrvResource(OrvDirector* d, const char* n) : director(d), count(0), name(copyString(n)) {}
+OrvResource::OrvResource(OrvDirector* d, const char* n)
+    : director(d), count(0), name(copyString(n)) {}
 
 void OrvResource::setName(const char* n) {
-  char* old = name;
-  name = copyString(n);
-  delete[] old;
+    char* old = name;
+    name = copyString(n);
+    delete[] old;
 }
 
-OrvResource::~OrvResource() { delete[] name; }
+OrvResource::~OrvResource() {
+    delete[] name;
+}
 
 const OrvCanvas* OrvResource::internalKey(const OrvCanvas* canvas) const {
-  return canvas ? canvas->resourceCanvas() : nullptr;
+    return canvas ? canvas->resourceCanvas() : nullptr;
 }
 
 int OrvResource::hasInternal(const OrvCanvas* key) const {
-  return const_cast<OrvAList&>(internals).find(key) ? 1 : 0;
+    return const_cast<OrvAList&>(internals).find(key) ? 1 : 0;
 }
 
 unsigned long OrvResource::internalValue(const OrvCanvas* key) const {
-  return (unsigned long)const_cast<OrvAList&>(internals).get(key);
+    return (unsigned long)const_cast<OrvAList&>(internals).get(key);
 }
 
 void OrvResource::add(const OrvCanvas* canvas, unsigned long value) {
-  const OrvCanvas* key = internalKey(canvas);
-  if (!internals.find(key)) internals.append(key, (void*)value);
+    const OrvCanvas* key = internalKey(canvas);
+    if (!internals.find(key)) internals.append(key, (void*)value);
 }
 
 // ---------------------------------------------------------------- OrvColor
 
 // A channel as X takes it: floor of value times 65535, a negative one as -1.
 static long colorChannel(float v) {
-  double f = floor(v * 65535.0);
-  return f < 0 ? -1 : (long)f;
+    double f = floor(v * 65535.0);
+    return f < 0 ? -1 : (long)f;
 }
 
 OrvColor::OrvColor(OrvDirector* d, float r, float g, float b, unsigned long f)
     : OrvResource(d), flag(f), red(r), green(g), blue(b), colormap(0), allocated(1) {
-  char key[64];
-  snprintf(key, sizeof key, "#%04X%04X%04X", (unsigned)colorChannel(r), (unsigned)colorChannel(g),
-           (unsigned)colorChannel(b));
-  setName(key);
-  if (director && director->colors) director->colors->put(name, this);
+    char key[64];
+    snprintf(key, sizeof key, "#%04X%04X%04X", (unsigned)colorChannel(r), (unsigned)colorChannel(g),
+             (unsigned)colorChannel(b));
+    setName(key);
+    if (director && director->colors) director->colors->put(name, this);
 }
 
 OrvColor::~OrvColor() {
-  Display* display = director ? (Display*)director->display : nullptr;
-  for (OrvAListItem* i = internals.first; i; i = i->next) {
-    const OrvCanvas* canvas = (const OrvCanvas*)i->key;
-    unsigned long pixel = (unsigned long)i->value;
-    if (display) XFreeColors(display, canvas->colormap, &pixel, 1, 0);
-  }
-  if (director) director->remove(this);
+    Display* display = director ? (Display*)director->display : nullptr;
+    for (OrvAListItem* i = internals.first; i; i = i->next) {
+        const OrvCanvas* canvas = (const OrvCanvas*)i->key;
+        unsigned long pixel = (unsigned long)i->value;
+        if (display) XFreeColors(display, canvas->colormap, &pixel, 1, 0);
+    }
+    if (director) director->remove(this);
 }
 
 unsigned long OrvColor::internal(const OrvCanvas* canvas) const {
-  const OrvCanvas* key = internalKey(canvas);
-  if (!key) return 0;
-  if (!hasInternal(key)) {
-    unsigned long pixel = 0;
-    const_cast<OrvCanvas*>(key)->make2dColor(const_cast<OrvColor*>(this), pixel);
-  }
-  return internalValue(key);
+    const OrvCanvas* key = internalKey(canvas);
+    if (!key) return 0;
+    if (!hasInternal(key)) {
+        unsigned long pixel = 0;
+        const_cast<OrvCanvas*>(key)->make2dColor(const_cast<OrvColor*>(this), pixel);
+    }
+    return internalValue(key);
 }
 
 void OrvColor::remove(const OrvCanvas* canvas) {
-  if (!internals.find(canvas)) return;
-  unsigned long pixel = (unsigned long)internals.get(canvas);
-  if (director && director->display)
-    XFreeColors((Display*)director->display, canvas->colormap, &pixel, 1, 0);
-  internals.remove(canvas);
+    if (!internals.find(canvas)) return;
+    unsigned long pixel = (unsigned long)internals.get(canvas);
+    if (director && director->display)
+        XFreeColors((Display*)director->display, canvas->colormap, &pixel, 1, 0);
+    internals.remove(canvas);
 }
 
-void OrvColor::getHSV(float& h, float& s, float& v) const { OrvRGBToHSV(red, green, blue, h, s, v); }
-void OrvColor::getHLS(float& h, float& l, float& s) const { OrvRGBToHLS(red, green, blue, h, l, s); }
+void OrvColor::getHSV(float& h, float& s, float& v) const {
+    OrvRGBToHSV(red, green, blue, h, s, v);
+}
+void OrvColor::getHLS(float& h, float& l, float& s) const {
+    OrvRGBToHLS(red, green, blue, h, l, s);
+}
 
 // Lighting of a plain colour: the default ambient and specular of the library, itself as
 // diffuse and emission, the default shininess, opaque.
-void OrvColor::ambient(float& r, float& g, float& b) const { r = g = b = 0.2f; }
-void OrvColor::diffuse(float& r, float& g, float& b) const {
-  r = red;
-  g = green;
-  b = blue;
+void OrvColor::ambient(float& r, float& g, float& b) const {
+    r = g = b = 0.2f;
 }
-void OrvColor::specular(float& r, float& g, float& b) const { r = g = b = 0.0f; }
-void OrvColor::emissive(float& r, float& g, float& b) const { diffuse(r, g, b); }
-float OrvColor::shininess() const { return 0.2f; }
-float OrvColor::transparency() const { return 1.0f; }
+void OrvColor::diffuse(float& r, float& g, float& b) const {
+    r = red;
+    g = green;
+    b = blue;
+}
+void OrvColor::specular(float& r, float& g, float& b) const {
+    r = g = b = 0.0f;
+}
+void OrvColor::emissive(float& r, float& g, float& b) const {
+    diffuse(r, g, b);
+}
+float OrvColor::shininess() const {
+    return 0.2f;
+}
+float OrvColor::transparency() const {
+    return 1.0f;
+}
 
 // ---------------------------------------------------------------- OrvPattern
 
-OrvPattern::OrvPattern(OrvCanvas* canvas, unsigned long w, unsigned long h, const unsigned char* bytes)
-    : OrvResource(canvas ? canvas->director : nullptr), data(nullptr), depth(1), width(w), height(h) {
-  unsigned long n = w * h;
-  data = new unsigned char[n ? n : 1];
-  if (bytes) memcpy(data, bytes, n);
-  else memset(data, 0, n);
-  if (canvas) internal(canvas);
+OrvPattern::OrvPattern(OrvCanvas* canvas, unsigned long w, unsigned long h,
+                       const unsigned char* bytes)
+    : OrvResource(canvas ? canvas->director : nullptr), data(nullptr), depth(1), width(w),
+      height(h) {
+    unsigned long n = w * h;
+    data = new unsigned char[n ? n : 1];
+    if (bytes)
+        memcpy(data, bytes, n);
+    else
+        memset(data, 0, n);
+    if (canvas) internal(canvas);
 }
 
 OrvPattern::~OrvPattern() {
-  while (internals.first) {
-    OrvBitmap* b = (OrvBitmap*)internals.first->value;
-    internals.remove(internals.first->key);
-    delete b;
-  }
-  if (director && director->patterns) director->patterns->remove(this);
-  delete[] data;
+    while (internals.first) {
+        OrvBitmap* b = (OrvBitmap*)internals.first->value;
+        internals.remove(internals.first->key);
+        delete b;
+    }
+    if (director && director->patterns) director->patterns->remove(this);
+    delete[] data;
 }
 
 unsigned long OrvPattern::internal(const OrvCanvas* canvas) const {
-  const OrvCanvas* key = internalKey(canvas);
-  if (!key) return 0;
-  if (!hasInternal(key)) const_cast<OrvCanvas*>(key)->makePattern(const_cast<OrvPattern*>(this));
-  return internalValue(key);
+    const OrvCanvas* key = internalKey(canvas);
+    if (!key) return 0;
+    if (!hasInternal(key)) const_cast<OrvCanvas*>(key)->makePattern(const_cast<OrvPattern*>(this));
+    return internalValue(key);
 }
 
 void OrvPattern::remove(const OrvCanvas* canvas) {
-  if (!internals.find(canvas)) return;
-  OrvBitmap* b = (OrvBitmap*)internals.get(canvas);
-  internals.remove(canvas);
-  delete b;
+    if (!internals.find(canvas)) return;
+    OrvBitmap* b = (OrvBitmap*)internals.get(canvas);
+    internals.remove(canvas);
+    delete b;
 }
 
 // ---------------------------------------------------------------- OrvLineStyle
 
-OrvLineStyle::OrvLineStyle(OrvDirector* d, unsigned short n, const unsigned char* d8, unsigned short off,
-                           unsigned short p)
+OrvLineStyle::OrvLineStyle(OrvDirector* d, unsigned short n, const unsigned char* d8,
+                           unsigned short off, unsigned short p)
     : OrvResource(d), offset(off), dashCount(n), dashes(nullptr), pattern(p) {
-  if (n) {
-    dashes = new unsigned char[n];
-    memcpy(dashes, d8, n);
-  }
+    if (n) {
+        dashes = new unsigned char[n];
+        memcpy(dashes, d8, n);
+    }
 }
 
 OrvLineStyle::~OrvLineStyle() {
-  if (director && director->lineStyles) director->lineStyles->remove(this);
-  delete[] dashes;
+    if (director && director->lineStyles) director->lineStyles->remove(this);
+    delete[] dashes;
 }
 
 unsigned long OrvLineStyle::internal(const OrvCanvas* canvas) const {
-  const OrvCanvas* key = internalKey(canvas);
-  if (key && !hasInternal(key)) const_cast<OrvCanvas*>(key)->makeLineStyle(const_cast<OrvLineStyle*>(this));
-  return 0;
+    const OrvCanvas* key = internalKey(canvas);
+    if (key && !hasInternal(key))
+        const_cast<OrvCanvas*>(key)->makeLineStyle(const_cast<OrvLineStyle*>(this));
+    return 0;
 }
 
-void OrvLineStyle::remove(const OrvCanvas* canvas) { internals.remove(canvas); }
+void OrvLineStyle::remove(const OrvCanvas* canvas) {
+    internals.remove(canvas);
+}
 
 // ---------------------------------------------------------------- OrvCursor
 
 OrvCursor::OrvCursor(OrvDirector* d, const char* n) : OrvResource(d, n) {}
 
 OrvCursor::~OrvCursor() {
-  Display* display = director ? (Display*)director->display : nullptr;
-  for (OrvAListItem* i = internals.first; i; i = i->next)
-    if (display && i->value) XFreeCursor(display, (Cursor)i->value);
-  if (director && director->cursors) director->cursors->remove(this);
+    Display* display = director ? (Display*)director->display : nullptr;
+    for (OrvAListItem* i = internals.first; i; i = i->next)
+        if (display && i->value) XFreeCursor(display, (Cursor)i->value);
+    if (director && director->cursors) director->cursors->remove(this);
 }
 
 unsigned long OrvCursor::internal(const OrvCanvas* canvas) const {
-  const OrvCanvas* key = internalKey(canvas);
-  if (!key) return 0;
-  if (!hasInternal(key)) const_cast<OrvCanvas*>(key)->makeCursor(const_cast<OrvCursor*>(this));
-  return internalValue(key);
+    const OrvCanvas* key = internalKey(canvas);
+    if (!key) return 0;
+    if (!hasInternal(key)) const_cast<OrvCanvas*>(key)->makeCursor(const_cast<OrvCursor*>(this));
+    return internalValue(key);
 }
 
 void OrvCursor::remove(const OrvCanvas* canvas) {
-  if (!internals.find(canvas)) return;
-  Cursor c = (Cursor)internals.get(canvas);
-  if (c && director && director->display) XFreeCursor((Display*)director->display, c);
-  internals.remove(canvas);
+    if (!internals.find(canvas)) return;
+    Cursor c = (Cursor)internals.get(canvas);
+    if (c && director && director->display) XFreeCursor((Display*)director->display, c);
+    internals.remove(canvas);
 }
 
 // The cursors that can be named: "default" and the shapes of the X cursor font.
 struct OrvCursorShape {
-  const char* name;
-  unsigned shape;
+    const char* name;
+    unsigned shape;
 };
 
 static const OrvCursorShape cursorShapes[] = {
@@ -279,22 +303,22 @@ static const OrvCursorShape cursorShapes[] = {
 };
 
 int OrvCanvas::makeCursor(OrvCursor* cursor) {
-  const char* n = cursor->name ? cursor->name : "";
-  // The clock cursor is kept under the name "wait".
-  const char* shapeName = strcmp(n, "wait") == 0 ? "clock" : n;
-  for (const OrvCursorShape& s : cursorShapes) {
-    if (strcmp(s.name, shapeName) == 0) {
-      Cursor c = XCreateFontCursor((Display*)director->display, s.shape);
-      if (!c) break;
-      cursor->add(this, (unsigned long)c);
-      return 1;
+    const char* n = cursor->name ? cursor->name : "";
+    // The clock cursor is kept under the name "wait".
+    const char* shapeName = strcmp(n, "wait") == 0 ? "clock" : n;
+    for (const OrvCursorShape& s : cursorShapes) {
+        if (strcmp(s.name, shapeName) == 0) {
+            Cursor c = XCreateFontCursor((Display*)director->display, s.shape);
+            if (!c) break;
+            cursor->add(this, (unsigned long)c);
+            return 1;
+        }
     }
-  }
-  OrvPrint("OrvCanvas::makeCursor : Can't create cursor %s\n", n);
-  return 0;
+    OrvPrint("OrvCanvas::makeCursor : Can't create cursor %s\n", n);
+    return 0;
 }
 
 int OrvCanvas::makeLineStyle(OrvLineStyle* lineStyle) {
-  lineStyle->add(this, 0);
-  return 1;
+    lineStyle->add(this, 0);
+    return 1;
 }

@@ -22,15 +22,21 @@ static void OrvRemoveAcceleratorFrom(OrvStage* stage, void* accelerator) {
     stage->remove((OrvAccelerator*)accelerator);
 }
 
-OrvAccelerator::~OrvAccelerator() { OrvForEachPlainStage(OrvRemoveAcceleratorFrom, this); }
+OrvAccelerator::~OrvAccelerator() {
+    OrvForEachPlainStage(OrvRemoveAcceleratorFrom, this);
+}
 
 int OrvAccelerator::match(const OrvEvent& event) const {
     return type == event.type && key == event.key &&
            (modifiers == OrvAnyModifiers || modifiers == event.modifiers);
 }
 
-int OrvAccelerator::input2d(OrvStage*, const OrvEvent&) { return 0; }
-int OrvAccelerator::input3d(OrvTheater*, OrvScene*, const OrvEvent&) { return 0; }
+int OrvAccelerator::input2d(OrvStage*, const OrvEvent&) {
+    return 0;
+}
+int OrvAccelerator::input3d(OrvTheater*, OrvScene*, const OrvEvent&) {
+    return 0;
+}
 
 // ---------------------------------------------------------------------------
 // The default accelerators
@@ -52,11 +58,20 @@ int OrvTranslateAccelerator::input2d(OrvStage* stage, const OrvEvent&) {
     Orv2dRect r = stage->bboxVisible();
     long dx = (long)r.w / div, dy = (long)r.h / div;
     switch (direction) {
-    case 1: stage->translate(-dx, 0); break;
-    case 2: stage->translate(dx, 0); break;
-    case 4: stage->translate(0, -dy); break;
-    case 8: stage->translate(0, dy); break;
-    default: break;
+        case 1:
+            stage->translate(-dx, 0);
+            break;
+        case 2:
+            stage->translate(dx, 0);
+            break;
+        case 4:
+            stage->translate(0, -dy);
+            break;
+        case 8:
+            stage->translate(0, dy);
+            break;
+        default:
+            break;
     }
     return 1;
 }

@@ -23,8 +23,12 @@ OrvKey* engineA = nullptr;
 
 static unsigned long _forgetUpdateDrawing = 0;
 
-unsigned long OrvForgetUpdateDrawing() { return _forgetUpdateDrawing; }
-void OrvForgetUpdateDrawing(unsigned long on) { _forgetUpdateDrawing = on; }
+unsigned long OrvForgetUpdateDrawing() {
+    return _forgetUpdateDrawing;
+}
+void OrvForgetUpdateDrawing(unsigned long on) {
+    _forgetUpdateDrawing = on;
+}
 
 OrvKey* OrvStageKey() {
     static OrvKey* key = OrvGetKey("P_layer", 1);
@@ -61,13 +65,13 @@ OrvActor::OrvActor(OrvDirector* director, OrvMakeUp* m)
 }
 
 OrvActor::OrvActor(const OrvActor& source)
-    : userProperties(nullptr), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(source.layer), makeUp(source.makeUp) {
+    : userProperties(nullptr), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(source.layer),
+      makeUp(source.makeUp) {
     // Only the look and the permissions travel: a copy starts unselected,
     // without focus, name, role, callbacks or properties, outside any container.
-    static const unsigned char copied[] = {OrvSelectableBit, OrvVisibleBit,  OrvSensitiveBit,
-                                           OrvInvertedBit,   OrvMoveableBit, OrvResizeableBit,
-                                           OrvZBufferBit,    OrvLightBit,    OrvTextureBit,
-                                           OrvHighlightAllowedBit};
+    static const unsigned char copied[] = {
+        OrvSelectableBit, OrvVisibleBit, OrvSensitiveBit, OrvInvertedBit, OrvMoveableBit,
+        OrvResizeableBit, OrvZBufferBit, OrvLightBit,     OrvTextureBit,  OrvHighlightAllowedBit};
     for (unsigned char bit : copied) setBit(bit, source.getProperty(bit));
     OrvCount(makeUp);
 }
@@ -88,9 +92,13 @@ OrvActor::~OrvActor() {
     userProperties = nullptr;
 }
 
-OrvActor* OrvActor::copy() const { return new OrvActor(*this); }
+OrvActor* OrvActor::copy() const {
+    return new OrvActor(*this);
+}
 
-OrvClassInfo* OrvActor::classInfo() const { return _classInfo; }
+OrvClassInfo* OrvActor::classInfo() const {
+    return _classInfo;
+}
 
 const char* OrvActor::className() const {
     OrvClassInfo* info = classInfo();
@@ -106,7 +114,7 @@ unsigned long OrvActor::isSubtypeOf(const char* name) const {
         if (current == requested) return 1;
         if (!current->parentName) return 0;
         current = OrvGetClassInfo(current->parentName);
-        if (!current) return 0; // "Root" is not registered, which ends the climb
+        if (!current) return 0;  // "Root" is not registered, which ends the climb
     }
 }
 
@@ -227,13 +235,27 @@ void OrvActor::setVisible(unsigned long on) {
     if (stage) stage->contentsChanged();
 }
 
-void OrvActor::setFocus(unsigned long on) { changeFlag(OrvFocusBit, on, 0); }
-void OrvActor::setSensitive(unsigned long on) { changeFlag(OrvSensitiveBit, on, 0); }
-void OrvActor::setInverted(unsigned long on) { changeFlag(OrvInvertedBit, on, 0); }
-void OrvActor::setZBuffer(unsigned long on) { changeFlag(OrvZBufferBit, on, 0); }
-void OrvActor::lightOn(unsigned long on) { changeFlag(OrvLightBit, on, 0); }
-void OrvActor::setInvariant(unsigned long on) { changeFlag(OrvInvariantBit, on, 1); }
-void OrvActor::trackBallSelection(unsigned long on) { changeFlag(OrvTrackBallBit, on, 0); }
+void OrvActor::setFocus(unsigned long on) {
+    changeFlag(OrvFocusBit, on, 0);
+}
+void OrvActor::setSensitive(unsigned long on) {
+    changeFlag(OrvSensitiveBit, on, 0);
+}
+void OrvActor::setInverted(unsigned long on) {
+    changeFlag(OrvInvertedBit, on, 0);
+}
+void OrvActor::setZBuffer(unsigned long on) {
+    changeFlag(OrvZBufferBit, on, 0);
+}
+void OrvActor::lightOn(unsigned long on) {
+    changeFlag(OrvLightBit, on, 0);
+}
+void OrvActor::setInvariant(unsigned long on) {
+    changeFlag(OrvInvariantBit, on, 1);
+}
+void OrvActor::trackBallSelection(unsigned long on) {
+    changeFlag(OrvTrackBallBit, on, 0);
+}
 
 void OrvActor::textureOn(unsigned long on) {
     if (isTextureOn() == (on ? 1ul : 0ul)) return;
@@ -243,9 +265,15 @@ void OrvActor::textureOn(unsigned long on) {
     flushDrawing(0);
 }
 
-void OrvActor::immediate(unsigned long on) { setBit(OrvImmediateBit, on); }
-void OrvActor::set3dFastFaceRendering(unsigned long on) { setBit(OrvFastFaceBit, on); }
-void OrvActor::allowHighlight(unsigned long on) { setBit(OrvHighlightAllowedBit, on); }
+void OrvActor::immediate(unsigned long on) {
+    setBit(OrvImmediateBit, on);
+}
+void OrvActor::set3dFastFaceRendering(unsigned long on) {
+    setBit(OrvFastFaceBit, on);
+}
+void OrvActor::allowHighlight(unsigned long on) {
+    setBit(OrvHighlightAllowedBit, on);
+}
 void OrvActor::takeAPicture() {}
 void OrvActor::notifyOn3dMatrixChanged() {}
 
@@ -260,8 +288,12 @@ unsigned long OrvActor::setHighlighted(unsigned long on, const Orv2dPoint&, unsi
 void OrvActor::notifyOnMakeUpChanged() {}
 void OrvActor::map(void (*)(OrvActor*, void*), void*) {}
 void OrvActor::mapReferences(void (*)(OrvActor*, void*), void*) {}
-const char* OrvActor::defaultRole() const { return nullptr; }
-Orv2dPoint OrvActor::beforeMappingBalloon(const Orv2dPoint&) { return Orv2dPoint(); }
+const char* OrvActor::defaultRole() const {
+    return nullptr;
+}
+Orv2dPoint OrvActor::beforeMappingBalloon(const Orv2dPoint&) {
+    return Orv2dPoint();
+}
 
 // ---------------------------------------------------------------------------
 // Names, roles, engines, callbacks

@@ -14,11 +14,11 @@ void OrvActor::swapMakeUp(OrvMakeUp* next, unsigned long withLinks) {
 
 // The common form of an attribute setter: return when equal, begin, ask the
 // director, swap, notify, flush.
-#define ORV_MAKEUP_SETTER(Setter, Type, Accessor, Derivation)        \
-    void OrvActor::Setter(Type value) {                              \
-        if (makeUp->Accessor() == value) return;                     \
-        beginDrawing(0);                                             \
-        swapMakeUp(makeUp->director->Derivation(makeUp, value), 0);  \
+#define ORV_MAKEUP_SETTER(Setter, Type, Accessor, Derivation)                                      \
+    void OrvActor::Setter(Type value) {                                                            \
+        if (makeUp->Accessor() == value) return;                                                   \
+        beginDrawing(0);                                                                           \
+        swapMakeUp(makeUp->director->Derivation(makeUp, value), 0);                                \
     }
 
 ORV_MAKEUP_SETTER(setBackground, OrvColor*, background, makeUpBackground)
@@ -76,8 +76,8 @@ void OrvActor::invert() {
     const OrvMakeUp* m = makeUp;
     OrvMakeUp* swapped = m->director->makeUp(
         m->foreground(), m->background(), m->lineStyle(), m->lineWidth(), m->pattern(), m->font(),
-        m->colorPattern(), m->fillStyle(), m->arcMode(), m->fillRule(), m->vfont(), m->distinguish(),
-        m->smooth(), m->cull(), m->frontStyle(), m->backStyle(), m->markerType(), m->markerScale(),
-        m->texture());
+        m->colorPattern(), m->fillStyle(), m->arcMode(), m->fillRule(), m->vfont(),
+        m->distinguish(), m->smooth(), m->cull(), m->frontStyle(), m->backStyle(), m->markerType(),
+        m->markerScale(), m->texture());
     swapMakeUp(swapped, 0);
 }

@@ -20,8 +20,7 @@ OrvClassInfo::OrvClassInfo(const char* name, const char* parentName, OrvReadFunc
       // A parent name of fewer than 3 characters ("" for one) means none, so
       // that isSubtypeOf stops at this class.
       parentName(parentName && strlen(parentName) >= 3 ? copyName(parentName) : nullptr),
-      readFunction(readFunction),
-      index(_counter++) {}
+      readFunction(readFunction), index(_counter++) {}
 
 OrvClassInfo::~OrvClassInfo() {
     free(name);
@@ -40,4 +39,6 @@ OrvClassInfo* OrvGetClassInfo(const char* name) {
     return (OrvClassInfo*)_types->get(name);
 }
 
-OrvStringHashTable* OrvGetHashTypes() { return _types; }
+OrvStringHashTable* OrvGetHashTypes() {
+    return _types;
+}

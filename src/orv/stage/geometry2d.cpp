@@ -25,13 +25,17 @@ unsigned long Orv2dDragger::onButtonUp() {
     return 0;
 }
 
-const char* Orv2dDragger::className() const { return "default2dDragger"; }
+const char* Orv2dDragger::className() const {
+    return "default2dDragger";
+}
 
 // ---------------------------------------------------------------------------
 // Boxes and hit tests
 // ---------------------------------------------------------------------------
 
-Orv2dRect OrvActor::bbox2d(const Orv2dMatrix*) const { return Orv2dRect(); }
+Orv2dRect OrvActor::bbox2d(const Orv2dMatrix*) const {
+    return Orv2dRect();
+}
 
 Orv2dRect OrvActor::bbox2dToStage(const Orv2dMatrix* matrix) const {
     Orv2dRect r = bbox2d(matrix);
@@ -105,7 +109,8 @@ Orv2dPoint* OrvActor::handlesOf(const Orv2dRect& b) {
 }
 
 static Orv2dRect handleSquare(const Orv2dPoint& p) {
-    return Orv2dRect(p.x - ORV_HANDLE_SIZE / 2, p.y - ORV_HANDLE_SIZE / 2, ORV_HANDLE_SIZE, ORV_HANDLE_SIZE);
+    return Orv2dRect(p.x - ORV_HANDLE_SIZE / 2, p.y - ORV_HANDLE_SIZE / 2, ORV_HANDLE_SIZE,
+                     ORV_HANDLE_SIZE);
 }
 
 Orv2dPoint* OrvActor::draggerVertex2d(unsigned int& count, const Orv2dMatrix* matrix) {

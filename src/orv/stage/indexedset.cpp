@@ -6,7 +6,8 @@
 ORV_DEFINE_CLASS_INIT(OrvIndexedSet, "OrvActor", OrvIndexedSet::read)
 
 OrvIndexedSet::OrvIndexedSet(OrvDirector* director, unsigned short max, OrvMakeUp* m)
-    : OrvActor(director, m), quadtree(new OrvQuadtree(max ? max : OrvDefaultQuadtreeMax, nullptr)) {}
+    : OrvActor(director, m), quadtree(new OrvQuadtree(max ? max : OrvDefaultQuadtreeMax, nullptr)) {
+}
 
 // A copy holds no actors: only the look travels.
 OrvIndexedSet::OrvIndexedSet(const OrvIndexedSet& source)
@@ -17,13 +18,21 @@ OrvIndexedSet::~OrvIndexedSet() {
     if (quadtree) quadtree->empty(1);
 }
 
-OrvActor* OrvIndexedSet::copy() const { return new OrvIndexedSet(*this); }
+OrvActor* OrvIndexedSet::copy() const {
+    return new OrvIndexedSet(*this);
+}
 
-OrvClassInfo* OrvIndexedSet::classInfo() const { return _classInfo; }
+OrvClassInfo* OrvIndexedSet::classInfo() const {
+    return _classInfo;
+}
 
-void OrvIndexedSet::map(OrvActorFunction function, void* data) { quadtree->apply(function, data); }
+void OrvIndexedSet::map(OrvActorFunction function, void* data) {
+    quadtree->apply(function, data);
+}
 
-static void extendByActor(OrvActor* actor, void* data) { ((Orv2dRect*)data)->extendBy(actor->bbox2d(nullptr)); }
+static void extendByActor(OrvActor* actor, void* data) {
+    ((Orv2dRect*)data)->extendBy(actor->bbox2d(nullptr));
+}
 
 Orv2dRect OrvIndexedSet::bbox2d(const Orv2dMatrix* matrix) const {
     if (box.w == 0) quadtree->apply(extendByActor, &box);

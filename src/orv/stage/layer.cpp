@@ -7,8 +7,8 @@
 #include "orv/stage.h"
 
 OrvStageLayer::OrvStageLayer(OrvStage* stage, unsigned short number)
-    : stage(stage), actors(nullptr), count(0), capacity(0), visible(1), enabled(1), number(number), block(nullptr),
-      offset(0) {
+    : stage(stage), actors(nullptr), count(0), capacity(0), visible(1), enabled(1), number(number),
+      block(nullptr), offset(0) {
     init();
 }
 
@@ -115,8 +115,8 @@ void OrvStageLayer::apply(OrvActorFunction function, void* data) {
 }
 
 // Hit order is the reverse of paint order: the last actor painted is on top.
-OrvActor* OrvStageLayer::contains(const Orv2dPoint& point, const Orv2dMatrix* matrix, unsigned long withRole,
-                                  const char* type) const {
+OrvActor* OrvStageLayer::contains(const Orv2dPoint& point, const Orv2dMatrix* matrix,
+                                  unsigned long withRole, const char* type) const {
     if (count == 0 || !visible) return nullptr;
     for (int i = (int)count - 1; i >= 0; i--) {
         OrvActor* actor = actors[i];

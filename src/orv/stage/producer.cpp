@@ -24,8 +24,12 @@ OrvProducer::~OrvProducer() {
     }
 }
 
-int OrvProducer::input2d(const OrvEvent&) { return 0; }
-int OrvProducer::input3d(const OrvEvent&) { return 0; }
+int OrvProducer::input2d(const OrvEvent&) {
+    return 0;
+}
+int OrvProducer::input3d(const OrvEvent&) {
+    return 0;
+}
 void OrvProducer::expose2d(const Orv2dRegion*) {}
 void OrvProducer::expose3d(const Orv2dRegion*) {}
 void OrvProducer::abort() {}
@@ -44,7 +48,9 @@ OrvDirector* OrvProducer::director() const {
     return previous ? previous->director() : nullptr;
 }
 
-const Orv2dMatrix* OrvProducer::toStage() const { return stage ? stage->transformer : nullptr; }
+const Orv2dMatrix* OrvProducer::toStage() const {
+    return stage ? stage->transformer : nullptr;
+}
 
 void OrvProducer::setStage(OrvStage* s) {
     if (s == stage) return;
@@ -89,63 +95,63 @@ OrvMoveProducer::OrvMoveProducer(OrvStage* stage, OrvProducer* previous)
 int OrvMoveProducer::input2d(const OrvEvent& event) {
     if (!(event.key & mask)) return 0;
     switch (event.type) {
-    case OrvButtonDown: {
-        Orv2dPoint p(event.x, event.y);
-        start = p;
-        OrvActor* a = stage->contains(p, toStage(), 0, nullptr);
-        if (!a) {
-            stage->deSelect();
-            return 0;
-        }
-        if (event.modifiers == 0x100) {
-            a->setSelected(1); // shift adds to the selection
+        case OrvButtonDown: {
+            Orv2dPoint p(event.x, event.y);
+            start = p;
+            OrvActor* a = stage->contains(p, toStage(), 0, nullptr);
+            if (!a) {
+                stage->deSelect();
+                return 0;
+            }
+            if (event.modifiers == 0x100) {
+                a->setSelected(1);  // shift adds to the selection
+                return 1;
+            }
+            if (!a->isSelected()) {
+                stage->beginDrawing();
+                stage->deSelect();
+                a->setSelected(1);
+                stage->flushDrawing(1);
+                wasSelected = 0;
+            } else {
+                wasSelected = 1;
+            }
+            if (!a->isMoveable()) return 1;
+            active = 1;
+            start = current = snapped(p.x, p.y);
             return 1;
         }
-        if (!a->isSelected()) {
-            stage->beginDrawing();
-            stage->deSelect();
-            a->setSelected(1);
-            stage->flushDrawing(1);
-            wasSelected = 0;
-        } else {
-            wasSelected = 1;
-        }
-        if (!a->isMoveable()) return 1;
-        active = 1;
-        start = current = snapped(p.x, p.y);
-        return 1;
-    }
-    case OrvButtonDragged:
-        if (!active) return 0;
-        if (!immediate) {
+        case OrvButtonDragged:
+            if (!active) return 0;
+            if (!immediate) {
+                expose2d(nullptr);
+                current = snapped(event.x, event.y);
+                expose2d(nullptr);
+            } else {
+                current = snapped(event.x, event.y);
+                activate2d(Orv2dPoint(current.x - start.x, current.y - start.y));
+                start = current;
+            }
+            return 1;
+        case OrvButtonUp: {
+            if (!active) return 0;
+            if (immediate) {
+                active = 0;
+                return 0;
+            }
             expose2d(nullptr);
-            current = snapped(event.x, event.y);
-            expose2d(nullptr);
-        } else {
-            current = snapped(event.x, event.y);
-            activate2d(Orv2dPoint(current.x - start.x, current.y - start.y));
-            start = current;
-        }
-        return 1;
-    case OrvButtonUp: {
-        if (!active) return 0;
-        if (immediate) {
             active = 0;
-            return 0;
+            Orv2dPoint delta(current.x - start.x, current.y - start.y);
+            if (!delta.x && !delta.y) {
+                // A plain click on a selected actor deselects everything.
+                if (wasSelected) stage->deSelect();
+                return 0;
+            }
+            activate2d(delta);
+            return 0;  // declined, so that accelerators may see the release
         }
-        expose2d(nullptr);
-        active = 0;
-        Orv2dPoint delta(current.x - start.x, current.y - start.y);
-        if (!delta.x && !delta.y) {
-            // A plain click on a selected actor deselects everything.
-            if (wasSelected) stage->deSelect();
+        default:
             return 0;
-        }
-        activate2d(delta);
-        return 0; // declined, so that accelerators may see the release
-    }
-    default:
-        return 0;
     }
 }
 
@@ -194,30 +200,76 @@ OrvReshapeProducer::OrvReshapeProducer(OrvStage* stage, OrvProducer* previous)
     : OrvProducer(stage, previous), position(0), immediate(0), mask(1), actor(nullptr),
       polylineEditor(nullptr) {}
 
-OrvReshapeProducer::~OrvReshapeProducer() { delete polylineEditor; }
+OrvReshapeProducer::~OrvReshapeProducer() {
+    delete polylineEditor;
+}
 
 void OrvReshapeProducer::setPolylineEditor(OrvProducer* editor) {
     if (editor == polylineEditor) return;
     delete polylineEditor;
     polylineEditor = editor;
-    if (editor && stage) stage->producers.remove(editor); // owned here, not by the stage
+    if (editor && stage) stage->producers.remove(editor);  // owned here, not by the stage
 }
 
-int OrvReshapeProducer::editorActive() const { return polylineEditor && polylineEditor->isActive(); }
+int OrvReshapeProducer::editorActive() const {
+    return polylineEditor && polylineEditor->isActive();
+}
 
-Orv2dRect OrvReshapeProducer::computeBox(const Orv2dRect& b, const Orv2dPoint& p, OrvPosition position) {
+Orv2dRect OrvReshapeProducer::computeBox(const Orv2dRect& b, const Orv2dPoint& p,
+                                         OrvPosition position) {
     long bx = b.x, by = b.y, bw = (long)b.w, bh = (long)b.h;
-    long fx, fy, mx, my; // fixed and moving corners
+    long fx, fy, mx, my;  // fixed and moving corners
     switch (position) {
-    case 5: fx = bx + bw; fy = by + bh; mx = p.x; my = p.y; break;
-    case 9: fx = bx + bw; fy = by; mx = p.x; my = p.y; break;
-    case 6: fx = bx; fy = by + bh; mx = p.x; my = p.y; break;
-    case 10: fx = bx; fy = by; mx = p.x; my = p.y; break;
-    case 4: fx = bx + bw; fy = by + bh; mx = bx; my = p.y; break;
-    case 8: fx = bx; fy = by; mx = bx + bw; my = p.y; break;
-    case 1: fx = bx + bw; fy = by + bh; mx = p.x; my = by; break;
-    case 2: fx = bx; fy = by; mx = p.x; my = by + bh; break;
-    default: return b;
+        case 5:
+            fx = bx + bw;
+            fy = by + bh;
+            mx = p.x;
+            my = p.y;
+            break;
+        case 9:
+            fx = bx + bw;
+            fy = by;
+            mx = p.x;
+            my = p.y;
+            break;
+        case 6:
+            fx = bx;
+            fy = by + bh;
+            mx = p.x;
+            my = p.y;
+            break;
+        case 10:
+            fx = bx;
+            fy = by;
+            mx = p.x;
+            my = p.y;
+            break;
+        case 4:
+            fx = bx + bw;
+            fy = by + bh;
+            mx = bx;
+            my = p.y;
+            break;
+        case 8:
+            fx = bx;
+            fy = by;
+            mx = bx + bw;
+            my = p.y;
+            break;
+        case 1:
+            fx = bx + bw;
+            fy = by + bh;
+            mx = p.x;
+            my = by;
+            break;
+        case 2:
+            fx = bx;
+            fy = by;
+            mx = p.x;
+            my = by + bh;
+            break;
+        default:
+            return b;
     }
     Orv2dRect r;
     r.x = fx < mx ? fx : mx;
@@ -241,68 +293,68 @@ int OrvReshapeProducer::input2d(const OrvEvent& event) {
     if (editorActive()) return polylineEditor->input2d(event);
     Orv2dPoint p(event.x, event.y);
     switch (event.type) {
-    case OrvButtonDown: {
-        OrvActor* poly = stage->contains(p, toStage(), 0, "Orv2dPolyline");
-        if (poly && poly->isSelected() && polylineEditor) {
-            actor = nullptr;
-            return polylineEditor->input2d(event);
-        }
-        if (!(event.key & mask)) return 0;
-        OrvActor* a = stage->containsDragger(p, toStage(), 0, nullptr);
-        if (!a || !a->isSelected()) {
-            actor = nullptr;
-            return 0;
-        }
-        Orv2dDragger* dragger = a->dragger2d(p, toStage());
-        if (!dragger || !a->isResizeable() || !dragger->position) {
-            actor = nullptr;
-            return 0;
-        }
-        position = dragger->position;
-        stage->setCursor(director()->positionToCursor(position));
-        actor = a;
-        point = unmap(p);
-        expose2d(nullptr);
-        return 1;
-    }
-    case OrvPointerMoved: {
-        OrvActor* poly = stage->contains(p, toStage(), 0, "Orv2dPolyline");
-        if (poly && poly->isSelected() && polylineEditor) return polylineEditor->input2d(event);
-        OrvActor* a = stage->containsDragger(p, toStage(), 0, nullptr);
-        Orv2dDragger* dragger = a && a->isSelected() ? a->dragger2d(p, toStage()) : nullptr;
-        if (dragger) {
-            stage->setCursor(director()->positionToCursor(dragger->position));
+        case OrvButtonDown: {
+            OrvActor* poly = stage->contains(p, toStage(), 0, "Orv2dPolyline");
+            if (poly && poly->isSelected() && polylineEditor) {
+                actor = nullptr;
+                return polylineEditor->input2d(event);
+            }
+            if (!(event.key & mask)) return 0;
+            OrvActor* a = stage->containsDragger(p, toStage(), 0, nullptr);
+            if (!a || !a->isSelected()) {
+                actor = nullptr;
+                return 0;
+            }
+            Orv2dDragger* dragger = a->dragger2d(p, toStage());
+            if (!dragger || !a->isResizeable() || !dragger->position) {
+                actor = nullptr;
+                return 0;
+            }
+            position = dragger->position;
+            stage->setCursor(director()->positionToCursor(position));
+            actor = a;
+            point = unmap(p);
+            expose2d(nullptr);
             return 1;
         }
-        stage->setCursor(nullptr);
-        return 0;
-    }
-    case OrvKeyDown:
-        return polylineEditor ? polylineEditor->input2d(event) : 0;
-    case OrvButtonDragged:
-        if (!actor) return 0;
-        if (!immediate) {
-            expose2d(nullptr);
-            point = snapped(p.x, p.y);
-            expose2d(nullptr);
-        } else {
-            point = snapped(p.x, p.y);
-            activate2d(actor, OrvUnmapRect(toStage(), compute2d()));
+        case OrvPointerMoved: {
+            OrvActor* poly = stage->contains(p, toStage(), 0, "Orv2dPolyline");
+            if (poly && poly->isSelected() && polylineEditor) return polylineEditor->input2d(event);
+            OrvActor* a = stage->containsDragger(p, toStage(), 0, nullptr);
+            Orv2dDragger* dragger = a && a->isSelected() ? a->dragger2d(p, toStage()) : nullptr;
+            if (dragger) {
+                stage->setCursor(director()->positionToCursor(dragger->position));
+                return 1;
+            }
+            stage->setCursor(nullptr);
+            return 0;
         }
-        return 1;
-    case OrvButtonUp: {
-        if (!actor) return 0;
-        stage->setCursor(nullptr);
-        if (!immediate) expose2d(nullptr);
-        point = snapped(p.x, p.y);
-        Orv2dRect r = OrvUnmapRect(toStage(), compute2d());
-        OrvActor* a = actor;
-        actor = nullptr;
-        activate2d(a, r);
-        return 1;
-    }
-    default:
-        return 0;
+        case OrvKeyDown:
+            return polylineEditor ? polylineEditor->input2d(event) : 0;
+        case OrvButtonDragged:
+            if (!actor) return 0;
+            if (!immediate) {
+                expose2d(nullptr);
+                point = snapped(p.x, p.y);
+                expose2d(nullptr);
+            } else {
+                point = snapped(p.x, p.y);
+                activate2d(actor, OrvUnmapRect(toStage(), compute2d()));
+            }
+            return 1;
+        case OrvButtonUp: {
+            if (!actor) return 0;
+            stage->setCursor(nullptr);
+            if (!immediate) expose2d(nullptr);
+            point = snapped(p.x, p.y);
+            Orv2dRect r = OrvUnmapRect(toStage(), compute2d());
+            OrvActor* a = actor;
+            actor = nullptr;
+            activate2d(a, r);
+            return 1;
+        }
+        default:
+            return 0;
     }
 }
 

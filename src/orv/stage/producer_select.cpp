@@ -27,39 +27,39 @@ OrvRectangleProducer::OrvRectangleProducer(OrvStage* stage, OrvProducer* previou
 
 int OrvRectangleProducer::input2d(const OrvEvent& event) {
     switch (event.type) {
-    case OrvButtonDown:
-        if (event.modifiers & 0x3000) {
-            director()->bell(0);
+        case OrvButtonDown:
+            if (event.modifiers & 0x3000) {
+                director()->bell(0);
+                return 0;
+            }
+            if (!(event.key & mask) || event.modifiers) return 0;
+            start = end = snapped(event.x, event.y);
+            active = 1;
+            return 1;
+        case OrvButtonDragged: {
+            if (!active || !(event.modifiers & (mask | 0x100))) return 0;
+            expose2d(nullptr);
+            Orv2dPoint e = stage->snapToGrid(Orv2dPoint(event.x, event.y));
+            if (event.modifiers & 0x100) {
+                // Shift forces a square, measured as seen on the window.
+                Orv2dPoint s = map(start);
+                long dx = (long)e.x - s.x, dy = (long)e.y - s.y;
+                long adx = labs(dx), ady = labs(dy);
+                long side = adx < ady ? adx : ady;
+                if (dx && dy) e = Orv2dPoint(s.x + dx * side / adx, s.y + dy * side / ady);
+            }
+            end = unmap(e);
+            expose2d(nullptr);
+            return 1;
+        }
+        case OrvButtonUp:
+            if (!active) return 0;
+            expose2d(nullptr);
+            active = 0;
+            activate2d(OrvNormalised(start, end));  // a zero-size rectangle is delivered too
+            return 1;
+        default:
             return 0;
-        }
-        if (!(event.key & mask) || event.modifiers) return 0;
-        start = end = snapped(event.x, event.y);
-        active = 1;
-        return 1;
-    case OrvButtonDragged: {
-        if (!active || !(event.modifiers & (mask | 0x100))) return 0;
-        expose2d(nullptr);
-        Orv2dPoint e = stage->snapToGrid(Orv2dPoint(event.x, event.y));
-        if (event.modifiers & 0x100) {
-            // Shift forces a square, measured as seen on the window.
-            Orv2dPoint s = map(start);
-            long dx = (long)e.x - s.x, dy = (long)e.y - s.y;
-            long adx = labs(dx), ady = labs(dy);
-            long side = adx < ady ? adx : ady;
-            if (dx && dy) e = Orv2dPoint(s.x + dx * side / adx, s.y + dy * side / ady);
-        }
-        end = unmap(e);
-        expose2d(nullptr);
-        return 1;
-    }
-    case OrvButtonUp:
-        if (!active) return 0;
-        expose2d(nullptr);
-        active = 0;
-        activate2d(OrvNormalised(start, end)); // a zero-size rectangle is delivered too
-        return 1;
-    default:
-        return 0;
     }
 }
 
@@ -111,21 +111,15 @@ static P* OrvOwnedBy(OrvStage* stage, P* p) {
 }
 
 OrvSelectProducer::OrvSelectProducer(OrvStage* stage, OrvProducer* previous)
-    : OrvProducer(stage, previous),
-      move(OrvOwnedBy(stage, new OrvMoveProducer(stage))),
+    : OrvProducer(stage, previous), move(OrvOwnedBy(stage, new OrvMoveProducer(stage))),
       reshape(OrvOwnedBy(stage, new OrvReshapeProducer(stage))),
-      selectRectangle(OrvOwnedBy(stage, new OrvSelectRectangleProducer(stage))),
-      pick3d(nullptr),
-      rotate3d(nullptr),
-      extra(nullptr),
-      inUse(nullptr),
-      mask1(1),
-      mask2(2) {}
+      selectRectangle(OrvOwnedBy(stage, new OrvSelectRectangleProducer(stage))), pick3d(nullptr),
+      rotate3d(nullptr), extra(nullptr), inUse(nullptr), mask1(1), mask2(2) {}
 
 OrvSelectProducer::~OrvSelectProducer() {
     OrvProducer* subs[] = {move, reshape, selectRectangle, pick3d, rotate3d, extra};
     for (OrvProducer* p : subs) {
-        if (p) p->stage = nullptr; // already out of the stage's list
+        if (p) p->stage = nullptr;  // already out of the stage's list
         delete p;
     }
 }
@@ -147,33 +141,33 @@ int OrvSelectProducer::input2d(const OrvEvent& event) {
         }
     }
     switch (event.type) {
-    case OrvButtonDown: {
-        if (!(event.key & (mask1 | mask2))) return 0;
-        Orv2dPoint p(event.x, event.y);
-        OrvActor* a = stage->contains(p, toStage(), 0, nullptr);
-        if (a && a->dragger2d(p, toStage()))
-            inUse = reshape;
-        else if (a && reshape->polylineEditor && a->isSubtypeOf("Orv2dPolyline") &&
-                 (event.key & ((OrvReshapeProducer*)reshape)->mask))
-            inUse = reshape;
-        else if (a)
-            inUse = move;
-        else
-            inUse = selectRectangle;
-        return inUse->input2d(event);
-    }
-    case OrvButtonUp: {
-        if (!(event.key & (mask1 | mask2))) return 0;
-        OrvProducer* p = inUse;
-        inUse = nullptr;
-        return p ? p->input2d(event) : 0;
-    }
-    case OrvPointerMoved:
-    case OrvKeyDown:
-        // So that the cursor follows the handles without a press.
-        return reshape->input2d(event);
-    default:
-        return inUse ? inUse->input2d(event) : 0;
+        case OrvButtonDown: {
+            if (!(event.key & (mask1 | mask2))) return 0;
+            Orv2dPoint p(event.x, event.y);
+            OrvActor* a = stage->contains(p, toStage(), 0, nullptr);
+            if (a && a->dragger2d(p, toStage()))
+                inUse = reshape;
+            else if (a && reshape->polylineEditor && a->isSubtypeOf("Orv2dPolyline") &&
+                     (event.key & ((OrvReshapeProducer*)reshape)->mask))
+                inUse = reshape;
+            else if (a)
+                inUse = move;
+            else
+                inUse = selectRectangle;
+            return inUse->input2d(event);
+        }
+        case OrvButtonUp: {
+            if (!(event.key & (mask1 | mask2))) return 0;
+            OrvProducer* p = inUse;
+            inUse = nullptr;
+            return p ? p->input2d(event) : 0;
+        }
+        case OrvPointerMoved:
+        case OrvKeyDown:
+            // So that the cursor follows the handles without a press.
+            return reshape->input2d(event);
+        default:
+            return inUse ? inUse->input2d(event) : 0;
     }
 }
 

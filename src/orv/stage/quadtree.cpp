@@ -10,22 +10,29 @@ unsigned int OrvDefaultQuadtreeMax = 40;
 
 static int _optimizeMode = 0;
 
-void OrvSetOptimizeMode(int on) { _optimizeMode = on; }
-int OrvGetOptimizeMode() { return _optimizeMode; }
+void OrvSetOptimizeMode(int on) {
+    _optimizeMode = on;
+}
+int OrvGetOptimizeMode() {
+    return _optimizeMode;
+}
 
-static uint32_t shortSide(const Orv2dRect& r) { return r.w < r.h ? r.w : r.h; }
+static uint32_t shortSide(const Orv2dRect& r) {
+    return r.w < r.h ? r.w : r.h;
+}
 
 OrvQuadtree::OrvQuadtree()
-    : topLeft(nullptr), topRight(nullptr), bottomLeft(nullptr), bottomRight(nullptr), head(nullptr), tail(nullptr), count(0), internal(0),
-      max(0), held(nullptr), heldCount(0), heldCapacity(0) {}
+    : topLeft(nullptr), topRight(nullptr), bottomLeft(nullptr), bottomRight(nullptr), head(nullptr),
+      tail(nullptr), count(0), internal(0), max(0), held(nullptr), heldCount(0), heldCapacity(0) {}
 
 OrvQuadtree::OrvQuadtree(unsigned int max, const Orv2dRect* b)
-    : topLeft(nullptr), topRight(nullptr), bottomLeft(nullptr), bottomRight(nullptr), head(nullptr), tail(nullptr), count(0), internal(0),
-      max(max), box(b ? *b : Orv2dRect(-100000, -100000, 200000, 200000)), held(nullptr), heldCount(0),
+    : topLeft(nullptr), topRight(nullptr), bottomLeft(nullptr), bottomRight(nullptr), head(nullptr),
+      tail(nullptr), count(0), internal(0), max(max),
+      box(b ? *b : Orv2dRect(-100000, -100000, 200000, 200000)), held(nullptr), heldCount(0),
       heldCapacity(0) {}
 
 OrvQuadtree::~OrvQuadtree() {
-    delete head; // the links that follow go with it
+    delete head;  // the links that follow go with it
     free(held);
     delete topLeft;
     delete topRight;
@@ -63,29 +70,41 @@ Orv2dRect OrvQuadtree::childBox(unsigned int position) const {
     uint32_t leftW = box.w >> 1, topH = box.h >> 1;
     uint32_t rightW = (uint32_t)(box.right() - mx), bottomH = (uint32_t)(box.bottom() - my);
     switch (position) {
-    case OrvQuadTopLeft: return Orv2dRect(box.x, box.y, leftW, topH);
-    case OrvQuadTopRight: return Orv2dRect(mx, box.y, rightW, topH);
-    case OrvQuadBottomLeft: return Orv2dRect(box.x, my, leftW, bottomH);
-    case OrvQuadBottomRight: return Orv2dRect(mx, my, rightW, bottomH);
+        case OrvQuadTopLeft:
+            return Orv2dRect(box.x, box.y, leftW, topH);
+        case OrvQuadTopRight:
+            return Orv2dRect(mx, box.y, rightW, topH);
+        case OrvQuadBottomLeft:
+            return Orv2dRect(box.x, my, leftW, bottomH);
+        case OrvQuadBottomRight:
+            return Orv2dRect(mx, my, rightW, bottomH);
     }
     return Orv2dRect();
 }
 
 OrvQuadtree*& OrvQuadtree::childSlot(unsigned int position) {
     switch (position) {
-    case OrvQuadTopLeft: return topLeft;
-    case OrvQuadTopRight: return topRight;
-    case OrvQuadBottomLeft: return bottomLeft;
-    default: return bottomRight;
+        case OrvQuadTopLeft:
+            return topLeft;
+        case OrvQuadTopRight:
+            return topRight;
+        case OrvQuadBottomLeft:
+            return bottomLeft;
+        default:
+            return bottomRight;
     }
 }
 
 OrvQuadtree* OrvQuadtree::child(unsigned int position) const {
     switch (position) {
-    case OrvQuadTopLeft: return topLeft;
-    case OrvQuadTopRight: return topRight;
-    case OrvQuadBottomLeft: return bottomLeft;
-    case OrvQuadBottomRight: return bottomRight;
+        case OrvQuadTopLeft:
+            return topLeft;
+        case OrvQuadTopRight:
+            return topRight;
+        case OrvQuadBottomLeft:
+            return bottomLeft;
+        case OrvQuadBottomRight:
+            return bottomRight;
     }
     return nullptr;
 }
@@ -166,8 +185,8 @@ static inline void prefetchActor(OrvActor* const* held, uint32_t i, uint32_t n) 
 int OrvQuadtree::add(OrvActor* actor) {
     Orv2dRect r = actor->bbox2d(nullptr);
     if (!_optimizeMode && insideP(actor))
-        return OrvError("Quadtree::add: %s [%d %d %d %d] Already in quadtree\n", actor->className(), r.x,
-                        r.y, r.w, r.h);
+        return OrvError("Quadtree::add: %s [%d %d %d %d] Already in quadtree\n", actor->className(),
+                        r.x, r.y, r.w, r.h);
     if (!box.contains(r)) {
         if (internal)
             growToRect(r);
@@ -269,15 +288,23 @@ void OrvQuadtree::growToPoint(const Orv2dPoint& p) {
         topLeft = topRight = bottomLeft = bottomRight = nullptr;
         // The old root becomes the child on the side away from the point.
         switch (position) {
-        case OrvQuadBottomLeft: topRight = copy; break;
-        case OrvQuadBottomRight: topLeft = copy; break;
-        case OrvQuadTopLeft: bottomRight = copy; break;
-        case OrvQuadTopRight: bottomLeft = copy; break;
-        default:
-            delete copy;
-            OrvError("## No pos for Point in ResizeBBox");
-            internal = 1;
-            return;
+            case OrvQuadBottomLeft:
+                topRight = copy;
+                break;
+            case OrvQuadBottomRight:
+                topLeft = copy;
+                break;
+            case OrvQuadTopLeft:
+                bottomRight = copy;
+                break;
+            case OrvQuadTopRight:
+                bottomLeft = copy;
+                break;
+            default:
+                delete copy;
+                OrvError("## No pos for Point in ResizeBBox");
+                internal = 1;
+                return;
         }
     }
     internal = 1;
@@ -290,14 +317,14 @@ void OrvQuadtree::growToPoint(const Orv2dPoint& p) {
 int OrvQuadtree::remove(OrvActor* actor) {
     Orv2dRect r = actor->bbox2d(nullptr);
     if (!_optimizeMode && !insideP(actor))
-        return OrvError("Quadtree::remove: Object %s [%d %d %d %d] not in quadtree \n", actor->className(),
-                        r.x, r.y, r.w, r.h);
+        return OrvError("Quadtree::remove: Object %s [%d %d %d %d] not in quadtree \n",
+                        actor->className(), r.x, r.y, r.w, r.h);
     nodeRemove(actor, r);
     return 1;
 }
 
 void OrvQuadtree::nodeRemove(OrvActor* actor, const Orv2dRect& r) {
-    count--; // even when the actor is not found
+    count--;  // even when the actor is not found
     if (!internal) {
         removeHere(actor);
         return;
@@ -318,7 +345,9 @@ void OrvQuadtree::nodeRemove(OrvActor* actor, const Orv2dRect& r) {
     if (!topLeft && !topRight && !bottomLeft && !bottomRight) internal = 0;
 }
 
-int OrvQuadtree::insideP(OrvActor* actor) const { return nodeInsideP(actor, actor->bbox2d(nullptr)); }
+int OrvQuadtree::insideP(OrvActor* actor) const {
+    return nodeInsideP(actor, actor->bbox2d(nullptr));
+}
 
 int OrvQuadtree::nodeInsideP(const OrvActor* actor, const Orv2dRect& r) const {
     const OrvQuadtree* node = this;
@@ -347,8 +376,8 @@ void OrvQuadtree::apply(OrvActorFunction function, void* data) {
     if (bottomRight) bottomRight->apply(function, data);
 }
 
-void OrvQuadtree::applyIntersect(const Orv2dRegion& local, const Orv2dRegion& clip, OrvActorFunction function,
-                                 void* data, const Orv2dMatrix* matrix) {
+void OrvQuadtree::applyIntersect(const Orv2dRegion& local, const Orv2dRegion& clip,
+                                 OrvActorFunction function, void* data, const Orv2dMatrix* matrix) {
     // A node wholly inside needs no test of its actors.
     if (local.contains(box)) {
         apply(function, data);
@@ -365,15 +394,16 @@ void OrvQuadtree::applyIntersect(const Orv2dRegion& local, const Orv2dRegion& cl
     if (bottomRight) bottomRight->applyIntersect(local, clip, function, data, matrix);
 }
 
-void OrvQuadtree::applyInside(const Orv2dRegion& local, const Orv2dRegion& clip, OrvActorFunction function,
-                              void* data, const Orv2dMatrix* matrix) {
+void OrvQuadtree::applyInside(const Orv2dRegion& local, const Orv2dRegion& clip,
+                              OrvActorFunction function, void* data, const Orv2dMatrix* matrix) {
     applyInsideNode(local, clip, function, data, matrix);
 }
 
 // Only the actors of the first node reached see the matrix: below it the
 // walk passes none. Callers have relied on that.
 void OrvQuadtree::applyInsideNode(const Orv2dRegion& local, const Orv2dRegion& clip,
-                                  OrvActorFunction function, void* data, const Orv2dMatrix* matrix) {
+                                  OrvActorFunction function, void* data,
+                                  const Orv2dMatrix* matrix) {
     if (local.contains(box)) {
         apply(function, data);
         return;
@@ -389,7 +419,8 @@ void OrvQuadtree::applyInsideNode(const Orv2dRegion& local, const Orv2dRegion& c
     if (bottomRight) bottomRight->applyInsideNode(local, clip, function, data, nullptr);
 }
 
-OrvActor* OrvQuadtree::contains(const Orv2dPoint& local, const Orv2dPoint& original, const Orv2dMatrix* matrix) {
+OrvActor* OrvQuadtree::contains(const Orv2dPoint& local, const Orv2dPoint& original,
+                                const Orv2dMatrix* matrix) {
     OrvQuadtree* node = this;
     while (node && node->box.contains(local)) {
         OrvActor* const* actors = node->held;
@@ -406,7 +437,8 @@ OrvActor* OrvQuadtree::contains(const Orv2dPoint& local, const Orv2dPoint& origi
 
 size_t OrvQuadtree::memoryUse() const {
     // One link per actor held: the array mirrors the list.
-    size_t bytes = sizeof(OrvQuadtree) + heldCapacity * sizeof(OrvActor*) + heldCount * sizeof(OrvLink);
+    size_t bytes =
+        sizeof(OrvQuadtree) + heldCapacity * sizeof(OrvActor*) + heldCount * sizeof(OrvLink);
     const OrvQuadtree* children[4] = {topLeft, topRight, bottomLeft, bottomRight};
     for (const OrvQuadtree* c : children)
         if (c) bytes += c->memoryUse();

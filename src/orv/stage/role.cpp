@@ -72,60 +72,68 @@ OrvRole::~OrvRole() {
         }
 }
 
-int OrvRole::input2d(OrvActor*, const OrvEvent&, OrvStage*) { return 0; }
-int OrvRole::input3d(OrvActor*, const OrvEvent&, OrvTheater*, OrvScene*) { return 0; }
+int OrvRole::input2d(OrvActor*, const OrvEvent&, OrvStage*) {
+    return 0;
+}
+int OrvRole::input3d(OrvActor*, const OrvEvent&, OrvTheater*, OrvScene*) {
+    return 0;
+}
 
 // ---------------------------------------------------------------------------
 // Button and toggle
 // ---------------------------------------------------------------------------
 
-static int OrvIsActivationKey(unsigned short key) { return key == 32 || key == 13; }
+static int OrvIsActivationKey(unsigned short key) {
+    return key == 32 || key == 13;
+}
 
 int OrvButtonRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) {
     // A button number and a key code share the field, so both meet the mask.
     if (!(event.key & mask)) return 0;
     switch (event.type) {
-    case OrvButtonDown:
-        actor->invert();
-        pressed = 1;
-        return 1;
-    case OrvButtonDragged: {
-        Orv2dPoint p(event.x, event.y);
-        const Orv2dMatrix* m = stage->transformer;
-        if (pressed && !actor->contains2d(p, m)) {
-            pressed = 0;
+        case OrvButtonDown:
             actor->invert();
+            pressed = 1;
+            return 1;
+        case OrvButtonDragged: {
+            Orv2dPoint p(event.x, event.y);
+            const Orv2dMatrix* m = stage->transformer;
+            if (pressed && !actor->contains2d(p, m)) {
+                pressed = 0;
+                actor->invert();
+            }
+            if (!pressed && actor->contains2d(p, m)) {
+                pressed = 1;
+                actor->invert();
+            }
+            return 1;
         }
-        if (!pressed && actor->contains2d(p, m)) {
+        case OrvButtonUp:
+            if (pressed) {
+                pressed = 0;
+                actor->invert();
+                validate(actor, stage);
+            }
+            return 1;
+        case OrvKeyDown:
+            if (!OrvIsActivationKey(event.key)) return 0;
             pressed = 1;
             actor->invert();
-        }
-        return 1;
-    }
-    case OrvButtonUp:
-        if (pressed) {
+            return 1;
+        case OrvKeyUp:
+            if (!pressed) return 0;
             pressed = 0;
             actor->invert();
             validate(actor, stage);
-        }
-        return 1;
-    case OrvKeyDown:
-        if (!OrvIsActivationKey(event.key)) return 0;
-        pressed = 1;
-        actor->invert();
-        return 1;
-    case OrvKeyUp:
-        if (!pressed) return 0;
-        pressed = 0;
-        actor->invert();
-        validate(actor, stage);
-        return 1;
-    default:
-        return 0;
+            return 1;
+        default:
+            return 0;
     }
 }
 
-void OrvButtonRole::validate(OrvActor* actor, OrvStage* stage) { stage->callCallback(actor); }
+void OrvButtonRole::validate(OrvActor* actor, OrvStage* stage) {
+    stage->callCallback(actor);
+}
 
 // A scene's actor has no stage table to look in: its own callback answers.
 static void OrvCallOwnCallback(OrvActor* actor) {
@@ -133,48 +141,54 @@ static void OrvCallOwnCallback(OrvActor* actor) {
     if (c) c->activate(actor);
 }
 
-void OrvButtonRole::validate(OrvActor* actor, OrvTheater*, OrvScene*) { OrvCallOwnCallback(actor); }
+void OrvButtonRole::validate(OrvActor* actor, OrvTheater*, OrvScene*) {
+    OrvCallOwnCallback(actor);
+}
 
 int OrvToggleRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) {
     if (!(event.key & mask)) return 0;
     switch (event.type) {
-    case OrvButtonDown:
-        actor->invert();
-        pressed = 1;
-        return 1;
-    case OrvButtonDragged: {
-        Orv2dPoint p(event.x, event.y);
-        const Orv2dMatrix* m = stage->transformer;
-        int changed = 0;
-        if (pressed && !actor->contains2d(p, m)) {
-            pressed = 0;
+        case OrvButtonDown:
             actor->invert();
-            changed = 1;
-        }
-        if (!pressed && actor->contains2d(p, m)) {
             pressed = 1;
-            actor->invert();
-            changed = 1;
+            return 1;
+        case OrvButtonDragged: {
+            Orv2dPoint p(event.x, event.y);
+            const Orv2dMatrix* m = stage->transformer;
+            int changed = 0;
+            if (pressed && !actor->contains2d(p, m)) {
+                pressed = 0;
+                actor->invert();
+                changed = 1;
+            }
+            if (!pressed && actor->contains2d(p, m)) {
+                pressed = 1;
+                actor->invert();
+                changed = 1;
+            }
+            return changed;
         }
-        return changed;
-    }
-    case OrvButtonUp:
-        if (!pressed) return 0;
-        pressed = 0;
-        validate(actor, stage); // no second invert: the look stays toggled
-        return 1;
-    case OrvKeyDown:
-        if (!OrvIsActivationKey(event.key)) return 0;
-        actor->invert();
-        validate(actor, stage);
-        return 1;
-    default:
-        return 0;
+        case OrvButtonUp:
+            if (!pressed) return 0;
+            pressed = 0;
+            validate(actor, stage);  // no second invert: the look stays toggled
+            return 1;
+        case OrvKeyDown:
+            if (!OrvIsActivationKey(event.key)) return 0;
+            actor->invert();
+            validate(actor, stage);
+            return 1;
+        default:
+            return 0;
     }
 }
 
-void OrvToggleRole::validate(OrvActor* actor, OrvStage* stage) { stage->callCallback(actor); }
-void OrvToggleRole::validate(OrvActor* actor, OrvTheater*, OrvScene*) { OrvCallOwnCallback(actor); }
+void OrvToggleRole::validate(OrvActor* actor, OrvStage* stage) {
+    stage->callCallback(actor);
+}
+void OrvToggleRole::validate(OrvActor* actor, OrvTheater*, OrvScene*) {
+    OrvCallOwnCallback(actor);
+}
 
 // ---------------------------------------------------------------------------
 // Move role
@@ -192,41 +206,41 @@ int OrvMoveRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage
     if (!(event.key & mask)) return 0;
     if (!actor->isMoveable()) return 1;
     switch (event.type) {
-    case OrvButtonDown:
-        start = current = OrvUnmapSnapped(stage, event);
-        active = 1;
-        ghost2d(stage, actor);
-        return 1;
-    case OrvButtonDragged:
-        if (!active) return 0;
-        if (!immediate) {
+        case OrvButtonDown:
+            start = current = OrvUnmapSnapped(stage, event);
+            active = 1;
             ghost2d(stage, actor);
-            current = OrvUnmapSnapped(stage, event);
-            ghost2d(stage, actor);
-        } else {
-            current = OrvUnmapSnapped(stage, event);
-            Orv2dPoint delta(current.x - start.x, current.y - start.y);
-            actor->beginDrawing(1);
-            validate2d(actor, stage, delta);
-            actor->flushDrawing(1);
-            start = current;
-        }
-        return 1;
-    case OrvButtonUp:
-        if (!active) return 0;
-        if (!immediate) {
-            ghost2d(stage, actor);
-            Orv2dPoint delta(current.x - start.x, current.y - start.y);
-            if (delta.x || delta.y) {
+            return 1;
+        case OrvButtonDragged:
+            if (!active) return 0;
+            if (!immediate) {
+                ghost2d(stage, actor);
+                current = OrvUnmapSnapped(stage, event);
+                ghost2d(stage, actor);
+            } else {
+                current = OrvUnmapSnapped(stage, event);
+                Orv2dPoint delta(current.x - start.x, current.y - start.y);
                 actor->beginDrawing(1);
                 validate2d(actor, stage, delta);
                 actor->flushDrawing(1);
+                start = current;
             }
-        }
-        active = 0;
-        return 1;
-    default:
-        return 0;
+            return 1;
+        case OrvButtonUp:
+            if (!active) return 0;
+            if (!immediate) {
+                ghost2d(stage, actor);
+                Orv2dPoint delta(current.x - start.x, current.y - start.y);
+                if (delta.x || delta.y) {
+                    actor->beginDrawing(1);
+                    validate2d(actor, stage, delta);
+                    actor->flushDrawing(1);
+                }
+            }
+            active = 0;
+            return 1;
+        default:
+            return 0;
     }
 }
 
@@ -279,31 +293,31 @@ int OrvReshapeRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* st
     Orv2dPoint p(event.x, event.y);
     if (stage->transformer) stage->transformer->inverse(p);
     switch (event.type) {
-    case OrvButtonDown:
-        box = symmetricBox(actor->bbox2d(nullptr), p);
-        active = 1;
-        ghost = box;
-        if (stage->transformer) stage->transformer->apply(ghost);
-        ghost2d(ghost, stage);
-        return 1;
-    case OrvButtonDragged:
-        if (!active) return 0;
-        ghost2d(ghost, stage);
-        box = symmetricBox(actor->bbox2d(nullptr), p);
-        ghost = box;
-        if (stage->transformer) stage->transformer->apply(ghost);
-        ghost2d(ghost, stage);
-        return 1;
-    case OrvButtonUp:
-        if (!active) return 0;
-        ghost2d(ghost, stage);
-        actor->beginDrawing(1);
-        validate2d(actor, stage, box);
-        actor->flushDrawing(1);
-        active = 0;
-        return 1;
-    default:
-        return 0;
+        case OrvButtonDown:
+            box = symmetricBox(actor->bbox2d(nullptr), p);
+            active = 1;
+            ghost = box;
+            if (stage->transformer) stage->transformer->apply(ghost);
+            ghost2d(ghost, stage);
+            return 1;
+        case OrvButtonDragged:
+            if (!active) return 0;
+            ghost2d(ghost, stage);
+            box = symmetricBox(actor->bbox2d(nullptr), p);
+            ghost = box;
+            if (stage->transformer) stage->transformer->apply(ghost);
+            ghost2d(ghost, stage);
+            return 1;
+        case OrvButtonUp:
+            if (!active) return 0;
+            ghost2d(ghost, stage);
+            actor->beginDrawing(1);
+            validate2d(actor, stage, box);
+            actor->flushDrawing(1);
+            active = 0;
+            return 1;
+        default:
+            return 0;
     }
 }
 

@@ -11,7 +11,9 @@
 #include "orv/stage.h"
 #include "route_internal.h"
 
-static int OrvIsUsable(const OrvActor* a) { return a && a->isSensitive() && a->isVisible(); }
+static int OrvIsUsable(const OrvActor* a) {
+    return a && a->isSensitive() && a->isVisible();
+}
 
 // What "send to" means for an actor: its role's answer, 0 without a role.
 static int OrvSendToRole(OrvActor* a, const OrvEvent& event, OrvStage* stage) {
@@ -114,80 +116,80 @@ int OrvStage::dispatchToActors(const OrvEvent& event) {
     }
     Orv2dPoint p(event.x, event.y);
     switch (event.type) {
-    case OrvKeyUp:
-    case OrvKeyDown: {
-        if (!E && !F) return nofocusDispatch(event);
-        if (F) return OrvSendToRole(F, event, this);
-        OrvActor* hit = contains(p, nullptr, 1, nullptr);
-        if (!hit || !OrvIsUsable(hit)) return 0;
-        return OrvSendToRole(hit, event, this);
-    }
-    case OrvButtonUp:
-    case OrvButtonDragged:
-        if (!E && !F) return nofocusDispatch(event);
-        if (F) return OrvSendToRole(F, event, this);
-        return 0;
-    case OrvButtonDown: {
-        if (!E && !F) return nofocusDispatch(event);
-        OrvActor* a = (E || !F) ? contains(p, nullptr, 1, nullptr) : F;
-        if (!OrvIsUsable(a)) a = nullptr;
-        if (!a || !a->getRole()) {
-            setFocus(nullptr);
-            return 0;
+        case OrvKeyUp:
+        case OrvKeyDown: {
+            if (!E && !F) return nofocusDispatch(event);
+            if (F) return OrvSendToRole(F, event, this);
+            OrvActor* hit = contains(p, nullptr, 1, nullptr);
+            if (!hit || !OrvIsUsable(hit)) return 0;
+            return OrvSendToRole(hit, event, this);
         }
-        setFocus(a);
-        return OrvSendToRole(a, event, this);
-    }
-    case OrvDoubleClick: {
-        OrvActor* hit = contains(p, nullptr, 1, nullptr);
-        if (!OrvIsUsable(hit)) return 0;
-        return OrvSendToRole(hit, event, this);
-    }
-    case OrvPointerMoved: {
-        OrvActor* old = pointerActor;
-        OrvActor* a = contains(p, nullptr, 1, nullptr);
-        if (!OrvIsUsable(a)) a = nullptr;
-        setHighlighted(p, a);
-        pointerActor = a;
-        if (a == old) {
+        case OrvButtonUp:
+        case OrvButtonDragged:
+            if (!E && !F) return nofocusDispatch(event);
+            if (F) return OrvSendToRole(F, event, this);
+            return 0;
+        case OrvButtonDown: {
+            if (!E && !F) return nofocusDispatch(event);
+            OrvActor* a = (E || !F) ? contains(p, nullptr, 1, nullptr) : F;
+            if (!OrvIsUsable(a)) a = nullptr;
+            if (!a || !a->getRole()) {
+                setFocus(nullptr);
+                return 0;
+            }
+            setFocus(a);
+            return OrvSendToRole(a, event, this);
+        }
+        case OrvDoubleClick: {
+            OrvActor* hit = contains(p, nullptr, 1, nullptr);
+            if (!OrvIsUsable(hit)) return 0;
+            return OrvSendToRole(hit, event, this);
+        }
+        case OrvPointerMoved: {
+            OrvActor* old = pointerActor;
+            OrvActor* a = contains(p, nullptr, 1, nullptr);
+            if (!OrvIsUsable(a)) a = nullptr;
+            setHighlighted(p, a);
+            pointerActor = a;
+            if (a == old) {
+                if (!a) return 0;
+                OrvRole* role = a->getRole();
+                if (role && role->allowPointerMoved()) return role->input2d(a, event, this) != 0;
+                return 0;
+            }
+            if (old && old->getRole()) {
+                OrvEvent leave = event;
+                leave.type = OrvLeaveActor;
+                old->getRole()->input2d(old, leave, this);
+            }
             if (!a) return 0;
-            OrvRole* role = a->getRole();
-            if (role && role->allowPointerMoved()) return role->input2d(a, event, this) != 0;
+            if (a->getRole()) {
+                OrvEvent enter = event;
+                enter.type = OrvEnterActor;
+                return a->getRole()->input2d(a, enter, this) != 0;
+            }
             return 0;
         }
-        if (old && old->getRole()) {
-            OrvEvent leave = event;
-            leave.type = OrvLeaveActor;
-            old->getRole()->input2d(old, leave, this);
-        }
-        if (!a) return 0;
-        if (a->getRole()) {
-            OrvEvent enter = event;
-            enter.type = OrvEnterActor;
-            return a->getRole()->input2d(a, enter, this) != 0;
-        }
-        return 0;
-    }
-    default:
-        return 0;
+        default:
+            return 0;
     }
 }
 
 int OrvStage::nofocusDispatch(const OrvEvent& event) {
     OrvActor* target;
     switch (event.type) {
-    case OrvButtonUp:
-    case OrvButtonDragged:
-        target = pressedActor;
-        break;
-    case OrvKeyUp:
-    case OrvKeyDown:
-    case OrvButtonDown:
-    case OrvDoubleClick:
-        target = contains(Orv2dPoint(event.x, event.y), nullptr, 0, nullptr);
-        break;
-    default:
-        return 0;
+        case OrvButtonUp:
+        case OrvButtonDragged:
+            target = pressedActor;
+            break;
+        case OrvKeyUp:
+        case OrvKeyDown:
+        case OrvButtonDown:
+        case OrvDoubleClick:
+            target = contains(Orv2dPoint(event.x, event.y), nullptr, 0, nullptr);
+            break;
+        default:
+            return 0;
     }
     if (event.type == OrvButtonDown && !(event.modifiers & 0xF)) pressedActor = target;
     if (!target || !target->isSensitive() || !target->getRole()) return 0;
@@ -207,8 +209,12 @@ static void OrvSendFocusEvent(OrvStage* stage, OrvActor* actor, OrvEventType typ
     role->input2d(actor, event, stage);
 }
 
-void OrvStage::sendFocusIn(OrvActor* actor) { OrvSendFocusEvent(this, actor, OrvFocusIn); }
-void OrvStage::sendFocusOut(OrvActor* actor) { OrvSendFocusEvent(this, actor, OrvFocusOut); }
+void OrvStage::sendFocusIn(OrvActor* actor) {
+    OrvSendFocusEvent(this, actor, OrvFocusIn);
+}
+void OrvStage::sendFocusOut(OrvActor* actor) {
+    OrvSendFocusEvent(this, actor, OrvFocusOut);
+}
 
 void OrvStage::setFocus(OrvActor* actor) {
     if (!focusEnabled) return;
@@ -229,7 +235,9 @@ void OrvStage::setFocus(OrvActor* actor) {
     flushDrawing(1);
 }
 
-static int OrvCanTakeFocus(const OrvActor* a) { return a->getRole() && OrvIsUsable(a); }
+static int OrvCanTakeFocus(const OrvActor* a) {
+    return a->getRole() && OrvIsUsable(a);
+}
 
 // Reading order: by y, then by x.
 static int OrvCompareReading(const Orv2dRect& a, const Orv2dRect& b) {
@@ -292,7 +300,9 @@ void OrvStage::moveFocusBefore() {
 // Highlight
 // ---------------------------------------------------------------------------
 
-OrvActor* OrvStage::getHighlighted() const { return highlightedActor; }
+OrvActor* OrvStage::getHighlighted() const {
+    return highlightedActor;
+}
 
 void OrvStage::setHighlighted(const Orv2dPoint& point, OrvActor* actor) {
     OrvDirector* d = director;
@@ -415,7 +425,9 @@ void OrvStage::remove(OrvProducer* p) {
     if (p && p == producer) setProducer(nullptr);
 }
 
-OrvProducer* OrvStage::getProducer() const { return producer; }
+OrvProducer* OrvStage::getProducer() const {
+    return producer;
+}
 
 void OrvStage::releaseInput() {
     if (OrvGetHighlightStage(director) == this) OrvSetHighlightStage(director, nullptr);

@@ -15,11 +15,16 @@ OrvEllipse::OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* 
 
 OrvEllipse::OrvEllipse(const OrvEllipse& source) : OrvActor(source), rect(source.rect) {}
 
-OrvActor* OrvEllipse::copy() const { return new OrvEllipse(*this); }
-OrvClassInfo* OrvEllipse::classInfo() const { return _classInfo; }
+OrvActor* OrvEllipse::copy() const {
+    return new OrvEllipse(*this);
+}
+OrvClassInfo* OrvEllipse::classInfo() const {
+    return _classInfo;
+}
 
 static unsigned long isPie(const OrvEllipse* e) {
-    return e->isFilled() && e->makeUp && e->makeUp->arcMode() == 0 && e->endAngle() - e->startAngle() < 360;
+    return e->isFilled() && e->makeUp && e->makeUp->arcMode() == 0 &&
+           e->endAngle() - e->startAngle() < 360;
 }
 
 Orv2dRect OrvEllipse::bbox2d(const Orv2dMatrix* matrix) const {
@@ -29,7 +34,8 @@ Orv2dRect OrvEllipse::bbox2d(const Orv2dMatrix* matrix) const {
         if (matrix) matrix->apply(r);
         OrvComputeArcBBox(r, startAngle(), endAngle(), box);
         // A pie reaches the centre, which the arc's own box may leave out.
-        if (isPie(this)) box.extendBy(Orv2dRect(r.x + (int32_t)(r.w >> 1), r.y + (int32_t)(r.h >> 1), 1, 1));
+        if (isPie(this))
+            box.extendBy(Orv2dRect(r.x + (int32_t)(r.w >> 1), r.y + (int32_t)(r.h >> 1), 1, 1));
     } else {
         unsigned n = 0;
         Orv2dPoint* p = OrvEllipsePoints(rect, startAngle(), endAngle(), isPie(this), matrix, n);
@@ -48,7 +54,9 @@ void OrvEllipse::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
     canvas->polyLine(makeUp, n, p, isFilled());
 }
 
-void OrvEllipse::apply2d(const Orv2dMatrix& matrix) { matrix.apply(rect); }
+void OrvEllipse::apply2d(const Orv2dMatrix& matrix) {
+    matrix.apply(rect);
+}
 
 unsigned long OrvEllipse::contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
     if (isSelected() && dragger2d(point, matrix)) return 1;
@@ -59,7 +67,9 @@ unsigned long OrvEllipse::contains2d(const Orv2dPoint& point, const Orv2dMatrix*
     } else if (!matrix->inverse(p)) {
         return 0;
     }
-    if (isFilled()) return OrvPointInFilledArc(p, r, startAngle(), endAngle(), (OrvArcMode)(makeUp ? makeUp->arcMode() : 0));
+    if (isFilled())
+        return OrvPointInFilledArc(p, r, startAngle(), endAngle(),
+                                   (OrvArcMode)(makeUp ? makeUp->arcMode() : 0));
     return OrvPointInArc(p, r, startAngle(), endAngle());
 }
 
@@ -75,18 +85,26 @@ OrvFilledEllipse::OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect,
 
 OrvFilledEllipse::OrvFilledEllipse(const OrvFilledEllipse& source) : OrvEllipse(source) {}
 
-OrvActor* OrvFilledEllipse::copy() const { return new OrvFilledEllipse(*this); }
-OrvClassInfo* OrvFilledEllipse::classInfo() const { return _classInfo; }
+OrvActor* OrvFilledEllipse::copy() const {
+    return new OrvFilledEllipse(*this);
+}
+OrvClassInfo* OrvFilledEllipse::classInfo() const {
+    return _classInfo;
+}
 
-OrvArc::OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end, unsigned long filled,
-               OrvMakeUp* makeUp)
+OrvArc::OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end,
+               unsigned long filled, OrvMakeUp* makeUp)
     : OrvEllipse(director, rect, makeUp), start(start), end(end), filled(filled) {}
 
 OrvArc::OrvArc(const OrvArc& source)
     : OrvEllipse(source), start(source.start), end(source.end), filled(source.filled) {}
 
-OrvActor* OrvArc::copy() const { return new OrvArc(*this); }
-OrvClassInfo* OrvArc::classInfo() const { return _classInfo; }
+OrvActor* OrvArc::copy() const {
+    return new OrvArc(*this);
+}
+OrvClassInfo* OrvArc::classInfo() const {
+    return _classInfo;
+}
 
 void OrvArc::setAngles(float s, float e) {
     if (s == start && e == end) return;

@@ -30,7 +30,9 @@ Orv2dRect OrvPointsBox(unsigned n, const Orv2dPoint* points) {
     return Orv2dRect(x0, y0, (uint32_t)((int64_t)x1 - x0), (uint32_t)((int64_t)y1 - y0));
 }
 
-int OrvHalfLineWidth(const OrvMakeUp* makeUp) { return makeUp ? makeUp->lineWidth() / 2 : 0; }
+int OrvHalfLineWidth(const OrvMakeUp* makeUp) {
+    return makeUp ? makeUp->lineWidth() / 2 : 0;
+}
 
 Orv2dPoint* OrvEllipsePoints(const Orv2dRect& rect, float start, float end, unsigned long pie,
                              const Orv2dMatrix* m, unsigned& count) {
@@ -45,7 +47,8 @@ Orv2dPoint* OrvEllipsePoints(const Orv2dRect& rect, float start, float end, unsi
     count = 0;
     for (unsigned i = 0; i <= steps; i++) {
         double a = (start + sweep * i / steps) * ORV_DEG_TO_RAD;
-        points[count++] = OrvMapPoint(Orv2dPoint(OrvRound(cx + std::cos(a) * rx), OrvRound(cy - std::sin(a) * ry)), m);
+        points[count++] = OrvMapPoint(
+            Orv2dPoint(OrvRound(cx + std::cos(a) * rx), OrvRound(cy - std::sin(a) * ry)), m);
     }
     if (pie) points[count++] = OrvMapPoint(Orv2dPoint(OrvRound(cx), OrvRound(cy)), m);
     return points;

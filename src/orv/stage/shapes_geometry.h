@@ -37,7 +37,9 @@ inline Orv2dPoint OrvMapPoint(const Orv2dPoint& p, const Orv2dMatrix* m) {
 }
 
 // Whether the matrix keeps axis-aligned shapes axis-aligned.
-inline bool OrvKeepsAxes(const Orv2dMatrix* m) { return !m || m->diagonal; }
+inline bool OrvKeepsAxes(const Orv2dMatrix* m) {
+    return !m || m->diagonal;
+}
 
 // Points along the ellipse in rect from start to end degrees (counter-clockwise
 // on a y-down screen), mapped; with pie, the centre closes the path.

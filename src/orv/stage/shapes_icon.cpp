@@ -15,7 +15,7 @@ static int serverLsbFirst(OrvBitmap* probeSource) {
     static int known = -1;
     if (known >= 0) return known;
     OrvBitmap probe(probeSource, 8, 1, 1);
-    const unsigned char leftmost = 0x80; // x = 0 set, written most significant first
+    const unsigned char leftmost = 0x80;  // x = 0 set, written most significant first
     probe.setBits(Orv2dRect(0, 0, 8, 1), &leftmost, 1, 8, 0);
     unsigned long size = 0;
     unsigned char* bits = probe.getBits(size, Orv2dRect(0, 0, 8, 1));
@@ -24,14 +24,17 @@ static int serverLsbFirst(OrvBitmap* probeSource) {
     return known;
 }
 
-OrvIcon::OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point, OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), bitmap(bitmap), point(point), maskBits(nullptr), maskBytesPerLine(0) {
+OrvIcon::OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point,
+                 OrvMakeUp* makeUp)
+    : OrvActor(director, makeUp), bitmap(bitmap), point(point), maskBits(nullptr),
+      maskBytesPerLine(0) {
     if (bitmap) bitmap->lock();
     readMask();
 }
 
 OrvIcon::OrvIcon(const OrvIcon& source)
-    : OrvActor(source), bitmap(source.bitmap), point(source.point), maskBits(nullptr), maskBytesPerLine(0) {
+    : OrvActor(source), bitmap(source.bitmap), point(source.point), maskBits(nullptr),
+      maskBytesPerLine(0) {
     if (bitmap) bitmap->lock();
     readMask();
 }
@@ -41,8 +44,12 @@ OrvIcon::~OrvIcon() {
     if (bitmap) bitmap->unLock();
 }
 
-OrvActor* OrvIcon::copy() const { return new OrvIcon(*this); }
-OrvClassInfo* OrvIcon::classInfo() const { return _classInfo; }
+OrvActor* OrvIcon::copy() const {
+    return new OrvIcon(*this);
+}
+OrvClassInfo* OrvIcon::classInfo() const {
+    return _classInfo;
+}
 
 void OrvIcon::readMask() {
     free(maskBits);
@@ -74,11 +81,14 @@ Orv2dRect OrvIcon::bbox2d(const Orv2dMatrix* matrix) const {
 void OrvIcon::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
     if (!bitmap) return;
     Orv2dPoint origin = OrvMapPoint(point, matrix);
-    canvas->bitblit(makeUp, bitmap, Orv2dRect(0, 0, (uint32_t)bitmap->width, (uint32_t)bitmap->height), origin,
+    canvas->bitblit(makeUp, bitmap,
+                    Orv2dRect(0, 0, (uint32_t)bitmap->width, (uint32_t)bitmap->height), origin,
                     bitmap->mask ? 1 : 0);
 }
 
-void OrvIcon::apply2d(const Orv2dMatrix& matrix) { matrix.apply(point); }
+void OrvIcon::apply2d(const Orv2dMatrix& matrix) {
+    matrix.apply(point);
+}
 
 unsigned long OrvIcon::contains2d(const Orv2dPoint& p, const Orv2dMatrix* matrix) {
     if (isSelected() && dragger2d(p, matrix)) return 1;

@@ -18,19 +18,25 @@ static char* copyText(const char* text) {
     return copy;
 }
 
-OrvLabel::OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point, OrvPosition alignment,
-                   OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment), extentText(nullptr),
-      extentMakeUp(nullptr) {}
-
-OrvLabel::OrvLabel(const OrvLabel& source)
-    : OrvActor(source), text(copyText(source.text)), point(source.point), alignment(source.alignment),
+OrvLabel::OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point,
+                   OrvPosition alignment, OrvMakeUp* makeUp)
+    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment),
       extentText(nullptr), extentMakeUp(nullptr) {}
 
-OrvLabel::~OrvLabel() { free(text); }
+OrvLabel::OrvLabel(const OrvLabel& source)
+    : OrvActor(source), text(copyText(source.text)), point(source.point),
+      alignment(source.alignment), extentText(nullptr), extentMakeUp(nullptr) {}
 
-OrvActor* OrvLabel::copy() const { return new OrvLabel(*this); }
-OrvClassInfo* OrvLabel::classInfo() const { return _classInfo; }
+OrvLabel::~OrvLabel() {
+    free(text);
+}
+
+OrvActor* OrvLabel::copy() const {
+    return new OrvLabel(*this);
+}
+OrvClassInfo* OrvLabel::classInfo() const {
+    return _classInfo;
+}
 
 // Relative to the baseline origin: y is minus the ascent.
 Orv2dRect OrvLabel::textExtent() const {
@@ -66,7 +72,9 @@ Orv2dRect OrvLabel::textBox(const Orv2dMatrix* matrix, Orv2dPoint* baseline) con
     return Orv2dRect(left, base + extent.y, extent.w, extent.h);
 }
 
-Orv2dRect OrvLabel::bbox2d(const Orv2dMatrix* matrix) const { return textBox(matrix, nullptr); }
+Orv2dRect OrvLabel::bbox2d(const Orv2dMatrix* matrix) const {
+    return textBox(matrix, nullptr);
+}
 
 void OrvLabel::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
     if (!*text) return;
@@ -75,7 +83,9 @@ void OrvLabel::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
     canvas->string(makeUp, baseline, text, 0, OrvLeft, 0, nullptr);
 }
 
-void OrvLabel::apply2d(const Orv2dMatrix& matrix) { matrix.apply(point); }
+void OrvLabel::apply2d(const Orv2dMatrix& matrix) {
+    matrix.apply(point);
+}
 
 unsigned long OrvLabel::contains2d(const Orv2dPoint& p, const Orv2dMatrix* matrix) {
     if (isSelected() && dragger2d(p, matrix)) return 1;

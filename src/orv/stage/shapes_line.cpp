@@ -7,13 +7,18 @@
 ORV_DEFINE_CLASS_INIT(OrvLine, "OrvActor", OrvLine::read)
 ORV_DEFINE_CLASS_INIT(OrvArrowLine, "OrvLine", OrvArrowLine::read)
 
-OrvLine::OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp)
+OrvLine::OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
+                 OrvMakeUp* makeUp)
     : OrvActor(director, makeUp), from(from), to(to) {}
 
 OrvLine::OrvLine(const OrvLine& source) : OrvActor(source), from(source.from), to(source.to) {}
 
-OrvActor* OrvLine::copy() const { return new OrvLine(*this); }
-OrvClassInfo* OrvLine::classInfo() const { return _classInfo; }
+OrvActor* OrvLine::copy() const {
+    return new OrvLine(*this);
+}
+OrvClassInfo* OrvLine::classInfo() const {
+    return _classInfo;
+}
 
 // One pixel more than the stroke, so that a vertical or horizontal line still
 // has a box with area to repaint.
@@ -22,7 +27,9 @@ Orv2dRect OrvLine::bbox2d(const Orv2dMatrix* matrix) const {
                        OrvHalfLineWidth(makeUp) + 1);
 }
 
-void OrvLine::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) { canvas->line(makeUp, from, to, matrix); }
+void OrvLine::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
+    canvas->line(makeUp, from, to, matrix);
+}
 
 void OrvLine::apply2d(const Orv2dMatrix& matrix) {
     matrix.apply(from);
@@ -42,14 +49,18 @@ void OrvLine::setPoints(const Orv2dPoint& f, const Orv2dPoint& t) {
     flushDrawing(1);
 }
 
-OrvArrowLine::OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to, OrvMakeUp* makeUp,
-                           unsigned long arrows)
+OrvArrowLine::OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
+                           OrvMakeUp* makeUp, unsigned long arrows)
     : OrvLine(director, from, to, makeUp), arrows(arrows) {}
 
 OrvArrowLine::OrvArrowLine(const OrvArrowLine& source) : OrvLine(source), arrows(source.arrows) {}
 
-OrvActor* OrvArrowLine::copy() const { return new OrvArrowLine(*this); }
-OrvClassInfo* OrvArrowLine::classInfo() const { return _classInfo; }
+OrvActor* OrvArrowLine::copy() const {
+    return new OrvArrowLine(*this);
+}
+OrvClassInfo* OrvArrowLine::classInfo() const {
+    return _classInfo;
+}
 
 void OrvArrowLine::head(unsigned long atEnd, const Orv2dMatrix* matrix, Orv2dPoint out[3]) const {
     Orv2dPoint f = OrvMapPoint(from, matrix), t = OrvMapPoint(to, matrix);

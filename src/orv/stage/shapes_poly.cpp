@@ -24,10 +24,16 @@ Orv2dPolyline::Orv2dPolyline(OrvDirector* director, unsigned int count, const Or
 Orv2dPolyline::Orv2dPolyline(const Orv2dPolyline& source)
     : OrvActor(source), count(source.count), points(copyPoints(source.count, source.points)) {}
 
-Orv2dPolyline::~Orv2dPolyline() { free((void*)points); }
+Orv2dPolyline::~Orv2dPolyline() {
+    free((void*)points);
+}
 
-OrvActor* Orv2dPolyline::copy() const { return new Orv2dPolyline(*this); }
-OrvClassInfo* Orv2dPolyline::classInfo() const { return _classInfo; }
+OrvActor* Orv2dPolyline::copy() const {
+    return new Orv2dPolyline(*this);
+}
+OrvClassInfo* Orv2dPolyline::classInfo() const {
+    return _classInfo;
+}
 
 Orv2dPoint* Orv2dPolyline::mapped(const Orv2dMatrix* matrix) const {
     Orv2dPoint* p = OrvShapePoints(count + 1);
@@ -64,7 +70,8 @@ Orv2dDragger* Orv2dPolyline::dragger2d(const Orv2dPoint& point, const Orv2dMatri
     unsigned int n = 0;
     Orv2dPoint* p = draggerVertex2d(n, matrix);
     for (unsigned int i = 0; i < n; i++) {
-        Orv2dRect square(p[i].x - ORV_HANDLE_SIZE / 2, p[i].y - ORV_HANDLE_SIZE / 2, ORV_HANDLE_SIZE, ORV_HANDLE_SIZE);
+        Orv2dRect square(p[i].x - ORV_HANDLE_SIZE / 2, p[i].y - ORV_HANDLE_SIZE / 2,
+                         ORV_HANDLE_SIZE, ORV_HANDLE_SIZE);
         if (!square.contains(point)) continue;
         // A vertex is no side of a box: its handle is the centre kind.
         Orv2dDragger& d = _default2dDragger;
@@ -97,10 +104,15 @@ Orv2dPolygon::Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2
                            unsigned long filled, OrvMakeUp* makeUp)
     : Orv2dPolyline(director, count, points, makeUp), filled(filled) {}
 
-Orv2dPolygon::Orv2dPolygon(const Orv2dPolygon& source) : Orv2dPolyline(source), filled(source.filled) {}
+Orv2dPolygon::Orv2dPolygon(const Orv2dPolygon& source)
+    : Orv2dPolyline(source), filled(source.filled) {}
 
-OrvActor* Orv2dPolygon::copy() const { return new Orv2dPolygon(*this); }
-OrvClassInfo* Orv2dPolygon::classInfo() const { return _classInfo; }
+OrvActor* Orv2dPolygon::copy() const {
+    return new Orv2dPolygon(*this);
+}
+OrvClassInfo* Orv2dPolygon::classInfo() const {
+    return _classInfo;
+}
 
 void Orv2dPolygon::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
     if (!count) return;
@@ -109,7 +121,7 @@ void Orv2dPolygon::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
         canvas->polyLine(makeUp, count, p, 1);
         return;
     }
-    p[count] = p[0]; // mapped leaves room for the closing point
+    p[count] = p[0];  // mapped leaves room for the closing point
     canvas->polyLine(makeUp, count + 1, p, 0);
 }
 

@@ -9,20 +9,26 @@
 ORV_DEFINE_CLASS_INIT(OrvRectangle, "OrvActor", OrvRectangle::read)
 ORV_DEFINE_CLASS_INIT(OrvFilledRectangle, "OrvRectangle", OrvFilledRectangle::read)
 
-OrvRectangle::OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp, unsigned short radius)
+OrvRectangle::OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp,
+                           unsigned short radius)
     : OrvActor(director, makeUp), rect(rect), radius(radius) {}
 
 OrvRectangle::OrvRectangle(const OrvRectangle& source)
     : OrvActor(source), rect(source.rect), radius(source.radius) {}
 
-OrvActor* OrvRectangle::copy() const { return new OrvRectangle(*this); }
-OrvClassInfo* OrvRectangle::classInfo() const { return _classInfo; }
+OrvActor* OrvRectangle::copy() const {
+    return new OrvRectangle(*this);
+}
+OrvClassInfo* OrvRectangle::classInfo() const {
+    return _classInfo;
+}
 
 Orv2dPoint* OrvRectangle::outline(const Orv2dMatrix* matrix, unsigned& count) const {
     unsigned r = radius;
     if (r > rect.w / 2) r = rect.w / 2;
     if (r > rect.h / 2) r = rect.h / 2;
-    int32_t left = rect.x, top = rect.y, right = (int32_t)rect.right(), bottom = (int32_t)rect.bottom();
+    int32_t left = rect.x, top = rect.y, right = (int32_t)rect.right(),
+            bottom = (int32_t)rect.bottom();
     if (r == 0) {
         Orv2dPoint* p = OrvShapePoints(4);
         p[0] = OrvMapPoint(Orv2dPoint(left, top), matrix);
@@ -34,14 +40,17 @@ Orv2dPoint* OrvRectangle::outline(const Orv2dMatrix* matrix, unsigned& count) co
     }
     // Quarter circles counter-clockwise from the top right corner.
     const unsigned steps = 8;
-    const int32_t cx[4] = {right - (int32_t)r, left + (int32_t)r, left + (int32_t)r, right - (int32_t)r};
-    const int32_t cy[4] = {top + (int32_t)r, top + (int32_t)r, bottom - (int32_t)r, bottom - (int32_t)r};
+    const int32_t cx[4] = {right - (int32_t)r, left + (int32_t)r, left + (int32_t)r,
+                           right - (int32_t)r};
+    const int32_t cy[4] = {top + (int32_t)r, top + (int32_t)r, bottom - (int32_t)r,
+                           bottom - (int32_t)r};
     Orv2dPoint* p = OrvShapePoints(4 * (steps + 1));
     count = 0;
     for (unsigned corner = 0; corner < 4; corner++) {
         for (unsigned i = 0; i <= steps; i++) {
             double a = (90.0 * corner + 90.0 * i / steps) * ORV_DEG_TO_RAD;
-            Orv2dPoint q(cx[corner] + OrvRound(std::cos(a) * r), cy[corner] - OrvRound(std::sin(a) * r));
+            Orv2dPoint q(cx[corner] + OrvRound(std::cos(a) * r),
+                         cy[corner] - OrvRound(std::sin(a) * r));
             p[count++] = OrvMapPoint(q, matrix);
         }
     }
@@ -69,14 +78,16 @@ void OrvRectangle::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
     unsigned n = 0;
     Orv2dPoint* p = outline(matrix, n);
     if (!isFilled()) {
-        p = OrvShapePoints(n + 1); // the same array, kept when it grows
+        p = OrvShapePoints(n + 1);  // the same array, kept when it grows
         p[n] = p[0];
         n++;
     }
     canvas->polyLine(makeUp, n, p, isFilled());
 }
 
-void OrvRectangle::apply2d(const Orv2dMatrix& matrix) { matrix.apply(rect); }
+void OrvRectangle::apply2d(const Orv2dMatrix& matrix) {
+    matrix.apply(rect);
+}
 
 unsigned long OrvRectangle::contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) {
     if (isSelected() && dragger2d(point, matrix)) return 1;
@@ -111,11 +122,15 @@ void OrvRectangle::setRadius(unsigned short r) {
     flushDrawing(1);
 }
 
-OrvFilledRectangle::OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp,
-                                       unsigned short radius)
+OrvFilledRectangle::OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect,
+                                       OrvMakeUp* makeUp, unsigned short radius)
     : OrvRectangle(director, rect, makeUp, radius) {}
 
 OrvFilledRectangle::OrvFilledRectangle(const OrvFilledRectangle& source) : OrvRectangle(source) {}
 
-OrvActor* OrvFilledRectangle::copy() const { return new OrvFilledRectangle(*this); }
-OrvClassInfo* OrvFilledRectangle::classInfo() const { return _classInfo; }
+OrvActor* OrvFilledRectangle::copy() const {
+    return new OrvFilledRectangle(*this);
+}
+OrvClassInfo* OrvFilledRectangle::classInfo() const {
+    return _classInfo;
+}

@@ -27,9 +27,13 @@ OrvStageLayer* OrvStage::layer(unsigned int n, unsigned long create) const {
     return last;
 }
 
-OrvStageLayer* OrvStage::getLayer(const OrvActor* actor) const { return layer(actor->layer, 0); }
+OrvStageLayer* OrvStage::getLayer(const OrvActor* actor) const {
+    return layer(actor->layer, 0);
+}
 
-unsigned long OrvStage::isLink(const OrvActor* actor) const { return actor->getProperty(OrvLinkBit); }
+unsigned long OrvStage::isLink(const OrvActor* actor) const {
+    return actor->getProperty(OrvLinkBit);
+}
 
 // The steps after the actor entered its layer: container, layer number,
 // painting, role, selection and the hooks.
@@ -105,7 +109,8 @@ unsigned long OrvStage::makeLayer(OrvActor* actor, unsigned short n) {
     // an actor lives in one layer of a stage, so the old one cannot hold it,
     // and a large old layer need not be searched to learn that.
     OrvStageLayer* target = layer(n, 0);
-    if (target && target != old && target->count && target->actors[target->count - 1] == actor) return 0;
+    if (target && target != old && target->count && target->actors[target->count - 1] == actor)
+        return 0;
     if (!old->remove(actor)) return 0;
     layer(n, 1)->append(actor);
     return 1;
@@ -116,8 +121,8 @@ unsigned long OrvStage::isVisible(const OrvActor* actor) const {
     return l && l->visible && actor->isVisible();
 }
 
-OrvActor* OrvStage::contains(const Orv2dPoint& point, const Orv2dMatrix* matrix, unsigned long withRole,
-                             const char* type) const {
+OrvActor* OrvStage::contains(const Orv2dPoint& point, const Orv2dMatrix* matrix,
+                             unsigned long withRole, const char* type) const {
     if (!matrix) matrix = transformer;
     // The highest layer answers first.
     for (int n = (int)layers.length() - 1; n >= 0; n--) {
@@ -127,8 +132,8 @@ OrvActor* OrvStage::contains(const Orv2dPoint& point, const Orv2dMatrix* matrix,
     return nullptr;
 }
 
-OrvActor* OrvStage::containsDragger(const Orv2dPoint& point, const Orv2dMatrix* matrix, unsigned long withRole,
-                                    const char* type) const {
+OrvActor* OrvStage::containsDragger(const Orv2dPoint& point, const Orv2dMatrix* matrix,
+                                    unsigned long withRole, const char* type) const {
     if (!matrix) matrix = transformer;
     for (int n = (int)layers.length() - 1; n >= 0; n--) {
         OrvActor* actor = layer((unsigned int)n, 0)->containsDragger(point, matrix, withRole, type);
@@ -138,7 +143,8 @@ OrvActor* OrvStage::containsDragger(const Orv2dPoint& point, const Orv2dMatrix* 
 }
 
 void OrvStage::apply(void (*function)(OrvActor*, void*), void* data) {
-    for (OrvLink* l = layers.first; l; l = l->next) ((OrvStageLayer*)l->value)->apply(function, data);
+    for (OrvLink* l = layers.first; l; l = l->next)
+        ((OrvStageLayer*)l->value)->apply(function, data);
 }
 
 void OrvStage::applyToSelections(void (*function)(OrvActor*, void*), void* data) {

@@ -11,57 +11,58 @@
 
 class _OrvLine_ {
 public:
-  explicit _OrvLine_(std::ostream& out) : out(out), n(0) {}
-  ~_OrvLine_() { flush(); }
+    explicit _OrvLine_(std::ostream& out) : out(out), n(0) {}
+    ~_OrvLine_() { flush(); }
 
-  _OrvLine_& add(const char* s) {
-    for (size_t k = strlen(s); k;) {
-      if (n == sizeof text) flush();
-      size_t part = k < sizeof text - n ? k : sizeof text - n;
-      memcpy(text + n, s, part);
-      n += part;
-      s += part;
-      k -= part;
+    _OrvLine_& add(const char* s) {
+        for (size_t k = strlen(s); k;) {
+            if (n == sizeof text) flush();
+            size_t part = k < sizeof text - n ? k : sizeof text - n;
+            memcpy(text + n, s, part);
+            n += part;
+            s += part;
+            k -= part;
+        }
+        return *this;
     }
-    return *this;
-  }
-  _OrvLine_& add(char c) {
-    if (n == sizeof text) flush();
-    text[n++] = c;
-    return *this;
-  }
-  _OrvLine_& add(unsigned long v) {
-    char digits[24];
-    int k = 0;
-    do {
-      digits[k++] = (char)('0' + v % 10);
-      v /= 10;
-    } while (v);
-    while (k) add(digits[--k]);
-    return *this;
-  }
-  _OrvLine_& add(long v) {
-    if (v < 0) {
-      add('-');
-      return add(0ul - (unsigned long)v);
+    _OrvLine_& add(char c) {
+        if (n == sizeof text) flush();
+        text[n++] = c;
+        return *this;
     }
-    return add((unsigned long)v);
-  }
-  _OrvLine_& add(double v) {
-    char digits[32];
-    snprintf(digits, sizeof digits, "%g", v);
-    return add((const char*)digits);
-  }
-  // The text so far goes to the stream; a short write marks it bad.
-  void flush() {
-    if (n && out.rdbuf()->sputn(text, (std::streamsize)n) != (std::streamsize)n) out.setstate(std::ios::badbit);
-    n = 0;
-  }
+    _OrvLine_& add(unsigned long v) {
+        char digits[24];
+        int k = 0;
+        do {
+            digits[k++] = (char)('0' + v % 10);
+            v /= 10;
+        } while (v);
+        while (k) add(digits[--k]);
+        return *this;
+    }
+    _OrvLine_& add(long v) {
+        if (v < 0) {
+            add('-');
+            return add(0ul - (unsigned long)v);
+        }
+        return add((unsigned long)v);
+    }
+    _OrvLine_& add(double v) {
+        char digits[32];
+        snprintf(digits, sizeof digits, "%g", v);
+        return add((const char*)digits);
+    }
+    // The text so far goes to the stream; a short write marks it bad.
+    void flush() {
+        if (n && out.rdbuf()->sputn(text, (std::streamsize)n) != (std::streamsize)n)
+            out.setstate(std::ios::badbit);
+        n = 0;
+    }
 
 private:
-  std::ostream& out;
-  char text[480];
-  size_t n;
+    std::ostream& out;
+    char text[480];
+    size_t n;
 };
 
 #endif

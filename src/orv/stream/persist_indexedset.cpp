@@ -4,27 +4,31 @@
 #include "orv/layer.h"
 #include "orv/stream.h"
 
-OrvActor* OrvIndexedSet::read(OrvIStream& stream) { return new OrvIndexedSet(stream); }
+OrvActor* OrvIndexedSet::read(OrvIStream& stream) {
+    return new OrvIndexedSet(stream);
+}
 
-static void writeMember(OrvActor* actor, void* data) { ((OrvOStream*)data)->write(actor); }
+static void writeMember(OrvActor* actor, void* data) {
+    ((OrvOStream*)data)->write(actor);
+}
 
 void OrvIndexedSet::write(OrvOStream& out) const {
-  OrvActor::write(out);
-  out << (unsigned int)quadtree->count;
-  quadtree->apply(writeMember, &out);
+    OrvActor::write(out);
+    out << (unsigned int)quadtree->count;
+    quadtree->apply(writeMember, &out);
 }
 
 OrvIndexedSet::OrvIndexedSet(OrvIStream& in)
     : OrvActor(in), quadtree(new OrvQuadtree(OrvDefaultQuadtreeMax, nullptr)), box() {
-  unsigned int count = 0;
-  in >> count;
-  // Members are read until the count is reached or one fails; a failure is
-  // seen by the reader, which then drops the whole set.
-  for (unsigned int i = 0; i < count && in.stream; i++) {
-    OrvActor* actor = in.read();
-    if (!actor) return;
-    quadtree->add(actor);
-  }
-  box.w = 0;
-  bbox2d(nullptr);
+    unsigned int count = 0;
+    in >> count;
+    // Members are read until the count is reached or one fails; a failure is
+    // seen by the reader, which then drops the whole set.
+    for (unsigned int i = 0; i < count && in.stream; i++) {
+        OrvActor* actor = in.read();
+        if (!actor) return;
+        quadtree->add(actor);
+    }
+    box.w = 0;
+    bbox2d(nullptr);
 }
