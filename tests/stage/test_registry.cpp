@@ -1,12 +1,6 @@
 // The class registry: records made at static initialisation, parents,
 // isSubtypeOf and its messages.
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "orv/actor.h"
-#include "orv/layer.h"
-#include "orv/shapes.h"
+#include "orv_fixtures.h"
 
 namespace {
 
@@ -81,29 +75,32 @@ TEST(Registry, RecordCopiesNamesAndNumbersInOrder) {
 
 TEST(Registry, IsSubtypeOfClimbsByRecords) {
     OrvFilledRectangle filled(nullptr, Orv2dRect(0, 0, 10, 10));
-    EXPECT_STREQ(filled.className(), "OrvFilledRectangle");
-    EXPECT_EQ(filled.isSubtypeOf("OrvFilledRectangle"), 1u);
-    EXPECT_EQ(filled.isSubtypeOf("OrvRectangle"), 1u);
-    EXPECT_EQ(filled.isSubtypeOf("OrvActor"), 1u);
-    EXPECT_EQ(filled.isSubtypeOf("OrvLine"), 0u);
-    EXPECT_EQ(filled.isSubtypeOf("OrvIndexedSet"), 0u);
-
     Orv2dPoint pts[2] = {Orv2dPoint(0, 0), Orv2dPoint(5, 5)};
     Orv2dPolygon polygon(nullptr, 2, pts);
-    EXPECT_EQ(polygon.isSubtypeOf("Orv2dPolyline"), 1u);
     OrvArc arc(nullptr, Orv2dRect(0, 0, 10, 10), 0, 90);
-    EXPECT_EQ(arc.isSubtypeOf("OrvEllipse"), 1u);
-    EXPECT_EQ(arc.isSubtypeOf("OrvFilledEllipse"), 0u);
-
     OrvActor plain(nullptr);
-    EXPECT_STREQ(plain.className(), "OrvActor");
-    EXPECT_EQ(plain.isSubtypeOf("OrvActor"), 1u);
-    EXPECT_EQ(plain.isSubtypeOf("OrvRectangle"), 0u);
-
     // A parent name under 3 characters ends the climb at the class itself.
     ShortParentActor shortParent;
-    EXPECT_EQ(shortParent.isSubtypeOf("ShortParentActor"), 1u);
-    EXPECT_EQ(shortParent.isSubtypeOf("OrvActor"), 0u);
+    const struct {
+        OrvActor* actor;
+        const char* type;
+        unsigned long is;
+    } cases[] = {{&filled, "OrvFilledRectangle", 1},
+                 {&filled, "OrvRectangle", 1},
+                 {&filled, "OrvActor", 1},
+                 {&filled, "OrvLine", 0},
+                 {&filled, "OrvIndexedSet", 0},
+                 {&polygon, "Orv2dPolyline", 1},
+                 {&arc, "OrvEllipse", 1},
+                 {&arc, "OrvFilledEllipse", 0},
+                 {&plain, "OrvActor", 1},
+                 {&plain, "OrvRectangle", 0},
+                 {&shortParent, "ShortParentActor", 1},
+                 {&shortParent, "OrvActor", 0}};
+    for (const auto& c : cases)
+        EXPECT_EQ(c.actor->isSubtypeOf(c.type), c.is) << c.actor->className() << " " << c.type;
+    EXPECT_STREQ(filled.className(), "OrvFilledRectangle");
+    EXPECT_STREQ(plain.className(), "OrvActor");
 }
 
 TEST(Registry, IsSubtypeOfReportsUnknownNames) {

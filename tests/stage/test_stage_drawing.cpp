@@ -1,56 +1,47 @@
-// The drawing cycle on the real X server: what a change repaints, and only that.
-#include "test_stage_support.h"
+// The drawing cycle on a real X server: what a change repaints and only that, nests, hooks, the
+// grid, exposure, resizing, transformers, double buffering and the buffered repaint.
+#include "orv_fixtures.h"
 
-#include <initializer_list>
-#include <string>
+static const unsigned long R = 0xff0000, B = 0x0000ff;
 
 // Runs each change with the window painted directly and through the bitmap.
-class StageChangeTest : public StageTest, public ::testing::WithParamInterface<bool> {
+class StageChangeTest : public StageTest, public testing::WithParamInterface<bool> {
 protected:
     std::vector<const OrvCanvas*> canvases;
     void SetUp() override {
         StageTest::SetUp();
         if (GetParam() && stage) stage->useDoubleBuffer(1);
     }
-    void track(std::initializer_list<TestBox*> boxes) {
-        for (TestBox* b : boxes) b->canvases = &canvases;
-    }
-    // With the bitmap, every draw went there and the window was never erased.
-    void checkTargets() {
-        if (!GetParam()) return;
-        EXPECT_EQ(0, stage->windowErases);
+    // One repaint since the last check, these draws, and with the bitmap every draw there and no
+    // erasure of the window.
+    void expectDraws(const std::vector<TestBox*>& boxes, const std::vector<int>& draws) {
+        EXPECT_EQ(1, stage->drawAlls);
+        for (size_t i = 0; i < boxes.size(); i++) EXPECT_EQ(draws[i], boxes[i]->draws) << i;
         for (const OrvCanvas* c : canvases)
-            EXPECT_EQ((const OrvCanvas*)stage->hasDoubleBuffer(), c);
+            EXPECT_EQ(GetParam() ? (const OrvCanvas*)stage->hasDoubleBuffer() : stage, c);
+        EXPECT_EQ(0, GetParam() ? stage->windowErases : 0);
         canvases.clear();
+        resetCounts(boxes);
     }
 };
-
-INSTANTIATE_TEST_SUITE_P(Buffering, StageChangeTest, ::testing::Values(false, true),
-                         [](const ::testing::TestParamInfo<bool>& info) {
-                             return std::string(info.param ? "DoubleBuffered" : "Direct");
+INSTANTIATE_TEST_SUITE_P(Buffering, StageChangeTest, testing::Values(false, true),
+                         [](const testing::TestParamInfo<bool>& p) {
+                             return std::string(p.param ? "DoubleBuffered" : "Direct");
                          });
 
-// Moving an actor repaints the union of its old and new boxes: actors there
-// are drawn again, actors elsewhere are not, and the pixels follow.
+// A move repaints the union of the old and new boxes: actors there are drawn again, actors
+// elsewhere are not, and the pixels follow.
 TEST_P(StageChangeTest, MoveRepaintsOldAndNewBoxesOnly) {
     TestBox* mover = box(10, 10, 20, 20);
     TestBox* neighbour = box(70, 15, 20, 20, blue);
     TestBox* far = box(150, 100, 20, 20, blue);
-    track({mover, neighbour, far});
+    for (TestBox* b : {mover, neighbour, far}) b->canvases = &canvases;
     resetCounts({mover, neighbour, far});
     mover->moveTo(60, 10);
-    EXPECT_EQ(1, stage->drawAlls);
-    EXPECT_EQ(1, mover->draws);
-    EXPECT_EQ(1, neighbour->draws);  // lies under the new place
-    EXPECT_EQ(0, far->draws);
-    checkTargets();
-    EXPECT_EQ(background, rgb(15, 15));  // old place erased
-    EXPECT_EQ(0xff0000ul, rgb(65, 15));  // new place red
-    EXPECT_EQ(0x0000fful, rgb(75, 20));  // the neighbour, appended later, stays on top
-    EXPECT_EQ(0xff0000ul, rgb(75, 12));  // the mover where the neighbour is not
-    EXPECT_EQ(0x0000fful, rgb(155, 105));
-    // The repainted region was the two boxes.
-    EXPECT_EQ(0u, stage->nesting);
+    expectDraws({mover, neighbour, far}, {1, 1, 0});
+    EXPECT_EQ(background, rgb(15, 15));
+    EXPECT_EQ(R, rgb(65, 15));
+    EXPECT_EQ(B, rgb(75, 20));  // the neighbour, appended later, stays on top
     EXPECT_EQ(2, stage->invalidated.count);
 }
 
@@ -58,52 +49,23 @@ TEST_P(StageChangeTest, HideShowRaiseRemove) {
     TestBox* a = box(10, 10, 40, 40);
     TestBox* b = box(30, 30, 40, 40, blue);
     TestBox* far = box(150, 100, 20, 20, blue);
-    track({a, b, far});
+    for (TestBox* x : {a, b, far}) x->canvases = &canvases;
     resetCounts({a, b, far});
-    EXPECT_EQ(0x0000fful, rgb(40, 40));  // b is above a
-
     a->setVisible(0);
-    EXPECT_EQ(1, stage->drawAlls);
-    EXPECT_EQ(0, a->draws);
-    EXPECT_EQ(1, b->draws);
-    EXPECT_EQ(0, far->draws);
+    expectDraws({a, b, far}, {0, 1, 0});
     EXPECT_EQ(background, rgb(15, 15));
-    EXPECT_EQ(0x0000fful, rgb(40, 40));
-
-    resetCounts({a, b, far});
     a->setVisible(1);
-    EXPECT_EQ(1, stage->drawAlls);
-    EXPECT_EQ(1, a->draws);
-    EXPECT_EQ(1, b->draws);
-    EXPECT_EQ(0, far->draws);
-    EXPECT_EQ(0xff0000ul, rgb(15, 15));
-    EXPECT_EQ(0x0000fful, rgb(40, 40));
-
-    resetCounts({a, b, far});
+    expectDraws({a, b, far}, {1, 1, 0});
+    EXPECT_EQ(B, rgb(40, 40));
     EXPECT_EQ(1ul, (unsigned long)stage->pop(a));
-    EXPECT_EQ(1, stage->drawAlls);
-    EXPECT_EQ(1, a->draws);
-    EXPECT_EQ(1, b->draws);
-    EXPECT_EQ(0, far->draws);
-    EXPECT_EQ(0xff0000ul, rgb(40, 40));  // a is on top now
-    checkTargets();
-
-    resetCounts({a, b, far});
-    a->canvases = nullptr;
+    expectDraws({a, b, far}, {1, 1, 0});
+    EXPECT_EQ(R, rgb(40, 40));
     EXPECT_EQ(1ul, stage->clean(a, 1));
-    EXPECT_EQ(1, stage->drawAlls);
-    EXPECT_EQ(1, b->draws);
-    EXPECT_EQ(0, far->draws);
-    EXPECT_EQ(0x0000fful, rgb(40, 40));
-    EXPECT_EQ(background, rgb(15, 15));
-
-    // Removing through the stage repaints the same way.
-    resetCounts({b, far});
+    expectDraws({b, far}, {1, 0});
+    EXPECT_EQ(B, rgb(40, 40));
     stage->remove(b, 1);
-    EXPECT_EQ(1, stage->drawAlls);
-    EXPECT_EQ(0, far->draws);
+    expectDraws({far}, {0});
     EXPECT_EQ(background, rgb(40, 40));
-    checkTargets();
 }
 
 TEST_F(StageTest, NestedSettersRepaintOnce) {
@@ -118,59 +80,45 @@ TEST_F(StageTest, NestedSettersRepaintOnce) {
     b->setVisible(0);
     b->setVisible(1);
     stage->flushDrawing(1);
-    EXPECT_EQ(0, stage->drawAlls);
-    EXPECT_EQ(0, a->draws);
+    EXPECT_EQ(0, stage->drawAlls + a->draws);
     stage->flushDrawing(1);
-    EXPECT_EQ(1, stage->drawAlls);
-    EXPECT_EQ(1, a->draws);
-    EXPECT_EQ(1, b->draws);
-    EXPECT_EQ(0, far->draws);
-    EXPECT_EQ(0xff0000ul, rgb(45, 65));
+    EXPECT_EQ(std::vector<int>({1, 1, 1, 0}),
+              std::vector<int>({stage->drawAlls, a->draws, b->draws, far->draws}));
+    EXPECT_EQ(R, rgb(45, 65));
     EXPECT_EQ(background, rgb(15, 65));
-
     // A redraw inside a nest only invalidates.
     resetCounts({a, b, far});
     stage->beginDrawing();
     stage->draw(far, 1);
     EXPECT_EQ(0, far->draws);
-    EXPECT_EQ(1, stage->invalidated.count);
     stage->flushDrawing(1);
     EXPECT_EQ(1, far->draws);
     EXPECT_EQ(0, a->draws);
 }
 
 TEST_F(StageTest, FlushWithoutNestReportsAndAbortForgets) {
+    const std::string unnested =
+        "OrvStage::flushDrawing : 'beginDrawing' must be call before'flushDrawing'.\n";
     TestBox* a = box(10, 10, 20, 20);
     TestBox* far = box(150, 100, 20, 20, blue);
     stage->beginDrawing();
     stage->invalidate(Orv2dRect(5, 5, 10, 10));
     stage->flushDrawing(1);
     resetCounts({a, far});
-    testing::internal::CaptureStdout();
-    stage->flushDrawing(1);
-    EXPECT_EQ("OrvStage::flushDrawing : 'beginDrawing' must be call before'flushDrawing'.\n",
-              testing::internal::GetCapturedStdout());
+    EXPECT_EQ(unnested, OrvTestOutput([&] { stage->flushDrawing(1); }));
     // What the region still held is painted again.
-    EXPECT_EQ(1, stage->drawAlls);
-    EXPECT_EQ(1, a->draws);
-    EXPECT_EQ(0, far->draws);
-
+    EXPECT_EQ(std::vector<int>({1, 1, 0}),
+              std::vector<int>({stage->drawAlls, a->draws, far->draws}));
     resetCounts({a, far});
-    stage->beginDrawing();
-    stage->beginDrawing();
-    stage->beginDrawing();
+    for (int i = 0; i < 3; i++) stage->beginDrawing();
     a->moveTo(100, 100);
     stage->abortDrawing();
-    EXPECT_EQ(0u, stage->nesting);
-    EXPECT_EQ(0, stage->invalidated.count);
-    EXPECT_EQ(0, stage->drawAlls);
-    EXPECT_EQ(0xff0000ul, rgb(15, 15));  // nothing painted: the old picture stays
-    testing::internal::CaptureStdout();
-    stage->flushDrawing(1);
-    stage->flushDrawing(1);
-    EXPECT_EQ("OrvStage::flushDrawing : 'beginDrawing' must be call before'flushDrawing'.\n"
-              "OrvStage::flushDrawing : 'beginDrawing' must be call before'flushDrawing'.\n",
-              testing::internal::GetCapturedStdout());
+    EXPECT_EQ(0u, stage->nesting + stage->invalidated.count);
+    EXPECT_EQ(R, rgb(15, 15));  // nothing painted: the old picture stays
+    EXPECT_EQ(unnested + unnested, OrvTestOutput([&] {
+                  stage->flushDrawing(1);
+                  stage->flushDrawing(1);
+              }));
     EXPECT_EQ(0, stage->drawAlls);
 }
 
@@ -180,17 +128,11 @@ TEST_F(StageTest, RegionCollapsesAtThirtyThree) {
     EXPECT_EQ(32, stage->invalidated.count);
     stage->invalidate(Orv2dRect(170, 40, 2, 2));
     EXPECT_EQ(1, stage->invalidated.count);
-    EXPECT_EQ(0, stage->invalidated.bbox.x);
-    EXPECT_EQ(2, stage->invalidated.bbox.y);
-    EXPECT_EQ(172u, stage->invalidated.bbox.w);
-    EXPECT_EQ(40u, stage->invalidated.bbox.h);
+    EXPECT_EQ(Orv2dRect(0, 2, 172, 40), stage->invalidated.bbox);
     stage->invalidate(Orv2dRect(180, 100, 3, 3));
-    EXPECT_EQ(2, stage->invalidated.count);
-    // Rectangles wholly outside the window add nothing.
-    stage->invalidate(Orv2dRect(500, 500, 3, 3));
+    stage->invalidate(Orv2dRect(500, 500, 3, 3));  // wholly outside the window: nothing
     EXPECT_EQ(2, stage->invalidated.count);
     stage->abortDrawing();
-
     // A region whose box has no width paints nothing, although it counts.
     stage->drawAlls = 0;
     stage->beginDrawing();
@@ -202,50 +144,34 @@ TEST_F(StageTest, RegionCollapsesAtThirtyThree) {
 TEST_F(StageTest, HooksSeeTheCycle) {
     RecordingHook* hook = new RecordingHook;
     stage->install(hook);
-    testing::internal::CaptureStdout();
-    stage->install(hook);  // silent: already here
-    EXPECT_EQ("", testing::internal::GetCapturedStdout());
+    EXPECT_EQ("", OrvTestOutput([&] { stage->install(hook); }));  // silent: already here
     TestBox* a = box(10, 10, 20, 20);
     TestBox* outside = box(400, 400, 20, 20);
-    hook->before = hook->after = hook->copies = hook->invalidations = 0;
-
+    hook->before = hook->after = hook->invalidations = 0;
     a->moveTo(20, 20);
-    EXPECT_EQ(1, hook->before);
-    EXPECT_EQ(1, hook->after);
-    EXPECT_EQ(0, hook->copies);
-    EXPECT_EQ(2, hook->invalidations);
+    EXPECT_EQ(std::vector<int>({1, 1, 0, 2}),
+              std::vector<int>({hook->before, hook->after, hook->copies, hook->invalidations}));
     EXPECT_EQ(stage, hook->drawCanvas);
-    // The painted region is widened by one pixel on every side.
-    EXPECT_EQ(9, hook->lastRegion.bbox.x);
-    EXPECT_EQ(9, hook->lastRegion.bbox.y);
-
-    // Outside the window: the hooks are told, nothing is painted.
-    hook->invalidations = 0;
-    stage->drawAlls = 0;
+    // The painted region grows by one on every side.
+    EXPECT_EQ(Orv2dPoint(9, 9), Orv2dPoint(hook->lastRegion.bbox.x, hook->lastRegion.bbox.y));
+    // Outside the window: the hooks are told, nothing is painted; hidden: no hook is told.
+    hook->invalidations = stage->drawAlls = 0;
     outside->moveTo(410, 400);
     EXPECT_EQ(2, hook->invalidations);
     EXPECT_EQ(0, stage->drawAlls);
-
-    // Hidden: no hook is told.
     outside->setVisible(0);
     hook->invalidations = 0;
     stage->beginDrawing();
     stage->invalidate(outside, 1);
     stage->flushDrawing(1);
     EXPECT_EQ(0, hook->invalidations);
-
     OrvAllowHooksUpdated = 0;
     a->moveTo(30, 30);
     OrvAllowHooksUpdated = 1;
     EXPECT_EQ(1, hook->before);
-    a->moveTo(40, 30);
-    EXPECT_EQ(2, hook->before);
-
     OrvStage other(director, Orv2dRect(0, 0, 50, 50), "other", 0, 0);
-    testing::internal::CaptureStdout();
-    other.install(hook);
     EXPECT_EQ("OrvStage::install : Can't connect the same hook object twice.\n",
-              testing::internal::GetCapturedStdout());
+              OrvTestOutput([&] { other.install(hook); }));
     delete hook;  // unlinks itself
     EXPECT_EQ(nullptr, stage->hooks.first);
 }
@@ -265,16 +191,246 @@ public:
 TEST_F(StageTest, GhostStaysOnTheWindowAfterADoubleBufferedRepaint) {
     TestBox* a = box(90, 10, 60, 60);
     stage->useDoubleBuffer(1);
-    unsigned long plain = rgb(110, 30);
-    EXPECT_EQ(0xff0000ul, plain);
-    GhostProducer* ghost = new GhostProducer(stage);
-    stage->producer = ghost;
+    GhostProducer ghost(stage);
+    stage->producer = &ghost;
     a->moveTo(92, 10);
-    EXPECT_EQ(1, ghost->exposes);
-    EXPECT_NE(plain, rgb(110, 30));  // the ghost is on the window
-    // but not in the bitmap, so a copy takes it away.
-    stage->producer = nullptr;
+    EXPECT_EQ(1, ghost.exposes);
+    EXPECT_NE(R, rgb(110, 30));  // the ghost is on the window
+    stage->producer = nullptr;   // but not in the bitmap, so a copy takes it away
     stage->handleExpose(nullptr);
-    EXPECT_EQ(plain, rgb(110, 30));
-    delete ghost;
+    EXPECT_EQ(R, rgb(110, 30));
+}
+
+TEST_F(StageTest, GridDotsUnderTheLayers) {
+    box(40, 40, 30, 30);
+    stage->setGrid(new OrvStageGrid(blue, Orv2dPoint(5, 5), 10, 10, 1, 1, 1, 1));
+    EXPECT_EQ(B, rgb(105, 85));          // a grid point
+    EXPECT_EQ(background, rgb(16, 15));  // between points
+    EXPECT_EQ(R, rgb(45, 45));           // the actor covers its points
+    // Snapping rounds to the nearest point, through the transformer.
+    EXPECT_EQ(Orv2dPoint(25, 25), stage->snapToGrid(Orv2dPoint(21, 29)));
+    stage->zoom(Orv2dPoint(0, 0), 2.0f, 2.0f);
+    EXPECT_EQ(Orv2dPoint(50, 70), stage->snapToGrid(Orv2dPoint(41, 59)));
+    EXPECT_EQ(B, rgb(10, 10));  // (5, 5) drawn here
+    // A grid denser than 4 pixels on screen is not drawn; every second point of it is.
+    stage->toStage(nullptr);
+    stage->setGrid(new OrvStageGrid(blue, Orv2dPoint(0, 0), 3, 3, 0, 1, 1, 1));
+    EXPECT_EQ(background, rgb(12, 12));
+    stage->setGrid(new OrvStageGrid(blue, Orv2dPoint(0, 0), 3, 3, 0, 1, 2, 2));
+    EXPECT_EQ(B, rgb(12, 12));
+    EXPECT_EQ(background, rgb(15, 15));
+    EXPECT_EQ(13, stage->snapToGrid(Orv2dPoint(13, 14)).x);  // snapping off
+}
+
+TEST_F(StageTest, FitToContentsAndSelections) {
+    TestBox* a = box(20, 10, 30, 20);
+    TestBox* b = box(100, 60, 50, 40, blue);
+    stage->fitTransformerToContents();
+    ASSERT_NE(nullptr, stage->toStage());
+    EXPECT_EQ(B, rgb(198, 148));  // b now reaches the far corner
+    stage->toStage(nullptr);
+    // The window grows to what lies right and below of the origin.
+    stage->fitToContents();
+    XSync(dpy, False);
+    EXPECT_EQ(Orv2dPoint(150, 100), Orv2dPoint(stage->width, stage->height));
+    // Selected actors: their boxes with the handles' margin.
+    EXPECT_EQ(0u, stage->bboxSelections(nullptr).w);
+    a->setSelected(1);
+    b->setSelected(1);
+    EXPECT_EQ(Orv2dRect(16, 6, 138, 98), stage->bboxSelections(nullptr));
+}
+
+// A hook that asks for a buffered repaint while one is under way.
+class ReentrantHook : public RecordingHook {
+public:
+    void beforeDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override {
+        if (before++) return;
+        stage->bufferedDraw(Orv2dRect(0, 0, 10, 10));
+        OrvBitmap target(stage, 5, 5, stage->depth);
+        stage->bufferedDraw(&target, Orv2dPoint(0, 0));
+    }
+};
+
+TEST_F(StageTest, BufferedDrawRefusesToNest) {
+    box(10, 10, 20, 20);
+    stage->install(new ReentrantHook);
+    EXPECT_EQ("OrvStage::bufferedDraw : Internal error (1).\n"
+              "OrvStage::bufferedDraw : Internal error (2).\n",
+              OrvTestOutput([&] { stage->bufferedDraw(Orv2dRect(0, 0, 50, 50)); }));
+    EXPECT_EQ("", OrvTestOutput([&] { stage->bufferedDraw(Orv2dRect(500, 500, 50, 50)); }));
+    // The flag was cleared: a later call paints.
+    XClearArea(dpy, stage->window(), 0, 0, 200, 150, False);
+    stage->bufferedDraw(Orv2dRect(0, 0, 50, 50));
+    EXPECT_EQ(R, rgb(15, 15));
+}
+
+// A hook the stage does not own outlives it, told by its cleared stage; an owned one dies with
+// it (the sanitizers watch that). Nothing paints while the stage goes.
+TEST_F(StageTest, DestructorLetsHooksGoAndPaintsNothing) {
+    RecordingHook kept;
+    kept.owned = false;
+    stage->install(&kept);
+    stage->install(new RecordingHook);
+    box(10, 10, 20, 20);
+    // Contents changes are told only while both switches are on.
+    kept.contentsCalls = kept.before = 0;
+    OrvAllowCallContentsChanged = 0;
+    stage->contentsChanged();
+    OrvAllowCallContentsChanged = 1;
+    EXPECT_EQ(0, kept.contentsCalls);
+    stage->contentsChanged();
+    EXPECT_EQ(1, kept.contentsCalls);
+    delete stage;
+    stage = nullptr;
+    EXPECT_EQ(nullptr, kept.stage);
+    EXPECT_EQ(0, kept.before);
+}
+
+TEST_F(StageTest, ExposeCopiesTheBitmapOrRepaintsTheExposedPart) {
+    TestBox* a = box(10, 10, 40, 40);
+    TestBox* b = box(120, 80, 40, 40, blue);
+    RecordingHook* hook = new RecordingHook;
+    stage->install(hook);
+    resetCounts({a, b});
+    XClearArea(dpy, stage->window(), 0, 0, 60, 60, True);  // cleared, with an Expose
+    ASSERT_TRUE(OrvTestRunUntil([&] { return a->draws > 0; }));
+    OrvTestRunFor(20);
+    EXPECT_EQ(0, b->draws);
+    EXPECT_EQ(R, rgb(20, 20));
+    // Double buffered: a copy alone.
+    stage->useDoubleBuffer(1);
+    resetCounts({a, b});
+    hook->before = hook->copies = 0;
+    XClearArea(dpy, stage->window(), 0, 0, 160, 140, True);
+    ASSERT_TRUE(OrvTestRunUntil([&] { return hook->copies > 0; }));
+    EXPECT_EQ(std::vector<int>({0, 0, 0, 0}),
+              std::vector<int>({a->draws, b->draws, stage->drawAlls, hook->before}));
+    EXPECT_EQ(stage->hasDoubleBuffer(), hook->copyCanvas);
+    EXPECT_EQ(B, rgb(130, 90));
+}
+
+// No flicker: while the bitmap is painted, the window still shows the old picture; the new one
+// arrives by copy alone.
+class WindowWatch : public RecordingHook {
+public:
+    std::vector<unsigned long> seen;  // after drawing, after copying
+    void afterDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override { look(); }
+    void afterCopy(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override { look(); }
+    void look() {
+        Display* dpy = (Display*)stage->director->display;
+        XSync(dpy, False);
+        seen.push_back(OrvTestRGB(dpy, stage->window(), 15, 15));
+    }
+};
+
+TEST_F(StageTest, DoubleBufferedRepaintReachesTheWindowOnlyAsCopies) {
+    TestBox* a = box(10, 10, 20, 20);
+    std::vector<const OrvCanvas*> canvases;
+    a->canvases = &canvases;
+    stage->useDoubleBuffer(1);
+    WindowWatch* watch = new WindowWatch;
+    stage->install(watch);
+    resetCounts({a});
+    canvases.clear();
+    a->moveTo(60, 60);
+    EXPECT_EQ(std::vector<unsigned long>({R, background}), watch->seen);
+    EXPECT_EQ(0, stage->windowErases);
+    EXPECT_EQ(std::vector<const OrvCanvas*>({stage->hasDoubleBuffer()}), canvases);
+}
+
+TEST_F(StageTest, BufferedDrawPaintsThroughTheScreenBuffer) {
+    TestBox* a = box(10, 10, 20, 20);
+    TestBox* far = box(150, 100, 20, 20, blue);
+    RecordingHook* hook = new RecordingHook;
+    stage->install(hook);
+    resetCounts({a, far});
+    XClearArea(dpy, stage->window(), 0, 0, 200, 150, False);  // no expose
+    stage->bufferedDraw(Orv2dRect(5, 5, 30, 30));
+    EXPECT_EQ(std::vector<int>({1, 0, 0, 0}),
+              std::vector<int>({a->draws, far->draws, stage->windowErases, stage->drawAlls}));
+    EXPECT_EQ((const OrvCanvas*)director->screenBufferBitmap, a->lastCanvas);
+    EXPECT_EQ(hook->copyCanvas, a->lastCanvas);
+    EXPECT_EQ(R, rgb(29, 29));
+    EXPECT_EQ(background, rgb(155, 105));  // not in the rectangle: left alone
+    OrvBitmap target(stage, 30, 30, stage->depth);
+    stage->bufferedDraw(&target, Orv2dPoint(0, 0));
+    EXPECT_EQ(R, rgbOf(target.drawable, 15, 15));
+    EXPECT_EQ(background, rgbOf(target.drawable, 5, 5));
+}
+
+TEST_F(StageTest, TransformerMapsPicturesAndHits) {
+    TestBox* a = box(10, 10, 20, 20);
+    TestBox* far = box(150, 100, 20, 20, blue);
+    RecordingHook* hook = new RecordingHook;
+    stage->install(hook);
+    stage->zoom(Orv2dPoint(0, 0), 2.0f, 2.0f);
+    EXPECT_EQ(1, hook->transformers);
+    EXPECT_EQ(R, rgb(55, 55));
+    EXPECT_EQ(background, rgb(65, 65));
+    EXPECT_EQ(a, stage->contains(Orv2dPoint(55, 55)));
+    EXPECT_EQ(nullptr, stage->contains(Orv2dPoint(160, 110)));  // far's own place, now elsewhere
+    EXPECT_EQ(far, stage->contains(Orv2dPoint(310, 210)));
+    stage->translate(10, 5);
+    EXPECT_EQ(R, rgb(65, 60));
+    EXPECT_EQ(background, rgb(25, 20));
+    // A move under the transformer repaints the mapped boxes.
+    resetCounts({a, far});
+    a->moveTo(40, 10);
+    EXPECT_EQ(R, rgb(95, 30));
+    EXPECT_EQ(background, rgb(35, 30));
+    EXPECT_EQ(0, far->draws);
+    // Setting the same mapping again tells no hook; a factor 0 is refused while one is set.
+    Orv2dMatrix same = *stage->toStage();
+    stage->toStage(&same);
+    stage->translate(0, 0);
+    EXPECT_EQ("OrvStage::zoom: invalid transformer.\n",
+              OrvTestOutput([&] { stage->zoom(Orv2dPoint(0, 0), 0.0f, 1.0f); }));
+    EXPECT_EQ(2, hook->transformers);
+    stage->toStage(nullptr);
+    EXPECT_EQ(3, hook->transformers);
+    EXPECT_EQ(R, rgb(95, 30));  // nothing repaints until the caller asks
+    // Without a transformer a factor 0 goes through.
+    EXPECT_EQ("", OrvTestOutput([&] { stage->zoom(Orv2dPoint(0, 0), 0.0f, 1.0f); }));
+    EXPECT_TRUE(stage->toStage() && stage->toStage()->isBad());
+}
+
+TEST_F(StageTest, ResizeRepaintsWhatItMust) {
+    TestBox* a = box(10, 10, 20, 20);
+    TestBox* right = box(230, 20, 30, 30, blue);
+    RecordingHook* hook = new RecordingHook;
+    stage->install(hook);
+    XResizeWindow(dpy, stage->window(), 300, 200);
+    ASSERT_TRUE(OrvTestRunUntil([&] { return stage->width == 300 && right->draws > 0; }));
+    EXPECT_EQ(1, hook->resized);
+    EXPECT_EQ(B, rgb(240, 30));
+    // A double-buffered stage gets a new bitmap and one full repaint.
+    stage->useDoubleBuffer(1);
+    resetCounts({a, right});
+    XResizeWindow(dpy, stage->window(), 320, 220);
+    ASSERT_TRUE(OrvTestRunUntil([&] { return stage->width == 320; }));
+    OrvTestRunFor(20);
+    ASSERT_NE(nullptr, stage->hasDoubleBuffer());
+    EXPECT_EQ(Orv2dPoint(320, 220),
+              Orv2dPoint(stage->hasDoubleBuffer()->width, stage->hasDoubleBuffer()->height));
+    EXPECT_GE(a->draws, 1);
+    EXPECT_EQ(R, rgb(15, 15));
+    // Same size, new place: nothing at all.
+    hook->resized = 0;
+    resetCounts({a, right});
+    stage->handleResize(Orv2dRect(0, 0, 320, 220), Orv2dRect(5, 5, 320, 220));
+    EXPECT_EQ(0, hook->resized + stage->drawAlls + stage->x);
+}
+
+TEST_F(StageTest, EmptyAndContentsBoxes) {
+    box(10, 10, 20, 20);
+    box(100, 50, 40, 30, blue, 2);
+    EXPECT_EQ(Orv2dRect(10, 10, 130, 70), stage->contentsBBox(nullptr));
+    stage->zoom(Orv2dPoint(0, 0), 0.5f, 0.5f);
+    EXPECT_EQ(Orv2dRect(5, 5, 65, 35), stage->contentsBBox(stage->toStage()));
+    RecordingHook* hook = new RecordingHook;
+    stage->install(hook);
+    stage->empty(1);
+    EXPECT_EQ(3, hook->contentsCalls);  // each actor's removal, then the emptied stage once more
+    EXPECT_EQ(background, rgb(55, 30));
+    EXPECT_EQ(0u, stage->contentsBBox(nullptr).w);
 }
