@@ -14,6 +14,7 @@
 
 #include <sys/types.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -266,6 +267,20 @@ protected:
     unsigned long pixel(const OrvCanvas* c, int x, int y) const {
         return OrvTestPixel(dpy, c->drawable, x, y) & mask();
     }
+    // Pixels of a canvas by colour name: "red: 10,10 30,10 white: 30,11".
+    void expectPixels(const OrvCanvas* c, const std::string& spec) {
+        std::istringstream in(spec);
+        unsigned long want = 0;
+        for (std::string word; in >> word;) {
+            if (word.back() == ':') {
+                want = px(word.substr(0, word.size() - 1).c_str());
+                continue;
+            }
+            int x = 0, y = 0;
+            sscanf(word.c_str(), "%d,%d", &x, &y);
+            EXPECT_EQ(want, pixel(c, x, y)) << "pixel " << word << " of \"" << spec << "\"";
+        }
+    }
     // How many pixels of a rectangle of the canvas have that value.
     int countPixels(const OrvCanvas* c, const Orv2dRect& r, unsigned long value) const {
         XImage* im = XGetImage(dpy, c->drawable, r.x, r.y, r.w, r.h, AllPlanes, ZPixmap);
@@ -299,14 +314,21 @@ protected:
     PrivateXServer server;
     OrvDirector* director = nullptr;
     Display* dpy = nullptr;
+    // The suite's server, named in DISPLAY while no test has its own.
+    static const std::string& suite() {
+        static const std::string name = getenv("DISPLAY") ? getenv("DISPLAY") : "";
+        return name;
+    }
     void SetUp() override {
-        static const std::string suite = getenv("DISPLAY") ? getenv("DISPLAY") : "";
-        if (suite.empty()) GTEST_SKIP() << "no DISPLAY";
-        setenv("DISPLAY", server.start() ? server.name.c_str() : suite.c_str(), 1);
+        if (suite().empty()) GTEST_SKIP() << "no DISPLAY";
+        setenv("DISPLAY", server.start() ? server.name.c_str() : suite().c_str(), 1);
         director = new OrvDirector("test", nullptr, 0, nullptr);
         dpy = (Display*)director->display;
     }
-    void TearDown() override { delete director; }
+    void TearDown() override {
+        delete director;
+        if (!suite().empty()) setenv("DISPLAY", suite().c_str(), 1);
+    }
     // The pixel of a window or pixmap as 0xRRGGBB, after the requests so far.
     unsigned long rgbOf(unsigned long drawable, int x, int y) {
         XSync(dpy, False);
