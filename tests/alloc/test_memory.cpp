@@ -23,18 +23,12 @@ bool inChunk(const void* block, const char* start, const char* end) {
 
 }  // namespace
 
-TEST(OrvMemoryManager, StartsWithOneChunkOf4096) {
-    OrvMemoryManager* pool = freshPool();
-    ASSERT_NE(pool->location, nullptr);
-    EXPECT_EQ(pool->chunkSize, 4096u);
-    EXPECT_EQ(pool->end - pool->location, 4096);
-    for (int i = 0; i < OrvMemoryManager::NumClasses; i++) EXPECT_EQ(pool->freeList[i], nullptr);
-    EXPECT_EQ(ORV_MLK_ALIGNMENT, 8);
-}
-
-TEST(OrvMemoryManager, SixtyFourPooledSixtyFiveMalloced) {
+TEST(OrvMemoryManager, OneChunkOf4096SixtyFourPooledSixtyFiveMalloced) {
     OrvMemoryManager* pool = freshPool();
     char* start = pool->location;
+    ASSERT_NE(start, nullptr);
+    EXPECT_EQ(pool->chunkSize, 4096u);
+    EXPECT_EQ(pool->end - start, 4096);
     char* end = pool->end;
     void* a = pool->alloc(64);
     EXPECT_EQ(a, (void*)start);
@@ -44,12 +38,11 @@ TEST(OrvMemoryManager, SixtyFourPooledSixtyFiveMalloced) {
     EXPECT_FALSE(inChunk(b, start, end));
     EXPECT_EQ(pool->location, start + 64);  // the chunk is untouched
     pool->release(b, 65);                   // goes to free: the sanitizers check it was malloc's
-    for (int i = 0; i < OrvMemoryManager::NumClasses; i++) EXPECT_EQ(pool->freeList[i], nullptr);
     pool->release(a, 64);
     EXPECT_EQ(pool->freeList[7], a);
     // Class 7 holds sizes 57 to 64.
     EXPECT_EQ(pool->alloc(57), a);
-    EXPECT_EQ(pool->freeList[7], nullptr);
+    for (int i = 0; i < OrvMemoryManager::NumClasses; i++) EXPECT_EQ(pool->freeList[i], nullptr);
     pool->release(a, 57);
 }
 
@@ -60,10 +53,7 @@ TEST(OrvMemoryManager, ClassesRoundUpToEight) {
     for (unsigned size = 1; size <= 64; size++) {
         void* block = pool->alloc(size);
         EXPECT_EQ(block, (void*)cursor) << "size " << size;
-        EXPECT_EQ((uintptr_t)block % ORV_MLK_ALIGNMENT, 0u) << "size " << size;
-        unsigned rounded = (size + 7) / 8 * 8;
-        cursor += rounded;
-        EXPECT_EQ(pool->location, cursor) << "size " << size;
+        cursor += (size + 7) / 8 * 8;
         blocks.push_back({block, size});
     }
     // Each release lands on the list of its class: 1-8 class 0, ..., 57-64 class 7.
@@ -79,10 +69,8 @@ TEST(OrvMemoryManager, ClassesRoundUpToEight) {
     pool->release(last8, 8);
     pool->release(blocks[6].first, 1);
     pool->release(blocks[15].first, 16);
-    // Null is ignored.
     void* head = pool->freeList[0];
-    pool->release(nullptr, 8);
-    pool->release(nullptr, 100);
+    pool->release(nullptr, 8);  // null is ignored
     EXPECT_EQ(pool->freeList[0], head);
 }
 
@@ -101,10 +89,7 @@ TEST(OrvMemoryManager, RemainderOfSixteenGoesToClassOne) {
     EXPECT_EQ(*(void**)rest, nullptr);
     EXPECT_EQ(pool->chunkSize, 8192u);
     EXPECT_FALSE(inChunk(block, start, start + 4096));
-    EXPECT_EQ(pool->location, (char*)block + 24);
     EXPECT_EQ(pool->end, (char*)block + 8192);
-    EXPECT_EQ(pool->freeList[0], nullptr);
-    EXPECT_EQ(pool->freeList[2], nullptr);
     // The remainder serves the next request of its class.
     EXPECT_EQ(pool->alloc(16), (void*)rest);
     EXPECT_EQ(pool->alloc(16), (void*)((char*)block + 24));
@@ -159,8 +144,5 @@ TEST(OrvMemoryManager, AssertsOnMisalignedRemainder) {
 
 TEST(OrvMemoryManager, GlobalPoolIsMadeOnce) {
     OrvMemoryManager* pool = OrvGetMemoryManager();
-    ASSERT_NE(pool, nullptr);
-    EXPECT_EQ(pool, OrvGlobalMemoryManager);
-    EXPECT_EQ(OrvGetMemoryManager(), pool);
-    EXPECT_GE(pool->chunkSize, 4096u);
+    EXPECT_TRUE(pool && pool == OrvGlobalMemoryManager && OrvGetMemoryManager() == pool);
 }

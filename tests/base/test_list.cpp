@@ -11,22 +11,16 @@ void* P(int i) {
     return &v[i];
 }
 
-// Values of a list from head to tail, checking that the tail pointer is the
-// last node reached.
-std::vector<void*> values(const OrvList& list) {
-    std::vector<void*> out;
+// The indices of a list's values from head to tail; -1 marks a tail pointer that is not the last
+// node reached.
+std::vector<int> values(const OrvList& list) {
+    std::vector<int> out;
     OrvLink* previous = nullptr;
     for (OrvLink* l = list.first; l; l = l->next) {
-        out.push_back(l->value);
+        out.push_back((int)((int*)l->value - v));
         previous = l;
     }
-    EXPECT_EQ(previous, list.last);
-    return out;
-}
-
-std::vector<void*> V(std::initializer_list<int> indices) {
-    std::vector<void*> out;
-    for (int i : indices) out.push_back(P(i));
+    if (previous != list.last) out.push_back(-1);
     return out;
 }
 
@@ -38,88 +32,53 @@ OrvList* makeList(std::initializer_list<int> indices) {
 
 }  // namespace
 
-TEST(OrvLink, IndexingLengthFindAndLast) {
-    OrvLink* head = new OrvLink(P(0), new OrvLink(P(1), new OrvLink(P(2))));
-    EXPECT_EQ(head->length(), 3u);
-    EXPECT_EQ((*head)[0], P(0));
-    EXPECT_EQ((*head)[2], P(2));
-    EXPECT_EQ((*head)[3], nullptr);
-    EXPECT_EQ((*head)[1000], nullptr);
-    EXPECT_EQ(head->last()->value, P(2));
+TEST(OrvLink, IndexingFindRemoveAndLast) {
+    OrvLink* head = new OrvLink(P(0), new OrvLink(P(1), new OrvLink(P(2), new OrvLink(P(1)))));
+    EXPECT_EQ(head->length(), 4u);
+    EXPECT_EQ(std::vector<void*>({P(0), P(2), nullptr, nullptr}),
+              std::vector<void*>({(*head)[0], (*head)[2], (*head)[4], (*head)[1000]}));
+    EXPECT_EQ(head->last()->value, P(1));
     EXPECT_EQ(head->find(P(1)), head->next);
     EXPECT_EQ(head->find(P(7)), nullptr);
-    head->setValue(1, P(5));
-    EXPECT_EQ((*head)[1], P(5));
     head->setValue(9, P(6));  // past the end: nothing changes
-    EXPECT_EQ(head->length(), 3u);
     EXPECT_EQ(head->find(P(6)), nullptr);
-    delete head;
-}
-
-TEST(OrvLink, RemoveReturnsNewHead) {
-    OrvLink* head = new OrvLink(P(0), new OrvLink(P(1), new OrvLink(P(2), new OrvLink(P(1)))));
+    // Removing the head hands back its successor; only the first of two equal values goes; an
+    // absent value changes nothing.
     OrvLink* second = head->next;
-    // Removing the head hands back its successor.
     head = head->remove(P(0));
     EXPECT_EQ(head, second);
-    EXPECT_EQ(head->length(), 3u);
-    // Only the first of two equal values goes.
     head = head->remove(P(1));
-    EXPECT_EQ(head->length(), 2u);
-    EXPECT_EQ((*head)[0], P(2));
-    EXPECT_EQ((*head)[1], P(1));
-    // Absent value: unchanged.
-    OrvLink* same = head->remove(P(9));
-    EXPECT_EQ(same, head);
-    EXPECT_EQ(head->length(), 2u);
-    head = head->remove(P(1));
-    EXPECT_EQ(head->length(), 1u);
+    EXPECT_EQ(std::vector<void*>({P(2), P(1)}), std::vector<void*>({(*head)[0], (*head)[1]}));
+    EXPECT_EQ(head->remove(P(9)), head);
+    head->setValue(1, P(5));
+    EXPECT_EQ((*head)[1], P(5));
+    head = head->remove(P(5));
     head = head->remove(P(2));
     EXPECT_EQ(head, nullptr);
 }
 
-TEST(OrvList, InsertAppendAndTail) {
+TEST(OrvList, InsertAppendRemoveKeepTheTailRight) {
     OrvList list;
-    EXPECT_EQ(list.first, nullptr);
-    EXPECT_EQ(list.last, nullptr);
     OrvLink* a = list.insert(P(1));
-    EXPECT_EQ(list.first, a);
-    EXPECT_EQ(list.last, a);  // first node in an empty list is also the tail
+    EXPECT_EQ(list.last, a);  // the first node in an empty list is also the tail
     list.append(P(2));
     list.insert(P(0));
-    EXPECT_EQ(values(list), V({0, 1, 2}));
-    EXPECT_EQ(list.length(), 3u);
-
     OrvLink* own = new OrvLink(P(3));
     EXPECT_EQ(list.append(own), own);
-    EXPECT_EQ(list.last, own);
-    OrvLink* front = new OrvLink(P(4));
-    list.insert(front);
-    EXPECT_EQ(values(list), V({4, 0, 1, 2, 3}));
-
-    OrvList empty;
-    OrvLink* only = new OrvLink(P(5));
-    empty.append(only);
-    EXPECT_EQ(empty.first, only);
-    EXPECT_EQ(empty.last, only);
-}
-
-TEST(OrvList, RemoveKeepsTailRight) {
-    OrvList* list = makeList({0, 1, 2});
-    EXPECT_EQ(list->remove(P(2)), 1);
-    EXPECT_EQ(list->last->value, P(1));  // tail moved to the predecessor
-    EXPECT_EQ(values(*list), V({0, 1}));
-    EXPECT_EQ(list->remove(P(7)), 0);
-    EXPECT_EQ(values(*list), V({0, 1}));
-    EXPECT_EQ(list->remove(P(0)), 1);
-    EXPECT_EQ(list->first, list->last);
-    EXPECT_EQ(list->remove(P(1)), 1);  // the only element: both ends empty
-    EXPECT_EQ(list->first, nullptr);
-    EXPECT_EQ(list->last, nullptr);
-    EXPECT_EQ(list->remove(P(1)), 0);
-    list->append(P(3));  // still usable after being emptied
-    EXPECT_EQ(values(*list), V({3}));
-    delete list;
+    list.insert(new OrvLink(P(4)));
+    EXPECT_EQ(values(list), std::vector<int>({4, 0, 1, 2, 3}));
+    EXPECT_EQ(list.length(), 5u);
+    OrvList* l = makeList({0, 1, 2});
+    EXPECT_EQ(l->remove(P(2)), 1);  // the tail moves to the predecessor
+    EXPECT_EQ(values(*l), std::vector<int>({0, 1}));
+    EXPECT_EQ(l->remove(P(7)), 0);
+    EXPECT_EQ(l->remove(P(0)) + l->remove(P(1)), 2);  // the only element: both ends empty
+    EXPECT_EQ(std::vector<OrvLink*>({nullptr, nullptr}),
+              std::vector<OrvLink*>({l->first, l->last}));
+    EXPECT_EQ(l->remove(P(1)), 0);
+    l->append(P(3));  // still usable after being emptied
+    EXPECT_EQ(values(*l), std::vector<int>({3}));
+    delete l;
 }
 
 TEST(OrvList, RemoveLinkDetachesUndeleted) {
@@ -128,137 +87,107 @@ TEST(OrvList, RemoveLinkDetachesUndeleted) {
     ASSERT_NE(l, nullptr);
     EXPECT_EQ(l->value, P(1));
     EXPECT_EQ(l->next, nullptr);
-    EXPECT_EQ(values(*list), V({0, 2, 1}));
     OrvLink* tail = list->removeLink(P(1));
-    EXPECT_EQ(tail->next, nullptr);
-    EXPECT_EQ(list->last->value, P(2));
+    EXPECT_EQ(values(*list), std::vector<int>({0, 2}));
     EXPECT_EQ(list->removeLink(P(9)), nullptr);
     // A detached node can go back into a list.
     list->append(l);
     list->insert(tail);
-    EXPECT_EQ(values(*list), V({1, 0, 2, 1}));
+    EXPECT_EQ(values(*list), std::vector<int>({1, 0, 2, 1}));
     delete list;
 }
 
-TEST(OrvList, SwapExchangesValuesInPlace) {
+TEST(OrvList, SwapPushAndPop) {
     OrvList* list = makeList({0, 1, 2, 3});
     OrvLink* n0 = list->first;
     list->swap(P(0), P(3));
-    EXPECT_EQ(values(*list), V({3, 1, 2, 0}));
-    EXPECT_EQ(list->first, n0);  // values move, nodes stay
-    list->swap(P(1), P(9));      // either absent: nothing
+    list->swap(P(1), P(9));  // either absent: nothing
     list->swap(P(9), P(1));
-    EXPECT_EQ(values(*list), V({3, 1, 2, 0}));
+    EXPECT_EQ(values(*list), std::vector<int>({3, 1, 2, 0}));
+    EXPECT_EQ(list->first, n0);  // values move, nodes stay
     delete list;
-}
-
-TEST(OrvList, PushAndPopMoveByOnePlace) {
-    OrvList* list = makeList({0, 1, 2, 3});
-    list->push(P(2));
-    EXPECT_EQ(values(*list), V({0, 2, 1, 3}));
-    list->push(P(2));
-    EXPECT_EQ(values(*list), V({2, 0, 1, 3}));
-    list->push(P(2));  // at the head: stays
-    EXPECT_EQ(values(*list), V({2, 0, 1, 3}));
-    list->push(P(9));  // absent: nothing
-    EXPECT_EQ(values(*list), V({2, 0, 1, 3}));
-    list->push(P(3));  // the tail moves too
-    EXPECT_EQ(values(*list), V({2, 0, 3, 1}));
-
-    list->pop(P(2));
-    EXPECT_EQ(values(*list), V({0, 2, 3, 1}));
-    list->pop(P(1));  // at the tail: stays
-    EXPECT_EQ(values(*list), V({0, 2, 3, 1}));
-    list->pop(P(3));
-    EXPECT_EQ(values(*list), V({0, 2, 1, 3}));
-    list->pop(P(9));
-    EXPECT_EQ(values(*list), V({0, 2, 1, 3}));
+    // push and pop move by one place; at the end, or absent, nothing; the tail moves too.
+    list = makeList({0, 1, 2, 3});
+    const struct {
+        bool push;
+        int value;
+        std::vector<int> after;
+    } steps[] = {{true, 2, {0, 2, 1, 3}},  {true, 2, {2, 0, 1, 3}},  {true, 2, {2, 0, 1, 3}},
+                 {true, 9, {2, 0, 1, 3}},  {true, 3, {2, 0, 3, 1}},  {false, 2, {0, 2, 3, 1}},
+                 {false, 1, {0, 2, 3, 1}}, {false, 3, {0, 2, 1, 3}}, {false, 9, {0, 2, 1, 3}}};
+    for (const auto& s : steps) {
+        if (s.push)
+            list->push(P(s.value));
+        else
+            list->pop(P(s.value));
+        EXPECT_EQ(values(*list), s.after) << (s.push ? "push " : "pop ") << s.value;
+    }
     delete list;
-
-    OrvList single;
+    OrvList single, none;
     single.append(P(4));
     single.push(P(4));
     single.pop(P(4));
-    EXPECT_EQ(values(single), V({4}));
-    OrvList none;
     none.push(P(0));
     none.pop(P(0));
+    EXPECT_EQ(values(single), std::vector<int>({4}));
     EXPECT_EQ(none.first, nullptr);
 }
 
-TEST(OrvList, LongListsAreFreedWithoutRecursion) {
-    // A million nodes would overflow the stack if each destructor called the
-    // next one's; a run under the sanitizers also checks nothing leaks.
+TEST(OrvList, LongListsAreFreedWithoutRecursionAndNodesComeFromThePool) {
+    // A million nodes would overflow the stack if each destructor called the next one's; a run
+    // under the sanitizers also checks nothing leaks.
     const int n = 1000000;
     OrvList* list = new OrvList;
-    for (int i = 0; i < n; i++) list->append(P(i % 10));
-    EXPECT_EQ(list->length(), (unsigned)n);
-    delete list;
-
     OrvAList* alist = new OrvAList;
-    for (int i = 0; i < n; i++) alist->insert(P(i % 10), P(i % 10));
-    EXPECT_EQ(alist->length(), (unsigned)n);
+    for (int i = 0; i < n; i++) {
+        list->append(P(i % 10));
+        alist->insert(P(i % 10), P(i % 10));
+    }
+    EXPECT_EQ(list->length() + alist->length(), 2u * n);
+    delete list;
     delete alist;
-}
-
-TEST(OrvList, NodesComeFromTheGlobalPool) {
+    // A freed node is the next block of its class in the global pool: 16 bytes class 1, 24 class
+    // 2, an empty OrvAList class 0.
     OrvMemoryManager* pool = OrvGetMemoryManager();
     OrvLink* l = new OrvLink(P(0));
     delete l;
-    // The node went onto the 16-byte free list and is the next block of its class.
     EXPECT_EQ(pool->freeList[1], (void*)l);
-    void* again = pool->alloc(sizeof(OrvLink));
-    EXPECT_EQ(again, (void*)l);
-    pool->release(again, sizeof(OrvLink));
-
+    EXPECT_EQ(pool->alloc(sizeof(OrvLink)), (void*)l);
+    pool->release(l, sizeof(OrvLink));
     OrvAListItem* item = new OrvAListItem(P(0), P(1));
     delete item;
-    EXPECT_EQ(pool->freeList[2], (void*)item);  // 24 bytes: class 2
-    OrvList* list = new OrvList;
-    delete list;
-    EXPECT_EQ(pool->freeList[1], (void*)list);
-    OrvAList* alist = new OrvAList;
-    delete alist;
-    EXPECT_EQ(pool->freeList[0], (void*)alist);
+    EXPECT_EQ(pool->freeList[2], (void*)item);
+    OrvAList* a = new OrvAList;
+    delete a;
+    EXPECT_EQ(pool->freeList[0], (void*)a);
 }
 
-TEST(OrvAList, InsertAppendGetFind) {
+TEST(OrvAList, FindGetReplaceAndRemoveTheFirstMatch) {
     OrvAList list;
     EXPECT_EQ(list.get(P(0)), nullptr);
-    EXPECT_EQ(list.find(P(0)), 0);
-    EXPECT_EQ(list.length(), 0u);
     list.append(P(1), P(5));
     list.insert(P(0), P(4));
     list.append(P(1), P(6));  // duplicate keys allowed
     list.append(P(2), nullptr);
     EXPECT_EQ(list.length(), 4u);
     EXPECT_EQ(list.first->key, P(0));
-    EXPECT_EQ(list.get(P(1)), P(5));  // first match
+    EXPECT_EQ(list.get(P(1)), P(5));  // the first match
     // A null value and an absent key look alike through get, not through find.
     EXPECT_EQ(list.get(P(2)), nullptr);
     EXPECT_EQ(list.find(P(2)), 1);
     EXPECT_EQ(list.find(P(3)), 0);
-    EXPECT_EQ(list.first->find(P(1)), list.first->next);
     EXPECT_EQ(list.first->next->next->find(P(1)), list.first->next->next);
     EXPECT_EQ(list.first->next->next->find(P(0)), nullptr);
-}
-
-TEST(OrvAList, ReplaceAndRemoveFirstMatch) {
-    OrvAList list;
-    list.append(P(0), P(4));
-    list.append(P(1), P(5));
-    list.append(P(1), P(6));
     EXPECT_EQ(list.replace(P(1), P(7)), 1);
-    EXPECT_EQ(list.first->next->value, P(7));
-    EXPECT_EQ(list.first->next->next->value, P(6));
     EXPECT_EQ(list.replace(P(9), P(7)), 0);
+    EXPECT_EQ(std::vector<void*>({P(7), P(6)}),
+              std::vector<void*>({list.first->next->value, list.first->next->next->value}));
     EXPECT_EQ(list.remove(P(1)), 1);
-    EXPECT_EQ(list.length(), 2u);
     EXPECT_EQ(list.get(P(1)), P(6));
     EXPECT_EQ(list.remove(P(0)), 1);  // the head
     EXPECT_EQ(list.first->key, P(1));
     EXPECT_EQ(list.remove(P(9)), 0);
-    EXPECT_EQ(list.remove(P(1)), 1);
+    EXPECT_EQ(list.remove(P(1)) + list.remove(P(2)), 2);
     EXPECT_EQ(list.first, nullptr);
     EXPECT_EQ(list.remove(P(1)), 0);
 }

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <ctime>
 #include <string>
+#include <vector>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -67,13 +68,10 @@ TEST(OrvScratch, PointsIndexFloatGrowByDoubling) {
     checkDoublingBelowN(OrvScratchFloat, [](unsigned n) { return (void*)OrvAllocFloat(n); });
 }
 
-TEST(OrvScratch, TwoPointAllocatorsAreDistinct) {
+TEST(OrvScratch, EachAllocatorHasOneBufferOfItsOwn) {
     Orv2dPoint* a = OrvAllocPoints(10);
-    Orv2dPoint* b = OrvAllocLinkPoints(10);
-    ASSERT_NE(a, nullptr);
-    EXPECT_NE((void*)a, (void*)b);
-    // The same function hands the same buffer to every caller.
     EXPECT_EQ(OrvAllocPoints(3), a);
+    EXPECT_NE((void*)a, (void*)OrvAllocLinkPoints(10));
     EXPECT_NE((void*)OrvAllocIndex(3), (void*)OrvAllocFloat(3));
 }
 
@@ -100,108 +98,68 @@ TEST(OrvScratch, InternalPointersGrowPastN) {
     data[8 * cap - 1] = data;
 }
 
-TEST(MakeData, FourByFourTile) {
-    const char* d = MakeData((unsigned short)0x1234);
-    // Row A: (0x1234 >> 12 & 15) | (0x1234 & 0xF0) = 0x31; row B: 2 | 0x40 = 0x42.
-    for (int row = 0; row < 16; row++) {
-        unsigned char expected = row % 2 ? 0x42 : 0x31;
-        EXPECT_EQ(byteAt(d, 2 * row), expected) << "row " << row;
-        EXPECT_EQ(byteAt(d, 2 * row + 1), expected) << "row " << row;
-    }
-    d = MakeData((unsigned short)0xF00F);
-    EXPECT_EQ(byteAt(d, 0), 0x0F);
-    EXPECT_EQ(byteAt(d, 2), 0xF0);
+// The 16 rows of two bytes of a pattern, as 16-bit words, low byte first.
+std::vector<unsigned> rows(const char* d) {
+    std::vector<unsigned> v;
+    for (int row = 0; row < 16; row++)
+        v.push_back(byteAt(d, 2 * row) | byteAt(d, 2 * row + 1) << 8);
+    return v;
 }
 
-TEST(MakeData, TwoSixteenBitRows) {
-    const char* d = MakeData(0xABCD1234u);
-    for (int row = 0; row < 16; row++) {
-        // The upper row loses its top nibble: 0xABCD becomes 0x0BCD.
-        unsigned expected = row % 2 ? 0x1234 : 0x0BCD;
-        unsigned got = byteAt(d, 2 * row) | (byteAt(d, 2 * row + 1) << 8);
-        EXPECT_EQ(got, expected) << "row " << row;
-    }
+// Row i of the expected pattern is words[i % n].
+std::vector<unsigned> repeat(std::initializer_list<unsigned> words) {
+    std::vector<unsigned> v;
+    for (int row = 0; row < 16; row++) v.push_back(words.begin()[row % words.size()]);
+    return v;
 }
 
-TEST(MakeData, EightByteRows) {
-    const char* d = MakeData(0x01020304u, 0x0506A0FFu);
-    const unsigned char bytes[8] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0xA0, 0xFF};
-    for (int row = 0; row < 16; row++) {
-        EXPECT_EQ(byteAt(d, 2 * row), bytes[row % 8]) << "row " << row;
-        EXPECT_EQ(byteAt(d, 2 * row + 1), bytes[row % 8]) << "row " << row;
-    }
-}
-
-TEST(MakeData, FourRowsAndSeparateBuffers) {
+TEST(MakeData, TilesAndRowsOfEveryOverload) {
+    // A 4 by 4 tile: row A is (0x1234 >> 12 & 15) | (0x1234 & 0xF0) = 0x31, row B 2 | 0x40.
+    EXPECT_EQ(rows(MakeData((unsigned short)0x1234)), repeat({0x3131, 0x4242}));
+    EXPECT_EQ(rows(MakeData((unsigned short)0xF00F)), repeat({0x0F0F, 0xF0F0}));
+    // Two 16-bit rows: the upper loses its top nibble.
+    EXPECT_EQ(rows(MakeData(0xABCD1234u)), repeat({0x0BCD, 0x1234}));
+    // Eight byte rows, each byte doubled.
+    EXPECT_EQ(rows(MakeData(0x01020304u, 0x0506A0FFu)),
+              repeat({0x0101, 0x0202, 0x0303, 0x0404, 0x0505, 0x0606, 0xA0A0, 0xFFFF}));
     const char* d = MakeData((unsigned short)0x1122, (unsigned short)0x3344, (unsigned short)0x8001,
                              (unsigned short)0xFFFE);
-    const unsigned rows[4] = {0x1122, 0x3344, 0x8001, 0xFFFE};
-    for (int row = 0; row < 16; row++) {
-        unsigned got = byteAt(d, 2 * row) | (byteAt(d, 2 * row + 1) << 8);
-        EXPECT_EQ(got, rows[row % 4]) << "row " << row;
-    }
+    EXPECT_EQ(rows(d), repeat({0x1122, 0x3344, 0x8001, 0xFFFE}));
     // Each overload owns its buffer: a call of one does not spoil another.
     const char* tile = MakeData((unsigned short)0x1234);
     const char* pair = MakeData(0u, 0u);
-    EXPECT_NE(tile, d);
-    EXPECT_NE(pair, d);
-    EXPECT_NE(pair, tile);
-    EXPECT_NE((const char*)MakeData(0u), tile);
+    EXPECT_TRUE(tile != d && pair != d && pair != tile && (const char*)MakeData(0u) != tile);
     EXPECT_EQ(byteAt(d, 2), 0x44);
 }
 
-TEST(OrvDiagnostics, PrintAndErrorWriteToStdout) {
+TEST(OrvDiagnostics, PrintErrorAndDate) {
     testing::internal::CaptureStdout();
     OrvPrint("value %d of %s\n", 42, "answer");
     int result = OrvError("## OrvThing::act failed on %s \n", "x");
     OrvPrint("no newline");
-    std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "value 42 of answer\n## OrvThing::act failed on x \nno newline");
     EXPECT_EQ(result, 0);
-    EXPECT_EQ(out, "value 42 of answer\n## OrvThing::act failed on x \nno newline");
-}
-
-TEST(OrvDiagnostics, DateIsCtimeWithoutNewline) {
+    // The date is ctime's without its newline.
     time_t before = time(nullptr);
     std::string date = OrvDate();
     time_t after = time(nullptr);
-    ASSERT_EQ(date.size(), 24u);
     EXPECT_TRUE(date == std::string(ctime(&before), 24) || date == std::string(ctime(&after), 24))
         << date;
-    EXPECT_EQ(date.find('\n'), std::string::npos);
 }
 
-TEST(OrvFiles, ExistsMeansReadable) {
-    std::string dir = tempDir();
-    ASSERT_FALSE(dir.empty());
-    std::string path = dir + "/present";
-    FILE* f = fopen(path.c_str(), "w");
-    ASSERT_NE(f, nullptr);
-    fputs("x", f);
-    fclose(f);
-    EXPECT_TRUE(OrvFileExists(path.c_str()));
-    EXPECT_FALSE(OrvFileExists((dir + "/absent").c_str()));
-    chmod(path.c_str(), 0);
-    if (geteuid() != 0) {  // root reads anything
-        EXPECT_FALSE(OrvFileExists(path.c_str()));
-    }
-    EXPECT_EQ(OrvFileExists(path.c_str()), access(path.c_str(), R_OK) == 0);
-    unlink(path.c_str());
-    rmdir(dir.c_str());
-}
-
-TEST(OrvFiles, WritableCreatesAndReports) {
+TEST(OrvFiles, ExistsMeansReadableAndWritableCreates) {
     std::string dir = tempDir();
     ASSERT_FALSE(dir.empty());
     std::string path = dir + "/created";
     struct stat st;
-    ASSERT_NE(stat(path.c_str(), &st), 0);
+    EXPECT_FALSE(OrvFileExists(path.c_str()));
     testing::internal::CaptureStdout();
     EXPECT_TRUE(OrvIsFileWritable(path.c_str(), 1));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    // The test created an empty file.
-    ASSERT_EQ(stat(path.c_str(), &st), 0);
+    ASSERT_EQ(stat(path.c_str(), &st), 0);  // an empty file was made
     EXPECT_EQ(st.st_size, 0);
-
+    EXPECT_TRUE(OrvFileExists(path.c_str()));
     // An existing file keeps its content: append mode.
     FILE* f = fopen(path.c_str(), "w");
     fputs("keep", f);
@@ -209,15 +167,14 @@ TEST(OrvFiles, WritableCreatesAndReports) {
     EXPECT_TRUE(OrvIsFileWritable(path.c_str(), 0));
     ASSERT_EQ(stat(path.c_str(), &st), 0);
     EXPECT_EQ(st.st_size, 4);
-
+    chmod(path.c_str(), 0);  // root reads anything
+    EXPECT_EQ(OrvFileExists(path.c_str()), access(path.c_str(), R_OK) == 0);
+    // Failures report only when asked to.
     std::string bad = dir + "/missing/file";
     testing::internal::CaptureStdout();
     EXPECT_FALSE(OrvIsFileWritable(bad.c_str(), 1));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "## Cannot open " + bad + " for writing");
-    testing::internal::CaptureStdout();
     EXPECT_FALSE(OrvIsFileWritable(bad.c_str(), 0));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "## Cannot open " + bad + " for writing");
     unlink(path.c_str());
     rmdir(dir.c_str());
 }
