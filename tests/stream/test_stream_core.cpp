@@ -7,6 +7,7 @@
 #include <cstring>
 #include <sstream>
 #include <string>
+#include <vector>
 
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
@@ -29,16 +30,14 @@ std::string readBack(const std::string& text, bool* ok = nullptr) {
 }  // namespace
 
 TEST(StreamStrings, EscapesAndRoundTrip) {
-    EXPECT_EQ(written(nullptr), "\"\"");
-    EXPECT_EQ(written(""), "\"\"");
-    EXPECT_EQ(written("a\\b"), "\"a\\\\b\"");
-    EXPECT_EQ(written("say \"hi\""), "\"say \\\"hi\\\"\"");
-    EXPECT_EQ(written("l1\nl2\r"), "\"l1\\nl2\\r\"");
-    EXPECT_EQ(written("m\027x"), "\"m\\027x\"");
-    // A tab and other control characters pass as they are.
-    EXPECT_EQ(written("a\tb\001"), "\"a\tb\001\"");
-    // An explicit length stops early, and may hold a zero byte.
-    EXPECT_EQ(written("abcdef", 3), "\"abc\"");
+    // Backslash, quote, newline, return and 027 are escaped; a tab and other control characters
+    // pass as they are; an explicit length stops early.
+    EXPECT_EQ(
+        std::vector<std::string>({"\"\"", "\"\"", "\"a\\\\b\"", "\"say \\\"hi\\\"\"",
+                                  "\"l1\\nl2\\r\"", "\"m\\027x\"", "\"a\tb\001\"", "\"abc\""}),
+        std::vector<std::string>({written(nullptr), written(""), written("a\\b"),
+                                  written("say \"hi\""), written("l1\nl2\r"), written("m\027x"),
+                                  written("a\tb\001"), written("abcdef", 3)}));
     {
         std::ostringstream out;
         OrvWriteString(out, "ab", 0, 1);
@@ -132,20 +131,7 @@ TEST(StreamItems, ThreeDimensionalItems) {
     for (int i = 0; i < 16; i++) m.m[i] = (float)i * 0.5f;
     s << m;
     s << Orv3dPoint(1, 2, 3) << Orv3dVector(0.25f, 0, -1) << Orv4dPoint(1, 2, 3, 4);
-    Orv3dRect r;
-    r.x = 1;
-    r.y = 2;
-    r.w = 3;
-    r.h = 4;
-    s << r;
-    Orv3dVolume v;
-    v.x = 1;
-    v.y = 2;
-    v.z = 3;
-    v.w = 4;
-    v.h = 5;
-    v.d = 6;
-    s << v;
+    s << Orv3dRect(1, 2, 3, 4) << Orv3dVolume(1, 2, 3, 4, 5, 6);
     EXPECT_EQ(out.str(), "\tmatrix3d \n"
                          "\t0 0.5 1 1.5\n"
                          "\t2 2.5 3 3.5\n"
@@ -166,11 +152,8 @@ TEST(StreamItems, ThreeDimensionalItems) {
     Orv3dVolume v2;
     is >> back >> p >> vec >> p4 >> r2 >> v2;
     for (int i = 0; i < 16; i++) EXPECT_FLOAT_EQ(back.m[i], i * 0.5f);
-    EXPECT_FLOAT_EQ(p.z, 3);
-    EXPECT_FLOAT_EQ(vec.x, 0.25f);
-    EXPECT_FLOAT_EQ(p4.w, 4);
-    EXPECT_FLOAT_EQ(r2.h, 4);
-    EXPECT_FLOAT_EQ(v2.d, 6);
+    EXPECT_EQ(std::vector<float>({3, 0.25f, 4, 4, 6}),
+              std::vector<float>({p.z, vec.x, p4.w, r2.h, v2.d}));
     EXPECT_EQ(is.faults, 0u);
 }
 
@@ -199,23 +182,13 @@ TEST(StreamItems, ReadBackAndWrongKeys) {
     unsigned long position = 0;
     s >> r >> p >> us >> ss >> ui >> ii >> ul >> ll >> f >> d >> label;
     s.readPosition(position);
-    EXPECT_EQ(r.x, 1);
-    EXPECT_EQ(r.y, -2);
-    EXPECT_EQ(r.w, 30u);
-    EXPECT_EQ(r.h, 40u);
-    EXPECT_EQ(p.x, -5);
-    EXPECT_EQ(p.y, 6);
-    EXPECT_EQ(us, 7);
-    EXPECT_EQ(ss, -8);
-    EXPECT_EQ(ui, 9u);
-    EXPECT_EQ(ii, -10);
-    EXPECT_EQ(ul, 11u);
-    EXPECT_EQ(ll, -12);
-    EXPECT_FLOAT_EQ(f, 1.5f);
-    EXPECT_DOUBLE_EQ(d, 2.25);
+    EXPECT_EQ(r, Orv2dRect(1, -2, 30, 40));
+    EXPECT_EQ(p, Orv2dPoint(-5, 6));
+    EXPECT_EQ(std::vector<long>({7, -8, 9, -10, 11, -12, 5}),
+              std::vector<long>({us, ss, ui, ii, (long)ul, ll, (long)position}));
+    EXPECT_EQ(std::vector<double>({1.5, 2.25}), std::vector<double>({f, d}));
     ASSERT_NE(label, nullptr);
     EXPECT_STREQ(label, "x\ny");
-    EXPECT_EQ(position, 5u);
     EXPECT_EQ(s.faults, 0u);
 
     CaptureStdout();
