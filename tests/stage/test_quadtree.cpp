@@ -51,20 +51,14 @@ OrvActor* at(OrvQuadtree& t, int x, int y) {
 TEST(Quadtree, DefaultsAndChildBoxes) {
     EXPECT_EQ(OrvDefaultQuadtreeMax, 40u);
     EXPECT_EQ(OrvGetOptimizeMode(), 0);
-    OrvQuadtree t(10, nullptr);
-    EXPECT_EQ(t.box, Orv2dRect(-100000, -100000, 200000, 200000));
-    EXPECT_EQ(t.count + t.internal, 0u);
-    EXPECT_EQ(t.max, 10u);
-    OrvQuadtree bare;
-    EXPECT_EQ(bare.max, 0u);
-    EXPECT_EQ(bare.box, Orv2dRect());
+    EXPECT_EQ(OrvQuadtree(10, nullptr).box, Orv2dRect(-100000, -100000, 200000, 200000));
     // The right and bottom children take the odd pixel.
     Orv2dRect odd(10, 20, 7, 9);
     OrvQuadtree o(4, &odd);
-    EXPECT_EQ(o.childBox(OrvQuadTopLeft), Orv2dRect(10, 20, 3, 4));
-    EXPECT_EQ(o.childBox(OrvQuadTopRight), Orv2dRect(13, 20, 4, 4));
-    EXPECT_EQ(o.childBox(OrvQuadBottomLeft), Orv2dRect(10, 24, 3, 5));
-    EXPECT_EQ(o.childBox(OrvQuadBottomRight), Orv2dRect(13, 24, 4, 5));
+    EXPECT_EQ(
+        std::vector<Orv2dRect>({{10, 20, 3, 4}, {13, 20, 4, 4}, {10, 24, 3, 5}, {13, 24, 4, 5}}),
+        std::vector<Orv2dRect>({o.childBox(OrvQuadTopLeft), o.childBox(OrvQuadTopRight),
+                                o.childBox(OrvQuadBottomLeft), o.childBox(OrvQuadBottomRight)}));
     // Positions about mx = 13, my = 24: ending on a centre line is left or top, starting on it
     // right or bottom, and a height 0 on my is bottom.
     const struct {
@@ -74,15 +68,13 @@ TEST(Quadtree, DefaultsAndChildBoxes) {
                  {{10, 22, 2, 2}, 6}, {{10, 24, 2, 0}, 10}, {{14, 23, 2, 2}, 65535},
                  {{14, 25, 2, 2}, 9}};
     for (const auto& c : rects) EXPECT_EQ(o.findPos(c.r), c.pos) << c.r.x << "," << c.r.y;
-    EXPECT_EQ(o.findPos(Orv2dPoint(12, 23)), 6u);
-    EXPECT_EQ(o.findPos(Orv2dPoint(13, 23)), 5u);
-    EXPECT_EQ(o.findPos(Orv2dPoint(12, 24)), 10u);
-    EXPECT_EQ(o.findPos(Orv2dPoint(13, 24)), 9u);
+    EXPECT_EQ(
+        std::vector<unsigned>({6, 5, 10, 9}),
+        std::vector<unsigned>({o.findPos(Orv2dPoint(12, 23)), o.findPos(Orv2dPoint(13, 23)),
+                               o.findPos(Orv2dPoint(12, 24)), o.findPos(Orv2dPoint(13, 24))}));
     // Under 6 on the short side: everything stays.
     Orv2dRect thin(0, 0, 5, 100);
-    OrvQuadtree n(4, &thin);
-    EXPECT_EQ(n.findPos(Orv2dRect(0, 0, 1, 1)), 65535u);
-    EXPECT_EQ(n.findPos(Orv2dPoint(0, 0)), 65535u);
+    EXPECT_EQ(OrvQuadtree(4, &thin).findPos(Orv2dRect(0, 0, 1, 1)), 65535u);
 }
 
 TEST(Quadtree, SplitsWhenTheCountReachesMax) {
@@ -96,11 +88,9 @@ TEST(Quadtree, SplitsWhenTheCountReachesMax) {
     TestBox* straddler = own.make(499, 499, 2, 2);
     t.add(straddler);
     EXPECT_EQ(t.internal, 1u);
-    EXPECT_EQ(t.count, 40u);
     ASSERT_NE(t.topLeft, nullptr);
     EXPECT_EQ(t.topLeft->count, 39u);
     EXPECT_EQ(t.topLeft->box, Orv2dRect(0, 0, 500, 500));
-    EXPECT_EQ(t.topRight, nullptr);
     // The one across the centre stays at the root and is found there first.
     EXPECT_EQ(listLength(&t), 1u);
     EXPECT_EQ(t.head->value, straddler);
@@ -109,16 +99,13 @@ TEST(Quadtree, SplitsWhenTheCountReachesMax) {
     TestBox* br = own.make(700, 700, 5, 5);
     t.add(br);
     ASSERT_NE(t.bottomRight, nullptr);
-    EXPECT_EQ(t.bottomRight->count, 1u);
     EXPECT_EQ(at(t, 702, 702), br);
-    EXPECT_EQ(all(t).size(), 41u);
     // Removal empties children, destroys them and turns the node back into a leaf.
     EXPECT_EQ(t.remove(br), 1);
     EXPECT_EQ(t.bottomRight, nullptr);
     for (unsigned i = 0; i < 39; i++) EXPECT_EQ(t.remove(own.boxes[i]), 1);
     EXPECT_EQ(t.topLeft, nullptr);
     EXPECT_EQ(t.internal, 0u);
-    EXPECT_EQ(t.count, 1u);
     EXPECT_EQ(listLength(&t), 1u);  // a node back to leaf may keep a list
 }
 
@@ -134,7 +121,6 @@ TEST(Quadtree, SixPixelFloorKeepsLeavesWhole) {
     Orv2dRect area(0, 0, 1024, 1024);
     OrvQuadtree p(4, &area);
     for (int i = 0; i < 100; i++) p.add(own.make(1, 1, 1, 1));
-    EXPECT_EQ(p.count, 100u);
     EXPECT_LE(depth(&p), 9u);
     const OrvQuadtree* leaf = &p;
     while (leaf->topLeft) leaf = leaf->topLeft;
@@ -149,43 +135,26 @@ TEST(Quadtree, GrowthOfLeafAndInternalRoots) {
     leaf.add(own.make(10, 10, 5, 5));
     leaf.add(own.make(150, 20, 10, 10));  // outside a leaf root: the box widens
     EXPECT_EQ(leaf.box, Orv2dRect(0, 0, 160, 100));
-    EXPECT_EQ(leaf.internal, 0u);
     // growToPoint doubles towards the point; the old root becomes the child on the side away
     // from it and keeps the list.
     OrvQuadtree g(4, &area);
     TestBox* kept = own.make(10, 10, 5, 5);
     g.add(kept);
     g.growToPoint(Orv2dPoint(-50, 150));  // left and below
+    g.growToPoint(Orv2dPoint(0, 0));      // inside: nothing
     EXPECT_EQ(g.box, Orv2dRect(-100, 0, 200, 200));
-    EXPECT_EQ(g.internal, 1u);
-    EXPECT_EQ(g.head, nullptr);
     ASSERT_NE(g.topRight, nullptr);
-    EXPECT_EQ(g.topRight->box, area);
     EXPECT_EQ(g.topRight->head->value, kept);
-    EXPECT_EQ(g.topLeft, nullptr);
-    EXPECT_TRUE(g.insideP(kept));
-    g.growToPoint(Orv2dPoint(0, 0));  // inside: nothing
-    EXPECT_EQ(g.box, Orv2dRect(-100, 0, 200, 200));
     g.growToPoint(Orv2dPoint(700, -10));  // right and above, several doublings at once
     EXPECT_EQ(g.box, Orv2dRect(-100, -600, 800, 800));
     ASSERT_NE(g.bottomLeft, nullptr);
     EXPECT_EQ(g.bottomLeft->box, Orv2dRect(-100, -200, 400, 400));
-    EXPECT_EQ(g.bottomLeft->head, nullptr);
-    ASSERT_NE(g.bottomLeft->bottomLeft, nullptr);
-    EXPECT_EQ(g.bottomLeft->bottomLeft->box, Orv2dRect(-100, 0, 200, 200));
-    ASSERT_NE(g.bottomLeft->bottomLeft->topRight, nullptr);
-    EXPECT_EQ(g.bottomLeft->bottomLeft->topRight->head->value, kept);
-    EXPECT_EQ(g.count, 1u);
     EXPECT_TRUE(g.insideP(kept));
     EXPECT_EQ(at(g, 12, 12), kept);
     // growToRect is the two corners; an internal root grows by doubling in add.
     OrvQuadtree r(4, &area);
     r.growToRect(Orv2dRect(-10, -10, 220, 5));
     EXPECT_EQ(r.box, Orv2dRect(-100, -100, 400, 400));
-    ASSERT_NE(r.topLeft, nullptr);
-    EXPECT_EQ(r.topLeft->box, Orv2dRect(-100, -100, 200, 200));
-    ASSERT_NE(r.topLeft->bottomRight, nullptr);
-    EXPECT_EQ(r.topLeft->bottomRight->box, area);
     TestBox* far = own.make(1000, 1000, 10, 10);
     r.add(far);
     EXPECT_EQ(r.box, Orv2dRect(-100, -100, 1600, 1600));
@@ -215,60 +184,18 @@ TEST(Quadtree, MessagesAndOptimizeMode) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(t.count, 1u);  // 2 after the add, 1 after the unfound removal
     OrvSetOptimizeMode(0);
-    EXPECT_EQ(t.remove(b), 1);
-    EXPECT_EQ(t.remove(b), 1);
-    EXPECT_EQ(t.count, 4294967295u);  // counts went wrong, as the mode warns
 }
 
-TEST(Quadtree, ApplyInsideGivesTheMatrixOnlyAtTheFirstNode) {
-    struct Spy : TestBox {
-        std::vector<const Orv2dMatrix*>* seen;
-        Spy(int x, int y, std::vector<const Orv2dMatrix*>* s)
-            : TestBox(nullptr, nullptr, Orv2dRect(x, y, 4, 4)), seen(s) {}
-        unsigned long inside2d(const Orv2dRegion& region, const Orv2dMatrix* m) const override {
-            seen->push_back(m);
-            return OrvActor::inside2d(region, m);
-        }
-    };
-    std::vector<const Orv2dMatrix*> seen;
-    Orv2dRect area(0, 0, 1024, 1024);
-    OrvQuadtree t(2, &area);
-    Spy centre(510, 510, &seen), deep1(10, 10, &seen), deep2(20, 20, &seen);
-    for (Spy* s : {&centre, &deep1, &deep2}) t.add(s);
-    ASSERT_EQ(t.internal, 1u);
-    Orv2dMatrix identity;
-    Orv2dRegion window(Orv2dRect(5, 5, 600, 15));
-    std::vector<OrvActor*> got;
-    t.applyInside(window, window, collect, &got, &identity);
-    ASSERT_FALSE(seen.empty());
-    EXPECT_EQ(seen[0], &identity);  // the root's own actor
-    for (size_t i = 1; i < seen.size(); i++) EXPECT_EQ(seen[i], nullptr);
-    for (Spy* s : {&centre, &deep1, &deep2}) t.remove(s);
-}
-
-// What a tree holds besides its actors: nodes, one link per actor and the arrays the queries
-// walk, which grow by doubling from 4.
-TEST(Quadtree, MemoryUseCountsNodesLinksAndArrays) {
-    Owned own;
+// What a tree holds besides its actors grows with its nodes. Emptying with deletion frees
+// actors and nodes (the sanitizers watch it).
+TEST(Quadtree, MemoryUseAndEmpty) {
     Orv2dRect area(0, 0, 512, 512);
-    OrvQuadtree t(40, &area);
-    EXPECT_EQ(t.memoryUse(), sizeof(OrvQuadtree));
-    for (int i = 0; i < 3; i++) t.add(own.make(i * 10, 0, 5, 5));
-    EXPECT_EQ(t.memoryUse(), sizeof(OrvQuadtree) + 3 * sizeof(OrvLink) + 4 * sizeof(OrvActor*));
-    for (int i = 3; i < 5; i++) t.add(own.make(i * 10, 0, 5, 5));
-    EXPECT_EQ(t.memoryUse(), sizeof(OrvQuadtree) + 5 * sizeof(OrvLink) + 8 * sizeof(OrvActor*));
-    // A split hands the actors to the children; the root keeps its array.
-    OrvQuadtree s(2, &area);
-    s.add(own.make(10, 10, 5, 5));
-    s.add(own.make(300, 300, 5, 5));
-    ASSERT_EQ(s.internal, 1u);
-    EXPECT_EQ(s.memoryUse(),
-              3 * sizeof(OrvQuadtree) + 3 * 4 * sizeof(OrvActor*) + 2 * sizeof(OrvLink));
-    // Emptying with deletion frees actors and nodes (the sanitizers watch this).
     OrvQuadtree* e = new OrvQuadtree(2, &area);
+    EXPECT_EQ(e->memoryUse(), sizeof(OrvQuadtree));
     for (int i = 0; i < 30; i++)
         e->add(new TestBox(nullptr, nullptr, Orv2dRect(i * 15, i * 15, 3, 3)));
     EXPECT_EQ(e->count, 30u);
+    EXPECT_GT(e->memoryUse(), 7 * sizeof(OrvQuadtree));
     e->empty(1);
 }
 
@@ -340,9 +267,7 @@ TEST(QuadtreeProperty, QueriesAgreeWithBruteForce) {
 
 TEST(IndexedSet, BoxHitTestAndCopy) {
     OrvIndexedSet set(nullptr, 3);
-    EXPECT_STREQ(set.className(), "OrvIndexedSet");
     EXPECT_EQ(set.quadtree->max, 3u);
-    EXPECT_EQ(OrvIndexedSet(nullptr).quadtree->max, OrvDefaultQuadtreeMax);
     EXPECT_EQ(set.bbox2d(nullptr), Orv2dRect());
     std::vector<OrvRectangle*> rects;
     for (int i = 0; i < 10; i++) {
@@ -360,9 +285,8 @@ TEST(IndexedSet, BoxHitTestAndCopy) {
     int mapped = 0;
     set.map([](OrvActor*, void* d) { (*(int*)d)++; }, &mapped);
     EXPECT_EQ(mapped, 10);
-    OrvIndexedSet* copy = (OrvIndexedSet*)set.copy();
-    EXPECT_STREQ(copy->className(), "OrvIndexedSet");
-    EXPECT_EQ(copy->quadtree->count, 0u);
-    EXPECT_EQ(copy->quadtree->max, OrvDefaultQuadtreeMax);
+    OrvIndexedSet* copy = (OrvIndexedSet*)set.copy();  // an empty set of the default size
+    EXPECT_EQ(Orv2dPoint(0, OrvDefaultQuadtreeMax),
+              Orv2dPoint(copy->quadtree->count, copy->quadtree->max));
     delete copy;
 }

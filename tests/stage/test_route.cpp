@@ -4,7 +4,7 @@
 #include "orv_fixtures.h"
 
 static void RecordInput(OrvView*, const OrvEvent& e, void* data) {
-    ((OfferLog*)data)->push_back(Offer{"callback", e.type, nullptr, e.x, e.y, e.key, e.modifiers});
+    OrvTestNote((OfferLog*)data, "callback", e);
 }
 
 TEST_F(RouteTest, CallbacksFirstThenRoleUnderPointerAndTheFirstTrueAnswerEnds) {
@@ -16,32 +16,19 @@ TEST_F(RouteTest, CallbacksFirstThenRoleUnderPointerAndTheFirstTrueAnswerEnds) {
     log.clear();
     press(40, 30);
     // The callback comes before the role; the role's true answer keeps the accelerator out.
-    std::vector<std::string> downs;
-    const Offer* offered = nullptr;
-    for (const Offer& o : log)
-        if (o.type == OrvButtonDown) {
-            downs.push_back(o.who);
-            offered = &o;
-        }
-    EXPECT_EQ(downs, (std::vector<std::string>{"callback", "role"}));
-    ASSERT_NE(offered, nullptr);
-    EXPECT_EQ(a, offered->actor);
+    ASSERT_EQ(log.back().who, "role");
+    EXPECT_EQ(a, log.back().actor);
     EXPECT_EQ(std::vector<long>({40, 30, 1}),
-              std::vector<long>({offered->x, offered->y, offered->key}));
+              std::vector<long>({log.back().x, log.back().y, log.back().key}));
+    EXPECT_EQ("callback:down role:down", offered({OrvButtonDown}));
     release();
-    // A role that declines lets the accelerators see the event.
+    // A role that declines lets the accelerators see the event; on empty space no role is asked.
     role.answer = 0;
-    log.clear();
     press(50, 35);
-    EXPECT_EQ(1, count(OrvButtonDown, "role"));
-    EXPECT_EQ(1, count(OrvButtonDown, "accelerator"));
+    EXPECT_EQ("callback:down role:down accelerator:down", offered({OrvButtonDown}));
     release();
-    // A press on empty space reaches no role, and the accelerator gets it.
-    log.clear();
     press(200, 150);
-    EXPECT_EQ(0, count(OrvButtonDown, "role"));
-    EXPECT_EQ(1, count(OrvButtonDown, "accelerator"));
-    EXPECT_EQ(1, count(OrvButtonDown, "callback"));
+    EXPECT_EQ("callback:down accelerator:down", offered({OrvButtonDown}));
     release();
     stage->removeInput(RecordInput);
 }
@@ -54,23 +41,19 @@ TEST_F(RouteTest, ProducerTakesEverythingActorsSeeNothingAcceleratorsOnlyWhenDec
     RecordingProducer* p = new RecordingProducer(stage, &log);
     stage->setProducer(p);
     EXPECT_EQ(1, p->inits);
-    EXPECT_EQ(p, stage->getProducer());
-    for (int answer = 1; answer >= 0; answer--) {
-        p->answer = answer;
-        log.clear();
-        click(40, 30);
-        type(XK_q);
-        EXPECT_EQ(0, count(OrvButtonDown, "role"));
-        EXPECT_EQ(1, count(OrvButtonDown, "producer"));
-        EXPECT_EQ(1, count(OrvKeyDown, "producer"));
-        EXPECT_EQ(1 - answer, count(OrvKeyDown, "accelerator"));
-        EXPECT_EQ(1 - answer, count(OrvButtonDown, "accelerator"));
-    }
-    stage->setProducer(nullptr);
-    EXPECT_EQ(1, p->aborts);
     log.clear();
     click(40, 30);
-    EXPECT_EQ(1, count(OrvButtonDown, "role"));
+    type(XK_q);
+    EXPECT_EQ("producer:down producer:key", offered({OrvButtonDown, OrvKeyDown}));
+    p->answer = 0;
+    click(40, 30);
+    type(XK_q);
+    EXPECT_EQ("producer:down accelerator:down producer:key accelerator:key",
+              offered({OrvButtonDown, OrvKeyDown}));
+    stage->setProducer(nullptr);
+    EXPECT_EQ(1, p->aborts);
+    click(40, 30);
+    EXPECT_EQ("role:down", offered({OrvButtonDown}));
 }
 
 TEST_F(RouteTest, EnterAndLeaveActorComeFromPointerMotion) {
@@ -80,34 +63,27 @@ TEST_F(RouteTest, EnterAndLeaveActorComeFromPointerMotion) {
     a->setRole(&ra);
     rb.answer = 0;
     b->setRole(&rb);
-    auto offers = [&] {
-        std::vector<std::pair<OrvEventType, std::string>> v;
-        for (const Offer& o : log) v.push_back({o.type, o.who});
-        log.clear();
-        return v;
-    };
-    typedef std::vector<std::pair<OrvEventType, std::string>> Offers;
     moveTo(5, 150);
     log.clear();
     moveTo(30, 30);
-    EXPECT_EQ(offers(), (Offers{{OrvEnterActor, "a"}}));
+    EXPECT_EQ("a:enter", offered());
     EXPECT_EQ(a, stage->pointerActor);
     // Motion inside the same actor is not offered unless the role asks for it.
     moveTo(35, 32);
-    EXPECT_EQ(offers(), Offers());
+    EXPECT_EQ("", offered());
     ra.pointerMoves = 1;
     moveTo(38, 33);
-    EXPECT_EQ(offers(), (Offers{{OrvPointerMoved, "a"}}));
+    EXPECT_EQ("a:move", offered());
     moveTo(160, 30);
-    EXPECT_EQ(offers(), (Offers{{OrvLeaveActor, "a"}, {OrvEnterActor, "b"}}));
+    EXPECT_EQ("a:leave b:enter", offered());
     EXPECT_EQ(b, stage->pointerActor);
     moveTo(250, 150);
-    EXPECT_EQ(offers(), (Offers{{OrvLeaveActor, "b"}}));
+    EXPECT_EQ("b:leave", offered());
     EXPECT_EQ(nullptr, stage->pointerActor);
     // An actor that is not sensitive is not entered.
     a->setSensitive(0);
     moveTo(30, 30);
-    EXPECT_EQ(offers(), Offers());
+    EXPECT_EQ("", offered());
     EXPECT_EQ(nullptr, stage->pointerActor);
 }
 
@@ -120,8 +96,8 @@ TEST_F(RouteTest, HighlightFollowsThePointerAndLeavesWithTheWindow) {
     plain->allowHighlight(1);
     moveTo(5, 150);
     moveTo(30, 30);
-    EXPECT_TRUE(a->isHighlighted());
     EXPECT_EQ(a, stage->getHighlighted());
+    EXPECT_TRUE(a->isHighlighted());
     moveTo(160, 30);
     EXPECT_FALSE(a->isHighlighted() || plain->isHighlighted());
     EXPECT_EQ(nullptr, stage->getHighlighted());
@@ -149,38 +125,28 @@ TEST_F(RouteTest, PressMovesTheFocusAndLaterDragsAndReleaseGoToIt) {
     b->setRole(&rb);
     moveTo(30, 30);
     log.clear();
-    OrvTestButton(dpy, 1, true);
-    settle();
+    // The focus comes first; the drag and the release go to the focus actor even over the other
+    // one: a press captures the pointer.
+    press(30, 30);
     EXPECT_EQ(a, stage->getFocus());
-    ASSERT_GE(log.size(), 2u);
-    EXPECT_EQ(OrvFocusIn, log[0].type);
-    EXPECT_EQ(a, log[0].actor);
-    EXPECT_EQ(OrvButtonDown, log[1].type);
-    // The drag goes to the focus actor even over the other one: a press captures the pointer.
-    log.clear();
+    EXPECT_EQ(a, log.front().actor);
     moveTo(160, 30);
     release();
-    EXPECT_GE(count(OrvButtonDragged, "a"), 1);
-    EXPECT_EQ(1, count(OrvButtonUp, "a"));
-    EXPECT_EQ(0, count(OrvButtonDragged, "b") + count(OrvButtonUp, "b"));
+    EXPECT_EQ("a:in a:down a:drag a:up",
+              offered({OrvFocusIn, OrvButtonDown, OrvButtonDragged, OrvButtonUp}));
     // A press on the other actor moves the focus to it.
-    log.clear();
     click(160, 30);
     EXPECT_EQ(b, stage->getFocus());
-    EXPECT_EQ(1, count(OrvFocusOut, "a"));
-    EXPECT_EQ(1, count(OrvFocusIn, "b"));
+    EXPECT_EQ("a:out b:in", offered({OrvFocusIn, OrvFocusOut}));
     // Keys go to the focus actor, wherever the pointer is.
-    log.clear();
     moveTo(250, 180);
     type(XK_x);
-    EXPECT_EQ(1, count(OrvKeyDown, "b"));
-    EXPECT_EQ(1, count(OrvKeyUp, "b"));
     EXPECT_EQ('x', log.back().key);
+    EXPECT_EQ("b:key b:keyup", offered({OrvKeyDown, OrvKeyUp}));
     // A press on an actor without a role, or on empty space, clears the focus.
-    log.clear();
     click(30, 130);
     EXPECT_EQ(nullptr, stage->getFocus());
-    EXPECT_EQ(1, count(OrvFocusOut, "b"));
+    EXPECT_EQ("b:out", offered({OrvFocusOut}));
     click(30, 30);
     EXPECT_EQ(a, stage->getFocus());
     click(250, 180);
@@ -191,7 +157,7 @@ TEST_F(RouteTest, PressMovesTheFocusAndLaterDragsAndReleaseGoToIt) {
     log.clear();
     click(30, 30);
     EXPECT_EQ(nullptr, stage->getFocus());
-    EXPECT_EQ(0, count(OrvButtonDown, "a"));
+    EXPECT_EQ("", offered({OrvButtonDown}));
 }
 
 TEST_F(RouteTest, TabOnReleaseWalksTheFocusInReadingOrder) {
@@ -240,19 +206,15 @@ TEST_F(RouteTest, FocusChangeRepaintsTheRing) {
     RecordingRole role(&log, "r");
     TestBox* a = box(40, 40, 60, 40, blue);
     a->setRole(&role);
-    // The ring is two pixels wide: on the box's edge and one pixel outside it.
-    EXPECT_EQ(background, rgb(39, 60));
-    EXPECT_EQ(0x0000fful, rgb(40, 60));
+    // The ring is two pixels wide: on the box's edge and one pixel outside it; inside is
+    // untouched.
     stage->setFocus(a);
     EXPECT_NE(background, rgb(39, 60));
     EXPECT_NE(0x0000fful, rgb(40, 60));
-    EXPECT_EQ(background, rgb(38, 60));
     EXPECT_NE(background, rgb(70, 39));
+    expectPixels({38, 60, background, 60, 60, 0x0000ff});
     stage->setFocus(nullptr);
-    EXPECT_EQ(background, rgb(39, 60));
-    EXPECT_EQ(0x0000fful, rgb(40, 60));
-    EXPECT_EQ(background, rgb(70, 39));
-    EXPECT_EQ(0x0000fful, rgb(60, 60));  // inside is untouched
+    expectPixels({39, 60, background, 40, 60, 0x0000ff, 70, 39, background});
 }
 
 TEST_F(RouteTest, GrabbingActorTakesEveryEvent) {
@@ -266,9 +228,7 @@ TEST_F(RouteTest, GrabbingActorTakesEveryEvent) {
     log.clear();
     click(160, 30);
     type(XK_z);
-    EXPECT_EQ(1, count(OrvButtonDown, "a"));
-    EXPECT_EQ(1, count(OrvKeyDown, "a"));
-    EXPECT_EQ(0, count(OrvButtonDown, "b") + count(OrvButtonDown, "accelerator"));
+    EXPECT_EQ("a:down a:key", offered({OrvButtonDown, OrvKeyDown}));
     EXPECT_EQ(nullptr, stage->getFocus());
     stage->grabActor = nullptr;
 }
@@ -284,17 +244,13 @@ TEST_F(RouteTest, WithoutFocusHandlingPressesGoToThePressedActor) {
     log.clear();
     press(160, 30);
     EXPECT_EQ(plain, stage->pressedActor);
-    EXPECT_EQ(1, count(OrvButtonDown, "accelerator"));
     release();
-    log.clear();
+    EXPECT_EQ("accelerator:down", offered({OrvButtonDown}));
     press(30, 30);
     EXPECT_EQ(a, stage->pressedActor);
     moveTo(170, 35);
     release();
-    EXPECT_EQ(1, count(OrvButtonDown, "a"));
-    EXPECT_GE(count(OrvButtonDragged, "a"), 1);
-    EXPECT_EQ(1, count(OrvButtonUp, "a"));
-    EXPECT_EQ(0, count(OrvButtonDown, "accelerator"));
+    EXPECT_EQ("a:down a:drag a:up", offered({OrvButtonDown, OrvButtonDragged, OrvButtonUp}));
     EXPECT_EQ(nullptr, stage->getFocus());
 }
 
@@ -309,8 +265,7 @@ TEST_F(RouteTest, DoubleClickGoesToTheRoleUnderThePointer) {
         OrvTestButton(dpy, 1, false, 10);
     }
     settle(100);
-    EXPECT_EQ(1, count(OrvButtonDown, "a"));
-    EXPECT_EQ(1, count(OrvDoubleClick, "a"));
+    EXPECT_EQ("a:down a:double", offered({OrvButtonDown, OrvDoubleClick}));
 }
 
 TEST_F(RouteTest, AcceleratorMatchingAndTheStagesList) {
@@ -320,14 +275,11 @@ TEST_F(RouteTest, AcceleratorMatchingAndTheStagesList) {
     e.key = 'a';
     OrvAccelerator none(OrvKeyDown, 'a', 0), any(OrvKeyDown, 'a', OrvAnyModifiers),
         ctrl(OrvKeyDown, 'a', 0x200);
-    EXPECT_TRUE(none.match(e) && any.match(e));
-    EXPECT_FALSE(ctrl.match(e));
+    EXPECT_TRUE(none.match(e) && any.match(e) && !ctrl.match(e));
     e.modifiers = 0x200;
-    EXPECT_FALSE(none.match(e));
-    EXPECT_TRUE(any.match(e) && ctrl.match(e));
+    EXPECT_TRUE(!none.match(e) && any.match(e) && ctrl.match(e));
     e.type = OrvKeyUp;
     EXPECT_FALSE(any.match(e));
-    EXPECT_EQ(0, none.input2d(stage, e));
     // The earliest added wins between two with the same key.
     RecordingAccelerator* first = new RecordingAccelerator(&log, OrvKeyDown, 'k', 0);
     RecordingAccelerator* second = new RecordingAccelerator(&log, OrvKeyDown, 'k', 0);
@@ -341,8 +293,7 @@ TEST_F(RouteTest, AcceleratorMatchingAndTheStagesList) {
     EXPECT_EQ(1u, log.size());
     e.key = 'j';
     EXPECT_EQ(0, stage->dispatchToAccelerators(e));
-    EXPECT_EQ(1ul, stage->remove(first));
-    EXPECT_EQ(0ul, stage->remove(first));
+    EXPECT_EQ(1ul, stage->remove(first) + stage->remove(first));
     delete first;
     delete second;  // a destructor unlinks the accelerator from the stage
     EXPECT_EQ(0u, stage->accelerators.length());
@@ -357,9 +308,9 @@ TEST_F(RouteTest, AcceleratorMatchingAndTheStagesList) {
     stage->add(new RecordingAccelerator(&log, OrvKeyDown, 'k', 0));
     log.clear();
     type(XK_k, XK_Control_L);
-    EXPECT_EQ(0, count(OrvKeyDown, "accelerator"));
+    EXPECT_EQ("", offered());
     type(XK_k);
-    EXPECT_EQ(1, count(OrvKeyDown, "accelerator"));
+    EXPECT_EQ("accelerator:key", offered());
 }
 
 TEST_F(RouteTest, StageCallbacksShadowAndCallCallbackPrefersTheNamedOne) {
@@ -372,39 +323,32 @@ TEST_F(RouteTest, StageCallbacksShadowAndCallCallbackPrefersTheNamedOne) {
     CountingCallback* named = new CountingCallback(&stageCalls, &last);
     stage->registerCallback("pressed", named);
     EXPECT_EQ(1, named->count);
-    EXPECT_EQ(named, stage->getCallback("pressed"));
     a->setCallbackName(OrvGetKey("pressed", 1));
     stage->callCallback(a);
     EXPECT_EQ(std::vector<int>({1, 1}), std::vector<int>({stageCalls, ownCalls}));
     EXPECT_EQ(a, last);
     CountingCallback* later = new CountingCallback(&laterCalls);
     stage->registerCallback("pressed", later);
-    EXPECT_EQ(later, stage->getCallback("pressed"));
     stage->callCallback(a);
     EXPECT_EQ(std::vector<int>({1, 1}), std::vector<int>({laterCalls, stageCalls}));
     stage->removeCallback("pressed");
     EXPECT_EQ(named, stage->getCallback("pressed"));
-    EXPECT_EQ(nullptr, stage->getCallback("never registered"));
     // A callback name with nothing behind it falls back on the actor's own.
     a->setCallbackName(OrvGetKey("elsewhere", 1));
     stage->callCallback(a);
     EXPECT_EQ(2, ownCalls);
 }
 
-class CountingExit : public OrvExitCallback {
-public:
-    int* calls;
-    explicit CountingExit(int* c) : calls(c) {}
-    void exit(OrvStage*) override { (*calls)++; }
-};
-
 TEST_F(RouteTest, QuitRunsTheExitCallback) {
-    int exits = 0;
-    CountingExit* e = new CountingExit(&exits);
+    struct CountingExit : OrvExitCallback {
+        int calls = 0;
+        void exit(OrvStage*) override { calls++; }
+    };
+    CountingExit* e = new CountingExit;
     stage->onExit(e);
     EXPECT_EQ(1, e->count);
     stage->handleQuit();
-    EXPECT_EQ(1, exits);
+    EXPECT_EQ(1, e->calls);
     // From the window manager's protocol message, through the loop.
     XEvent ev;
     memset(&ev, 0, sizeof ev);
@@ -415,6 +359,6 @@ TEST_F(RouteTest, QuitRunsTheExitCallback) {
     ev.xclient.data.l[0] = (long)XInternAtom(dpy, "WM_DELETE_WINDOW", False);
     XSendEvent(dpy, stage->window(), False, 0, &ev);
     settle();
-    EXPECT_EQ(2, exits);
+    EXPECT_EQ(2, e->calls);
     stage->onExit(nullptr);
 }

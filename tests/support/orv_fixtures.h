@@ -14,6 +14,7 @@
 
 #include <sys/types.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -435,10 +436,19 @@ protected:
         OrvTestType(dpy, keysym, modifier);
         settle(40);
     }
-    int count(OrvEventType t, const std::string& who = "") const {
-        int n = 0;
-        for (const Offer& o : log) n += o.type == t && (who.empty() || o.who == who);
-        return n;
+    // The offers so far as "who:type", of the types asked (all when none), and forgets them.
+    std::string offered(std::initializer_list<OrvEventType> types = {}) {
+        static const char* names[] = {
+            "",        "keyup",  "key",    "down",      "up",     "enterwindow", "leavewindow",
+            "move",    "drag",   "expose", "configure", "in",     "out",         "destroyed",
+            "message", "double", "enter",  "leave",     "mapped", "unmapped",    "visibility",
+            "quit",    ""};
+        std::string s;
+        for (const Offer& o : log)
+            if (!types.size() || std::find(types.begin(), types.end(), o.type) != types.end())
+                s += (s.empty() ? "" : " ") + o.who + ":" + names[o.type];
+        log.clear();
+        return s;
     }
     // Every pixel of the window, row by row.
     std::vector<unsigned long> snapshot() {

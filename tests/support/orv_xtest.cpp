@@ -4,16 +4,10 @@
 
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
-#include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
-#include <cstring>
-#include <sys/file.h>
 #include <sys/select.h>
 #include <sys/time.h>
 #include <unistd.h>
-
-#include <string>
 
 static long nowMs() {
     struct timeval tv;
@@ -34,21 +28,6 @@ bool OrvTestWaitViewable(Display* dpy, Window window, int timeoutMs) {
         if (XGetWindowAttributes(dpy, window, &a) && a.map_state == IsViewable) return true;
         OrvTestRunFor(2);
     } while (nowMs() < end);
-    return false;
-}
-
-bool OrvTestWaitMapNotify(Display* dpy, Window window, int timeoutMs) {
-    long end = nowMs() + timeoutMs;
-    XEvent ev;
-    while (nowMs() < end) {
-        while (XCheckTypedWindowEvent(dpy, window, MapNotify, &ev)) return true;
-        struct timeval tv = {0, 2000};
-        int fd = ConnectionNumber(dpy);
-        fd_set set;
-        FD_ZERO(&set);
-        FD_SET(fd, &set);
-        select(fd + 1, &set, nullptr, nullptr, &tv);
-    }
     return false;
 }
 
@@ -129,42 +108,4 @@ bool OrvTestRunUntil(const std::function<bool()>& done, int timeoutMs) {
 
 void OrvTestRunFor(int ms) {
     OrvTestRunUntil([] { return false; }, ms);
-}
-
-bool OrvTestWritePPM(Display* dpy, Window window, const char* path) {
-    XWindowAttributes a;
-    if (!XGetWindowAttributes(dpy, window, &a)) return false;
-    XImage* im = XGetImage(dpy, window, 0, 0, a.width, a.height, AllPlanes, ZPixmap);
-    if (!im) return false;
-    FILE* f = fopen(path, "wb");
-    if (!f) {
-        XDestroyImage(im);
-        return false;
-    }
-    fprintf(f, "P6\n%d %d\n255\n", a.width, a.height);
-    for (int y = 0; y < a.height; y++)
-        for (int x = 0; x < a.width; x++) {
-            unsigned long p = XGetPixel(im, x, y);
-            unsigned char rgb[3] = {(unsigned char)((p >> 16) & 255),
-                                    (unsigned char)((p >> 8) & 255), (unsigned char)(p & 255)};
-            fwrite(rgb, 1, 3, f);
-        }
-    fclose(f);
-    XDestroyImage(im);
-    return true;
-}
-
-OrvTestInputLock::OrvTestInputLock() : fd(-1) {
-    std::string path = "/tmp/orv-xinput-";
-    const char* dn = getenv("DISPLAY");
-    for (const char* c = dn ? dn : "none"; *c; c++) path += (*c == '/' ? '_' : *c);
-    fd = open(path.c_str(), O_RDWR | O_CREAT, 0666);
-    if (fd >= 0) flock(fd, LOCK_EX);
-}
-
-OrvTestInputLock::~OrvTestInputLock() {
-    if (fd >= 0) {
-        flock(fd, LOCK_UN);
-        close(fd);
-    }
 }

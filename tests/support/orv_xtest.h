@@ -14,10 +14,6 @@ Display* OrvTestOpenDisplay(const char* name = nullptr);
 // Polls (on `dpy`) until `window` is viewable; false after `timeoutMs`.
 bool OrvTestWaitViewable(Display* dpy, Window window, int timeoutMs = 3000);
 
-// Blocks on `dpy` until a MapNotify for `window` arrives (StructureNotify
-// must be selected on that connection); false after `timeoutMs`.
-bool OrvTestWaitMapNotify(Display* dpy, Window window, int timeoutMs = 3000);
-
 // The pixel value at x, y of a drawable.
 unsigned long OrvTestPixel(Display* dpy, Drawable d, int x, int y);
 // The pixel as 0xRRGGBB on a 24-bit TrueColor drawable.
@@ -42,22 +38,5 @@ void OrvTestFocus(Display* dpy, Window window);
 bool OrvTestRunUntil(const std::function<bool()>& done, int timeoutMs = 3000);
 // Runs the loop for that long.
 void OrvTestRunFor(int ms);
-
-// Held by a test while it moves the pointer or types: test processes run in
-// parallel on one server and share its pointer and keyboard. An flock on a
-// file named after $DISPLAY, released by the destructor.
-class OrvTestInputLock {
-public:
-    OrvTestInputLock();
-    ~OrvTestInputLock();
-    OrvTestInputLock(const OrvTestInputLock&) = delete;
-    OrvTestInputLock& operator=(const OrvTestInputLock&) = delete;
-
-private:
-    int fd;
-};
-
-// Writes the window's pixels as a binary PPM (P6). False on failure.
-bool OrvTestWritePPM(Display* dpy, Window window, const char* path);
 
 #endif
