@@ -16,9 +16,7 @@ ORV_ON_BOTH_SCREENS(Bitmaps);
 
 TEST_P(Bitmaps, LocksMasksAndDeletion) {
     OrvBitmap* b = new OrvBitmap(d->rootCanvas, 8, 8, d->depth);
-    EXPECT_EQ(b->lockCount, 0u);
     EXPECT_EQ(b->isABitmap() + b->isPrintDevice(), 1u);
-    EXPECT_STREQ(b->className(), "OrvBitmap");
     EXPECT_NE(d->bitmaps->find(b), nullptr) << "registered with the director";
     OrvBitmap* m = new OrvBitmap(d->rootCanvas, 8, 8, 1);
     b->lock();
@@ -58,11 +56,6 @@ TEST_P(Bitmaps, BitsInAndOut) {
     EXPECT_EQ("1111111100000000", row(one, 1, 16));
     one->setBits(Orv2dRect(0, 0, 16, 2), rows, 4, 8, 1);  // least significant bit first
     EXPECT_EQ("0000000110000000", row(one, 0, 16));
-    unsigned long size = 0;
-    unsigned char* bits = one->getBits(size, Orv2dRect(0, 0, 16, 2));
-    ASSERT_NE(bits, nullptr);
-    EXPECT_GE(size, 4u);
-    free(bits);
     // Deeper pixels go most significant byte first: one byte each at depth 8, four above.
     OrvBitmap* pic = new OrvBitmap(d->rootCanvas, 2, 1, d->depth);
     unsigned long red = px("red"), blue = px("blue");
@@ -76,7 +69,8 @@ TEST_P(Bitmaps, BitsInAndOut) {
     pic->setBits(Orv2dRect(0, 0, 2, 1), data, rowBytes, 32, 0);
     EXPECT_EQ(Orv2dPoint(red, blue), Orv2dPoint(pixel(pic, 0, 0), pixel(pic, 1, 0)));
     // And come back through getBits in the server's own layout.
-    bits = pic->getBits(size, Orv2dRect(0, 0, 2, 1));
+    unsigned long size = 0;
+    unsigned char* bits = pic->getBits(size, Orv2dRect(0, 0, 2, 1));
     ASSERT_NE(bits, nullptr);
     EXPECT_GE(size, rowBytes);
     free(bits);

