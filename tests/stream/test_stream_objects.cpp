@@ -131,29 +131,12 @@ TEST_F(StreamObjects, PropertiesStringIsTheFlagWord) {
     EXPECT_EQ(back[0]->flags, 0u);
 }
 
-TEST_F(StreamObjects, MakeUpBlockText) {
+// The whole block is in tests/data/stream/small.orv; here a make-up of its own comes back as the
+// same shared object.
+TEST_F(StreamObjects, MakeUpBlockComesBackShared) {
     OrvMakeUp* m = director->makeUpLineWidth(red, 2);
     std::string text = save({box(0, 0, 1, 1, m)});
-    size_t from = text.find("\tmakeUp 1 {\n");
-    ASSERT_NE(from, std::string::npos);
-    std::string block = text.substr(from, text.find("\t}\n", from) + 3 - from);
-    EXPECT_EQ(
-        block.find("\tmakeUp 1 {\n\t\t% foreground\n\t\tcolorName\t\"red\"\n\t\t% background\n"),
-        0u)
-        << block;
-    // The keys, in this order.
-    size_t last = 0;
-    for (const std::string& k :
-         {std::string("\t\tpattern\t\tNone\n"), std::string("\t\tlineWidth\t2\n"),
-          "\t\trasterFont\t" + std::string(m->font()->name) + "\n",
-          std::string("\t\tcolorPattern\tNone\n\t\tfillStyle\t0\n\t\tarcMode\t\t0\n"
-                      "\t\tfillRule\t0\n\t\tsmooth\t\tyes\n\t\tdistinguish\tno\n\t\tcull\t\t1\n"
-                      "\t\tfrontStyle\t4\n\t\tbackStyle\t4\n\t\tmarkerType\t1\n\t\tmarkerScale\t2\n"
-                      "\t\tpointSize\t3\n\t\tvfont\t\tNone\n\t\ttexture\tNone\n")}) {
-        size_t at = block.find(k);
-        EXPECT_TRUE(at != std::string::npos && at > last) << k << " in\n" << block;
-        last = at;
-    }
+    EXPECT_NE(text.find("\t\tlineWidth\t2\n"), std::string::npos) << text;
     std::vector<OrvActor*> back = load(text);
     ASSERT_EQ(back.size(), 1u);
     EXPECT_EQ(back[0]->makeUp, m);
