@@ -17,16 +17,9 @@ TEST(Actor, DefaultFlagsAndTheBitVocabulary) {
     EXPECT_FALSE(a.isSelectable());
     a.setProperty(7);
     EXPECT_EQ(a.getProperty(39), 1u);
-    a.setMoveable(0);
-    a.setResizeable(0);
-    a.allowHighlight(1);
-    a.immediate(1);
-    a.set3dFastFaceRendering(0);
-    EXPECT_FALSE(a.isMoveable() || a.isResizeable() || a.is3dFastFaceRendering());
-    EXPECT_TRUE(a.isHighlightAllowed() && a.isImmediate());
 }
 
-TEST(Actor, UserPropertiesNamesCallbacksAndEngines) {
+TEST(Actor, UserPropertiesNamesAndCallbacks) {
     OrvActor a(nullptr);
     OrvKey *k1 = OrvGetKey("test_actor_k1", 1), *k2 = OrvGetKey("test_actor_k2", 1);
     EXPECT_EQ(a.getUserProperty(k1), nullptr);
@@ -44,15 +37,8 @@ TEST(Actor, UserPropertiesNamesCallbacksAndEngines) {
     a.setName("second");
     EXPECT_STREQ(a.getName(), "second");
     EXPECT_TRUE(a.getProperty(9));
-    EXPECT_EQ(OrvGetKey("P_name", 0), nameA);
-    EXPECT_EQ(OrvGetKey("P_baheviour", 0), roleA);
     a.setName(nullptr);
     EXPECT_FALSE(a.getProperty(9) || a.hasUserProperty(nameA));
-    // The engine bit stays once set, even when the engine goes.
-    a.setEngine((OrvEngine*)&a);
-    a.setEngine(nullptr);
-    EXPECT_EQ(a.getEngine(), nullptr);
-    EXPECT_TRUE(a.getProperty(13));
     // Callbacks are counted by their holders.
     struct Counted : OrvCallback {
         int* deaths;
@@ -194,13 +180,6 @@ TEST(ActorGeometry, HandlesAndDragger) {
     Orv2dRegion region(Orv2dRect(500, 500, 5, 5));
     a.draggerRegions2d(region, nullptr);
     EXPECT_EQ(region.bbox, Orv2dRect(6, 16, 39, 49));
-    // The default dragger follows the pointer between press and release.
-    Orv2dDragger& dr = OrvActor::_default2dDragger;
-    Orv2dPoint out;
-    EXPECT_EQ(dr.onButtonDown(Orv2dPoint(1, 1), nullptr), 1u);
-    EXPECT_EQ(dr.onButtonDragged(Orv2dPoint(7, 9), out), 1u);
-    EXPECT_EQ(out, Orv2dPoint(7, 9));
-    EXPECT_EQ(dr.onButtonUp() + dr.onButtonDragged(Orv2dPoint(3, 3), out), 0u);
 }
 
 TEST(ActorGeometry, FocusRegionAndRegionTests) {

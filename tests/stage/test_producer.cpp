@@ -23,7 +23,7 @@ TEST_F(ProducerTest, SelectByClickShiftClickAndRubberBand) {
     TestBox* a = box(20, 20, 60, 40);
     TestBox* b = box(150, 20, 60, 40, blue);
     TestBox* c = box(100, 120, 60, 40);
-    std::vector<unsigned long> clean = snapshot();
+    std::vector<unsigned long> clean = snapshot(stage);
     click(50, 40);
     EXPECT_TRUE(a->isSelected() && !b->isSelected());
     EXPECT_NE(background, rgb(17, 17));  // the top-left handle's square, at 16..23
@@ -58,7 +58,7 @@ TEST_F(ProducerTest, SelectByClickShiftClickAndRubberBand) {
     // A band that holds nothing whole selects nothing and leaves nothing.
     drag(90, 110, 130, 150);
     EXPECT_EQ(0u, selected());
-    EXPECT_EQ(clean, snapshot());
+    EXPECT_EQ(clean, snapshot(stage));
 }
 
 TEST_F(ProducerTest, MoveShowsTheGhostAndLandsToThePixel) {
@@ -206,8 +206,7 @@ TEST_F(ProducerTest, RectangleProducerDragsOutARectangle) {
 
 TEST_F(ProducerTest, ProducerStackPushAndPop) {
     OfferLog l1, l2;
-    RecordingHook* hook = new RecordingHook;
-    stage->install(hook);
+    RecordingHook* hook = installHook();
     RecordingProducer* p1 = new RecordingProducer(stage, &l1);
     RecordingProducer* p2 = new RecordingProducer(stage, &l2);
     stage->setProducer(p1);
@@ -244,22 +243,6 @@ TEST_F(ProducerTest, ProducerStackPushAndPop) {
     stage->setProducer(p1);
     EXPECT_EQ(nullptr, stage->getFocus());
     stage->setProducer(nullptr);
-}
-
-TEST_F(ProducerTest, EntryPointsForScenesAndSubProducers) {
-    OrvEvent e;
-    memset((void*)&e, 0, sizeof e);
-    e.type = OrvButtonDown;
-    OrvRotateProducer* rotate = new OrvRotateProducer(stage);
-    EXPECT_EQ(0, select->input3d(e) + rotate->input3d(e) + rotate->input2d(e));
-    std::string names;
-    for (OrvProducer* p :
-         std::vector<OrvProducer*>{rotate, select, select->reshape, select->selectRectangle})
-        names += std::string(p->className()) + " ";
-    EXPECT_EQ("Rotate Select Reshape DragSelectRectangle ", names);
-    // Sub-producers belong to the select producer, not to the stage's list.
-    EXPECT_EQ(nullptr, stage->producers.find(select->move));
-    EXPECT_NE(nullptr, stage->producers.find(select));
 }
 
 TEST_F(ProducerTest, CursorFollowsTheHandlesWithoutAPress) {

@@ -9,8 +9,7 @@ static void RecordInput(OrvView*, const OrvEvent& e, void* data) {
 
 TEST_F(RouteTest, CallbacksFirstThenRoleUnderPointerAndTheFirstTrueAnswerEnds) {
     RecordingRole role(&log, "role");
-    TestBox* a = box(20, 20, 60, 40);
-    a->setRole(&role);
+    TestBox* a = actor(20, 20, &role);
     stage->onInput(RecordInput, &log);
     stage->add(new RecordingAccelerator(&log, OrvButtonDown, 1, OrvAnyModifiers));
     log.clear();
@@ -35,7 +34,7 @@ TEST_F(RouteTest, CallbacksFirstThenRoleUnderPointerAndTheFirstTrueAnswerEnds) {
 
 TEST_F(RouteTest, ProducerTakesEverythingActorsSeeNothingAcceleratorsOnlyWhenDeclined) {
     RecordingRole role(&log, "role");
-    box(20, 20, 60, 40)->setRole(&role);
+    actor(20, 20, &role);
     stage->add(new RecordingAccelerator(&log, OrvKeyDown, 'q', 0));
     stage->add(new RecordingAccelerator(&log, OrvButtonDown, 1, OrvAnyModifiers));
     RecordingProducer* p = new RecordingProducer(stage, &log);
@@ -58,11 +57,8 @@ TEST_F(RouteTest, ProducerTakesEverythingActorsSeeNothingAcceleratorsOnlyWhenDec
 
 TEST_F(RouteTest, EnterAndLeaveActorComeFromPointerMotion) {
     RecordingRole ra(&log, "a"), rb(&log, "b");
-    TestBox* a = box(20, 20, 60, 40);
-    TestBox* b = box(150, 20, 60, 40);
-    a->setRole(&ra);
     rb.answer = 0;
-    b->setRole(&rb);
+    TestBox *a = actor(20, 20, &ra), *b = actor(150, 20, &rb);
     moveTo(5, 150);
     log.clear();
     moveTo(30, 30);
@@ -89,9 +85,8 @@ TEST_F(RouteTest, EnterAndLeaveActorComeFromPointerMotion) {
 
 TEST_F(RouteTest, HighlightFollowsThePointerAndLeavesWithTheWindow) {
     RecordingRole ra(&log, "a");
-    TestBox* a = box(20, 20, 60, 40);
+    TestBox* a = actor(20, 20, &ra);
     TestBox* plain = box(150, 20, 60, 40);  // no role: not hit by the role test
-    a->setRole(&ra);
     a->allowHighlight(1);
     plain->allowHighlight(1);
     moveTo(5, 150);
@@ -118,11 +113,8 @@ TEST_F(RouteTest, HighlightFollowsThePointerAndLeavesWithTheWindow) {
 
 TEST_F(RouteTest, PressMovesTheFocusAndLaterDragsAndReleaseGoToIt) {
     RecordingRole ra(&log, "a"), rb(&log, "b");
-    TestBox* a = box(20, 20, 60, 40);
-    TestBox* b = box(150, 20, 60, 40);
+    TestBox *a = actor(20, 20, &ra), *b = actor(150, 20, &rb);
     box(20, 120, 60, 40);  // no role
-    a->setRole(&ra);
-    b->setRole(&rb);
     moveTo(30, 30);
     log.clear();
     // The focus comes first; the drag and the release go to the focus actor even over the other
@@ -183,12 +175,9 @@ TEST_F(RouteTest, TabOnReleaseWalksTheFocusInReadingOrder) {
     stage->moveFocusAfter();
     EXPECT_EQ(a, stage->getFocus());
     // The press of Tab alone does nothing: the focus moves on the release.
-    OrvTestFocus(dpy, stage->window());
-    OrvTestKey(dpy, XK_Tab, true);
-    settle();
+    key(XK_Tab, true);
     EXPECT_EQ(a, stage->getFocus());
-    OrvTestKey(dpy, XK_Tab, false);
-    settle();
+    key(XK_Tab, false);
     EXPECT_EQ(b, stage->getFocus());
     // With one eligible actor left, Tab keeps the focus where it is.
     a->setSensitive(0);
@@ -219,10 +208,9 @@ TEST_F(RouteTest, FocusChangeRepaintsTheRing) {
 
 TEST_F(RouteTest, GrabbingActorTakesEveryEvent) {
     RecordingRole ra(&log, "a"), rb(&log, "b");
-    TestBox* a = box(20, 20, 60, 40);
-    a->setRole(&ra);
     ra.answer = 0;  // declined, yet nothing else sees the event
-    box(150, 20, 60, 40)->setRole(&rb);
+    TestBox* a = actor(20, 20, &ra);
+    actor(150, 20, &rb);
     stage->add(new RecordingAccelerator(&log, OrvButtonDown, 1, OrvAnyModifiers));
     stage->grabActor = a;
     log.clear();
@@ -235,9 +223,8 @@ TEST_F(RouteTest, GrabbingActorTakesEveryEvent) {
 
 TEST_F(RouteTest, WithoutFocusHandlingPressesGoToThePressedActor) {
     RecordingRole ra(&log, "a");
-    TestBox* a = box(20, 20, 60, 40);
+    TestBox* a = actor(20, 20, &ra);
     TestBox* plain = box(150, 20, 60, 40);
-    a->setRole(&ra);
     stage->focusEnabled = 0;
     // No role: the press gives 0 and still sets the pressed actor.
     stage->add(new RecordingAccelerator(&log, OrvButtonDown, 1, OrvAnyModifiers));
@@ -256,7 +243,7 @@ TEST_F(RouteTest, WithoutFocusHandlingPressesGoToThePressedActor) {
 
 TEST_F(RouteTest, DoubleClickGoesToTheRoleUnderThePointer) {
     RecordingRole ra(&log, "a");
-    box(20, 20, 60, 40)->setRole(&ra);
+    actor(20, 20, &ra);
     director->setDoubleClickPeriod(400);
     moveTo(30, 30);
     log.clear();
@@ -269,8 +256,7 @@ TEST_F(RouteTest, DoubleClickGoesToTheRoleUnderThePointer) {
 }
 
 TEST_F(RouteTest, AcceleratorMatchingAndTheStagesList) {
-    OrvEvent e;
-    memset((void*)&e, 0, sizeof e);
+    OrvEvent e{};
     e.type = OrvKeyDown;
     e.key = 'a';
     OrvAccelerator none(OrvKeyDown, 'a', 0), any(OrvKeyDown, 'a', OrvAnyModifiers),
@@ -350,8 +336,7 @@ TEST_F(RouteTest, QuitRunsTheExitCallback) {
     stage->handleQuit();
     EXPECT_EQ(1, e->calls);
     // From the window manager's protocol message, through the loop.
-    XEvent ev;
-    memset(&ev, 0, sizeof ev);
+    XEvent ev{};
     ev.xclient.type = ClientMessage;
     ev.xclient.window = stage->window();
     ev.xclient.message_type = XInternAtom(dpy, "WM_PROTOCOLS", False);

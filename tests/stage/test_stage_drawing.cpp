@@ -140,8 +140,7 @@ TEST_F(StageTest, RegionCollapsesAtThirtyThree) {
 }
 
 TEST_F(StageTest, HooksSeeTheCycle) {
-    RecordingHook* hook = new RecordingHook;
-    stage->install(hook);
+    RecordingHook* hook = installHook();
     EXPECT_EQ("", OrvTestOutput([&] { stage->install(hook); }));  // silent: already here
     TestBox* a = box(10, 10, 20, 20);
     TestBox* outside = box(400, 400, 20, 20);
@@ -280,8 +279,7 @@ TEST_F(StageTest, DestructorLetsHooksGoAndPaintsNothing) {
 TEST_F(StageTest, ExposeCopiesTheBitmapOrRepaintsTheExposedPart) {
     TestBox* a = box(10, 10, 40, 40);
     TestBox* b = box(120, 80, 40, 40, blue);
-    RecordingHook* hook = new RecordingHook;
-    stage->install(hook);
+    RecordingHook* hook = installHook();
     resetCounts({a, b});
     XClearArea(dpy, stage->window(), 0, 0, 60, 60, True);  // cleared, with an Expose
     ASSERT_TRUE(OrvTestRunUntil([&] { return a->draws > 0; }));
@@ -332,8 +330,6 @@ TEST_F(StageTest, DoubleBufferedRepaintReachesTheWindowOnlyAsCopies) {
 TEST_F(StageTest, BufferedDrawPaintsThroughTheScreenBuffer) {
     TestBox* a = box(10, 10, 20, 20);
     TestBox* far = box(150, 100, 20, 20, blue);
-    RecordingHook* hook = new RecordingHook;
-    stage->install(hook);
     resetCounts({a, far});
     XClearArea(dpy, stage->window(), 0, 0, 200, 150, False);  // no expose
     stage->bufferedDraw(Orv2dRect(5, 5, 30, 30));
@@ -351,8 +347,7 @@ TEST_F(StageTest, BufferedDrawPaintsThroughTheScreenBuffer) {
 TEST_F(StageTest, TransformerMapsPicturesAndHits) {
     TestBox* a = box(10, 10, 20, 20);
     TestBox* far = box(150, 100, 20, 20, blue);
-    RecordingHook* hook = new RecordingHook;
-    stage->install(hook);
+    RecordingHook* hook = installHook();
     stage->zoom(Orv2dPoint(0, 0), 2.0f, 2.0f);
     EXPECT_EQ(1, hook->transformers);
     expectPixels({55, 55, R, 65, 65, background});
@@ -382,8 +377,7 @@ TEST_F(StageTest, TransformerMapsPicturesAndHits) {
 TEST_F(StageTest, ResizeRepaintsWhatItMust) {
     TestBox* a = box(10, 10, 20, 20);
     TestBox* right = box(230, 20, 30, 30, blue);
-    RecordingHook* hook = new RecordingHook;
-    stage->install(hook);
+    RecordingHook* hook = installHook();
     XResizeWindow(dpy, stage->window(), 300, 200);
     ASSERT_TRUE(OrvTestRunUntil([&] { return stage->width == 300 && right->draws > 0; }));
     EXPECT_EQ(1, hook->resized);
@@ -411,8 +405,7 @@ TEST_F(StageTest, EmptyAndContentsBoxes) {
     EXPECT_EQ(Orv2dRect(10, 10, 130, 70), stage->contentsBBox(nullptr));
     stage->zoom(Orv2dPoint(0, 0), 0.5f, 0.5f);
     EXPECT_EQ(Orv2dRect(5, 5, 65, 35), stage->contentsBBox(stage->toStage()));
-    RecordingHook* hook = new RecordingHook;
-    stage->install(hook);
+    RecordingHook* hook = installHook();
     stage->empty(1);
     EXPECT_EQ(3, hook->contentsCalls);  // each actor's removal, then the emptied stage once more
     EXPECT_EQ(background, rgb(55, 30));

@@ -1,12 +1,11 @@
-// The fixtures of the suite and its one test actor. Each fixture in a line:
-//   PrivateXServer  an Xvfb of the test's own: no other test's window covers it or moves its
-//   pointer. OrvScreenTest   a director on each test screen (24-bit, 8-bit), white sheets and pixel
-//   reads. XTest           a director on a private server (the suite's one when Xvfb is missing).
-//   StageTest       XTest plus a mapped 200x150 TestStage, red and blue make-ups and boxes.
-//   RouteTest       StageTest at 300x200 with XTest gestures and a log of what was offered.
-//   StreamTest      XTest plus saving and reading actors and stages through string streams.
-//   ViewTest        XTest plus a mapped top-level view that logs its callbacks, and a raw
-//   connection.
+// The fixtures of the suite and its one test actor, TestBox. Each fixture in a line:
+// PrivateXServer: an Xvfb of the test's own, so no other window covers it or moves its pointer.
+// OrvScreenTest: a director on each test screen (24-bit, 8-bit), white sheets and pixel reads.
+// XTest: a director on a private server (on the suite's one when Xvfb is missing).
+// StageTest: XTest plus a mapped 200x150 TestStage, red and blue make-ups and boxes.
+// RouteTest: StageTest at 300x200 with XTest gestures and a log of what was offered.
+// StreamTest: XTest plus saving and reading actors and stages through string streams.
+// ViewTest: XTest plus a mapped top-level view that logs its callbacks, and a raw connection.
 #ifndef ORV_TEST_FIXTURES_H
 #define ORV_TEST_FIXTURES_H
 
@@ -138,15 +137,14 @@ class RecordingHook : public OrvStageHook {
 public:
     int before = 0, after = 0, copies = 0, invalidations = 0, contentsCalls = 0, resized = 0,
         transformers = 0, producers = 0;
-    const OrvCanvas *drawCanvas = nullptr, *copyCanvas = nullptr;
+    const OrvCanvas* copyCanvas = nullptr;
     OrvProducer* lastProducer = nullptr;
     Orv2dRegion lastRegion;
     Log* log = nullptr;
     bool owned = true;  // deleted by the stage
 
-    void beforeDraw(const OrvCanvas* c, const Orv2dMatrix*, const Orv2dRegion* r) override {
+    void beforeDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion* r) override {
         before++;
-        drawCanvas = c;
         if (r) lastRegion = *r;
         if (log) log->push_back("drawAll");
     }
@@ -330,6 +328,17 @@ protected:
         delete director;
         if (!suite().empty()) setenv("DISPLAY", suite().c_str(), 1);
     }
+    // Every pixel of a view's window as 0xRRGGBB, row by row.
+    std::vector<unsigned long> snapshot(const OrvView* v) {
+        XSync(dpy, False);
+        XImage* im = XGetImage(dpy, v->window(), 0, 0, v->width, v->height, AllPlanes, ZPixmap);
+        std::vector<unsigned long> pixels;
+        for (unsigned long y = 0; y < v->height; y++)
+            for (unsigned long x = 0; x < v->width; x++)
+                pixels.push_back(XGetPixel(im, x, y) & 0xffffff);
+        XDestroyImage(im);
+        return pixels;
+    }
     // The pixel of a window or pixmap as 0xRRGGBB, after the requests so far.
     unsigned long rgbOf(unsigned long drawable, int x, int y) {
         XSync(dpy, False);
@@ -381,6 +390,12 @@ protected:
         (s ? s : stage)->append(b, layer);
         return b;
     }
+    // A recording hook, installed on the stage, which owns it.
+    RecordingHook* installHook() {
+        RecordingHook* h = new RecordingHook;
+        stage->install(h);
+        return h;
+    }
     // Forgets what the setup drew, so that a test counts only its own repaints.
     void resetCounts(const std::vector<TestBox*>& boxes) {
         for (TestBox* b : boxes) b->draws = 0;
@@ -430,6 +445,18 @@ protected:
         OrvTestKey(dpy, XK_Shift_L, down);
         settle();
     }
+    // A key pressed or released on the stage.
+    void key(unsigned long keysym, bool down) {
+        OrvTestFocus(dpy, stage->window());
+        OrvTestKey(dpy, keysym, down);
+        settle();
+    }
+    // A 60x40 red box at x, y playing that role.
+    TestBox* actor(long x, long y, OrvRole* role) {
+        TestBox* b = box(x, y, 60, 40);
+        b->setRole(role);
+        return b;
+    }
     // A key typed on the stage, with an optional modifier held.
     void type(unsigned long keysym, unsigned long modifier = 0, OrvStage* s = nullptr) {
         OrvTestFocus(dpy, (s ? s : stage)->window());
@@ -450,28 +477,16 @@ protected:
         log.clear();
         return s;
     }
-    // Every pixel of the window, row by row.
-    std::vector<unsigned long> snapshot() {
-        XSync(dpy, False);
-        XImage* im =
-            XGetImage(dpy, stage->window(), 0, 0, stage->width, stage->height, AllPlanes, ZPixmap);
-        std::vector<unsigned long> v;
-        for (unsigned long y = 0; y < stage->height; y++)
-            for (unsigned long x = 0; x < stage->width; x++)
-                v.push_back(XGetPixel(im, x, y) & 0xffffff);
-        XDestroyImage(im);
-        return v;
-    }
     // Whether the window holds exactly what a fresh repaint paints: no ghost left.
     bool sameAsRepaint() {
-        std::vector<unsigned long> before = snapshot();
+        std::vector<unsigned long> before = snapshot(stage);
         stage->drawAll(nullptr, 1);
-        return before == snapshot();
+        return before == snapshot(stage);
     }
     // How many pixels of the window differ from the background.
     int foreignPixels() {
         int n = 0;
-        for (unsigned long p : snapshot()) n += p != background;
+        for (unsigned long p : snapshot(stage)) n += p != background;
         return n;
     }
 };
