@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
@@ -89,7 +88,7 @@ TEST(MakeData, TilesAndRowsOfEveryOverload) {
     EXPECT_EQ(rows(d), repeat({0x1122, 0x3344, 0x8001, 0xFFFE}));
 }
 
-TEST(OrvDiagnostics, PrintErrorAndDate) {
+TEST(OrvDiagnostics, PrintAndError) {
     testing::internal::CaptureStdout();
     OrvPrint("value %d of %s\n", 42, "answer");
     int result = OrvError("## OrvThing::act failed on %s \n", "x");
@@ -97,12 +96,6 @@ TEST(OrvDiagnostics, PrintErrorAndDate) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "value 42 of answer\n## OrvThing::act failed on x \nno newline");
     EXPECT_EQ(result, 0);
-    // The date is ctime's without its newline.
-    time_t before = time(nullptr);
-    std::string date = OrvDate();
-    time_t after = time(nullptr);
-    EXPECT_TRUE(date == std::string(ctime(&before), 24) || date == std::string(ctime(&after), 24))
-        << date;
 }
 
 TEST(OrvFiles, ExistsMeansReadableAndWritableCreates) {
@@ -121,8 +114,6 @@ TEST(OrvFiles, ExistsMeansReadableAndWritableCreates) {
     EXPECT_TRUE(OrvIsFileWritable(path.c_str(), 0));
     ASSERT_EQ(stat(path.c_str(), &st), 0);
     EXPECT_EQ(st.st_size, 4);
-    chmod(path.c_str(), 0);  // root reads anything
-    EXPECT_EQ(OrvFileExists(path.c_str()), access(path.c_str(), R_OK) == 0);
     // Failures report only when asked to.
     EXPECT_FALSE(OrvIsFileWritable(bad.c_str(), 1));
     EXPECT_FALSE(OrvIsFileWritable(bad.c_str(), 0));
