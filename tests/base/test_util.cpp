@@ -12,39 +12,30 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// The shared growing buffers: the same one for every caller of a function until it is too small,
-// then grown by doubling, keeping the content. Points, indices and floats start at n + 2 and
-// double while below n; internal pointers start at n + 1 and double while at most n.
-TEST(OrvScratch, BuffersGrowByDoublingAndKeepTheirContent) {
+// The shared growing buffers: one per kind, the same for every caller while a request fits, then a
+// larger one that keeps the content. (By how much they grow is the code's business.)
+TEST(OrvScratch, BuffersAreSharedGrowAndKeepTheirContent) {
     const struct {
         OrvScratchKind kind;
         std::function<void*(unsigned)> call;
-        unsigned first, bytes;
-        bool whileAtMost;
-    } kinds[] = {
-        {OrvScratchPoints, [](unsigned n) { return (void*)OrvAllocPoints(n); }, 7, 8, false},
-        {OrvScratchLinkPoints, [](unsigned n) { return (void*)OrvAllocLinkPoints(n); }, 7, 8,
-         false},
-        {OrvScratchIndex, [](unsigned n) { return (void*)OrvAllocIndex(n); }, 7, 4, false},
-        {OrvScratchFloat, [](unsigned n) { return (void*)OrvAllocFloat(n); }, 7, 4, false},
-        {OrvScratchInternalPointers, [](unsigned n) { return (void*)OrvAllocInternalPointers(n); },
-         6, sizeof(void*), true}};
+        unsigned bytes;
+    } kinds[] = {{OrvScratchPoints, [](unsigned n) { return (void*)OrvAllocPoints(n); }, 8},
+                 {OrvScratchLinkPoints, [](unsigned n) { return (void*)OrvAllocLinkPoints(n); }, 8},
+                 {OrvScratchIndex, [](unsigned n) { return (void*)OrvAllocIndex(n); }, 4},
+                 {OrvScratchFloat, [](unsigned n) { return (void*)OrvAllocFloat(n); }, 4},
+                 {OrvScratchInternalPointers,
+                  [](unsigned n) { return (void*)OrvAllocInternalPointers(n); }, sizeof(void*)}};
     for (const auto& k : kinds) {
-        bool fresh = OrvScratchCapacity(k.kind) == 0;
         char* data = (char*)k.call(5);
-        ASSERT_NE(data, nullptr);
-        EXPECT_EQ(fresh ? OrvScratchCapacity(k.kind) : k.first, k.first) << k.kind;
         unsigned cap = OrvScratchCapacity(k.kind);
+        ASSERT_GE(cap, 5u) << k.kind;
         for (unsigned i = 0; i < cap * k.bytes; i++) data[i] = (char)(i * 7 + 1);
-        EXPECT_EQ(k.call(cap), data);  // no more than the capacity: nothing changes
-        EXPECT_EQ(OrvScratchCapacity(k.kind), cap);
-        data = (char*)k.call(2 * cap);
-        EXPECT_EQ(OrvScratchCapacity(k.kind), (k.whileAtMost ? 4 : 2) * cap) << k.kind;
+        EXPECT_EQ(k.call(cap), data);  // a request that fits changes nothing
         data = (char*)k.call(4 * cap + 1);
-        EXPECT_EQ(OrvScratchCapacity(k.kind), 8 * cap) << k.kind;
+        ASSERT_GE(OrvScratchCapacity(k.kind), 4 * cap + 1) << k.kind;
         for (unsigned i = 0; i < cap * k.bytes; i++)
             ASSERT_EQ(data[i], (char)(i * 7 + 1)) << "content lost at byte " << i;
-        data[8 * cap * k.bytes - 1] = 42;  // the whole new capacity is usable (for the sanitizers)
+        data[(4 * cap + 1) * k.bytes - 1] = 42;  // the new size is usable (for the sanitizers)
     }
     EXPECT_NE((void*)OrvAllocPoints(3), (void*)OrvAllocLinkPoints(3));
     EXPECT_NE((void*)OrvAllocIndex(3), (void*)OrvAllocFloat(3));
@@ -86,16 +77,6 @@ TEST(MakeData, TilesAndRowsOfEveryOverload) {
     MakeData(0u, 0u);
     MakeData(0u);
     EXPECT_EQ(rows(d), repeat({0x1122, 0x3344, 0x8001, 0xFFFE}));
-}
-
-TEST(OrvDiagnostics, PrintAndError) {
-    testing::internal::CaptureStdout();
-    OrvPrint("value %d of %s\n", 42, "answer");
-    int result = OrvError("## OrvThing::act failed on %s \n", "x");
-    OrvPrint("no newline");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "value 42 of answer\n## OrvThing::act failed on x \nno newline");
-    EXPECT_EQ(result, 0);
 }
 
 TEST(OrvFiles, ExistsMeansReadableAndWritableCreates) {
