@@ -164,13 +164,7 @@ TEST(Director, SearchPathFromEnvironmentAndResources) {
     delete d;
     d = new OrvDirector("plainapp", nullptr, 0, nullptr);
     EXPECT_STREQ(d->path, ".");
-    EXPECT_EQ(d->doNotOptimize, 0);
     delete d;
-    setenv("ORVDONOTOPTIMIZE", "", 1);
-    d = new OrvDirector("plainapp", nullptr, 0, nullptr);
-    EXPECT_EQ(d->doNotOptimize, 1);
-    delete d;
-    unsetenv("ORVDONOTOPTIMIZE");
 }
 
 TEST_F(DirectorTest, PathEditingAndFindInPath) {

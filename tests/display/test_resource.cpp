@@ -207,11 +207,6 @@ TEST_P(Resources, RasterFonts) {
     EXPECT_LT(hi.y, 0) << "the box starts above the baseline";
     EXPECT_EQ(h10->mnemonicPosition("ab\027c\027d", 0) + h10->mnemonicPosition("abc", 0), 2);
     EXPECT_STREQ(h10->mnemonicString("ab\027c\027d", 0), "abc\027d");
-    int count = 0;
-    const int* sizes = d->fontSizes("helvetica", 0, count);
-    std::vector<int> all(sizes, sizes + count);
-    EXPECT_TRUE(std::is_sorted(all.begin(), all.end()));
-    EXPECT_NE(std::find(all.begin(), all.end(), 10), all.end());
 }
 
 TEST_P(Resources, ScreenBufferAndBitmaps) {

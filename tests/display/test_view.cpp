@@ -56,7 +56,6 @@ TEST_F(ViewTest, TopLevelWindowAndWindowManagerProperties) {
     XWindowAttributes a;
     XGetWindowAttributes(raw, v->window(), &a);
     EXPECT_EQ(a.border_width, 1);
-    EXPECT_EQ(a.all_event_masks & 172159, 172159);
     EXPECT_EQ(a.bit_gravity, NorthWestGravity);
     v->setTitle("Renamed");
     XSync(dpy, False);
