@@ -5,6 +5,28 @@
 #include <GL/glx.h>
 #include <X11/Xlib.h>
 
+#ifdef ORV_KEEP_GL_DRIVER_LOADED
+#include <dlfcn.h>
+#include <link.h>
+
+// Sanitizer builds only. Mesa unloads its driver when the display closes, so a
+// leak report at exit could not name the driver's frames, and the suppressions
+// that excuse the driver's own start-up allocations could not match them. Every
+// object loaded once the first context exists is marked never to be unloaded.
+static int orvPinLoadedObject(struct dl_phdr_info* info, size_t, void*) {
+    if (info->dlpi_name && info->dlpi_name[0])
+        dlopen(info->dlpi_name, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+    return 0;
+}
+
+static void orvKeepGLDriverLoaded() {
+    static bool done = false;
+    if (done) return;
+    done = true;
+    dl_iterate_phdr(orvPinLoadedObject, nullptr);
+}
+#endif
+
 const int* OrvDirector::get3dRendererConfig() const {
     static const int config[] = {GLX_RGBA,
                                  GLX_DOUBLEBUFFER,
@@ -31,6 +53,9 @@ void OrvDirector::initContext() {
     }
     rootContext = glXCreateContext(dpy, vi, nullptr, True);
     XFree(vi);
+#ifdef ORV_KEEP_GL_DRIVER_LOADED
+    if (rootContext) orvKeepGLDriverLoaded();
+#endif
 }
 
 void OrvDirector::closeContext() {
