@@ -284,24 +284,40 @@ TEST(View, ResizeMoveAndConfigureEvents) {
     REQUIRE_X();
     Fixture f("sizes", Orv2dRect(100, 100, 200, 100));
     OrvView* v = f.v;
+    // A programmatic resize configures the window; the size is stored, and the
+    // callbacks told, when the configure event comes back.
     EXPECT_EQ(v->resize(0, 0), 1);
+    EXPECT_EQ(v->width, 200u);
     XWindowAttributes a;
     XSync((Display*)f.d->display, False);
     XGetWindowAttributes(f.raw, v->window(), &a);
     EXPECT_EQ(a.width, 1);
     EXPECT_EQ(a.height, 1);
+    ASSERT_TRUE(f.runUntil([&] { return !f.log.resizes.empty(); }));
+    OrvTestRunFor(30);
+    ASSERT_EQ(f.log.resizes.size(), 1u);
+    EXPECT_EQ(f.log.resizes[0].first.w, 200u);
+    EXPECT_EQ(f.log.resizes[0].second.w, 1u);
+    EXPECT_EQ(f.log.resizes[0].second.h, 1u);
+    EXPECT_EQ(v->width, 1u);
     EXPECT_EQ(v->resize(1, 1), 0) << "unchanged";
-    EXPECT_EQ(v->resize(240, 130), 1);
     EXPECT_EQ(v->move(Orv2dPoint(100, 100)), 0);
     EXPECT_EQ(v->move(Orv2dPoint(120, 110)), 1);
+    // All four fields at once: the position is stored, the size waits for the event.
+    f.log = Log();
     EXPECT_EQ(v->moveResize(Orv2dRect(130, 115, 250, 140)), 1);
+    EXPECT_EQ(v->x, 130);
+    EXPECT_EQ(v->width, 1u);
     XSync((Display*)f.d->display, False);
     XGetWindowAttributes(f.raw, v->window(), &a);
     EXPECT_EQ(a.x, 130);
     EXPECT_EQ(a.y, 115);
     EXPECT_EQ(a.width, 250);
     EXPECT_EQ(a.height, 140);
+    ASSERT_TRUE(f.runUntil([&] { return v->width == 250u; }));
     OrvTestRunFor(50);
+    ASSERT_EQ(f.log.resizes.size(), 1u);
+    EXPECT_EQ(f.log.resizes[0].second.h, 140u);
     f.log = Log();
 
     // Another client resizes: the handler stores it and the callback hears old and new.

@@ -278,8 +278,8 @@ int OrvView::resize(unsigned long w, unsigned long h) {
     c.height = (int)h;
     XConfigureWindow(dpyOf(this), (Window)drawable, CWWidth | CWHeight, &c);
     if (!parent) setNormalHints(dpyOf(this), (Window)drawable, x, y, w, h);
-    width = w;
-    height = h;
+    // The size is stored when the configure event comes back through
+    // handleResize, which then tells the resize callbacks.
     return 1;
 }
 
@@ -297,10 +297,9 @@ int OrvView::moveResize(const Orv2dRect& r) {
     c.height = (int)h;
     XConfigureWindow(dpyOf(this), (Window)drawable, CWX | CWY | CWWidth | CWHeight, &c);
     if (!parent) setNormalHints(dpyOf(this), (Window)drawable, r.x, r.y, w, h);
+    // As in resize, the new size arrives with the configure event.
     x = r.x;
     y = r.y;
-    width = w;
-    height = h;
     return 1;
 }
 
