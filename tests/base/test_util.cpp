@@ -118,7 +118,7 @@ TEST(MakeData, TwoSixteenBitRows) {
     for (int row = 0; row < 16; row++) {
         // The upper row loses its top nibble: 0xABCD becomes 0x0BCD.
         unsigned expected = row % 2 ? 0x1234 : 0x0BCD;
-        unsigned got = byteAt(d, 2 * row) | (byteAt(d, 2 * row + 1) << 8);
+        unsigned got = (byteAt(d, 2 * row) << 8) | byteAt(d, 2 * row + 1);
         EXPECT_EQ(got, expected) << "row " << row;
     }
 }
@@ -137,9 +137,16 @@ TEST(MakeData, FourRowsAndSeparateBuffers) {
                              (unsigned short)0xFFFE);
     const unsigned rows[4] = {0x1122, 0x3344, 0x8001, 0xFFFE};
     for (int row = 0; row < 16; row++) {
-        unsigned got = byteAt(d, 2 * row) | (byteAt(d, 2 * row + 1) << 8);
+        unsigned got = (byteAt(d, 2 * row) << 8) | byteAt(d, 2 * row + 1);
         EXPECT_EQ(got, rows[row % 4]) << "row " << row;
     }
+    // Most significant bit leftmost: the high byte leads the row.
+    const char* dark = MakeData((unsigned short)0xFAAA, 0x57D5, 1, 0x8000);
+    EXPECT_EQ(byteAt(dark, 0), 0xFA);
+    EXPECT_EQ(byteAt(dark, 1), 0xAA);
+    EXPECT_EQ(byteAt(dark, 6), 0x80);
+    d = MakeData((unsigned short)0x1122, (unsigned short)0x3344, (unsigned short)0x8001,
+                 (unsigned short)0xFFFE);
     // Each overload owns its buffer: a call of one does not spoil another.
     const char* tile = MakeData((unsigned short)0x1234);
     const char* pair = MakeData(0u, 0u);
@@ -147,7 +154,7 @@ TEST(MakeData, FourRowsAndSeparateBuffers) {
     EXPECT_NE(pair, d);
     EXPECT_NE(pair, tile);
     EXPECT_NE((const char*)MakeData(0u), tile);
-    EXPECT_EQ(byteAt(d, 2), 0x44);
+    EXPECT_EQ(byteAt(d, 2), 0x33);
 }
 
 TEST(OrvDiagnostics, PrintAndErrorWriteToStdout) {

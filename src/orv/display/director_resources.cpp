@@ -124,17 +124,10 @@ static const unsigned char* rows16(const unsigned short r[16]) {
     return block;
 }
 
-// Four rows repeated four times.
+// Four rows repeated four times, through the shared tile maker.
 static const unsigned char* rows4(unsigned short a, unsigned short b, unsigned short c,
                                   unsigned short d) {
-    unsigned short r[16];
-    for (int i = 0; i < 16; i += 4) {
-        r[i] = a;
-        r[i + 1] = b;
-        r[i + 2] = c;
-        r[i + 3] = d;
-    }
-    return rows16(r);
+    return (const unsigned char*)MakeData(a, b, c, d);
 }
 
 // A 128-byte polygon stipple of two 32-bit rows repeated.
