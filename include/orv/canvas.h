@@ -161,7 +161,7 @@ public:
 void SetDepth1Mode(const OrvCanvas* canvas, OrvDrawMode mode, unsigned long on);
 
 // Splits a text at newlines into static copies, valid until the next call.
-char** OrvTextToLabels(const char* text, unsigned long& count);
+char** OrvTextToLabels(const char* text, unsigned& count);
 
 // Copies between the front and back GL buffers of a 3D view.
 unsigned long _OrvBitBlit_(const OrvView* view, const Orv2dRect& rect, unsigned long direction,

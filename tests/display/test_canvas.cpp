@@ -1,5 +1,7 @@
 // The canvas primitives on real drawables of both test screens, checked pixel by pixel.
 #include <gtest/gtest.h>
+
+#include <type_traits>
 #include <cmath>
 #include <cstring>
 
@@ -417,7 +419,10 @@ TEST_P(Canvas, ClipBitmapAndTextWithBitmap) {
         << "the text after it";
     EXPECT_EQ(countPixels(t, Orv2dRect(9 + box.w + 1, 0, 120 - 10 - box.w, 40), px("black")), 0);
     // Labels split at newlines; a last line without one counts.
-    unsigned long count = 0;
+    static_assert(
+        std::is_same<decltype(&OrvTextToLabels), char** (*)(const char*, unsigned&)>::value,
+        "the count of lines is an unsigned");
+    unsigned count = 0;
     char** labels = OrvTextToLabels("a\nbc\n\nd", count);
     ASSERT_EQ(count, 4u);
     EXPECT_STREQ(labels[1], "bc");

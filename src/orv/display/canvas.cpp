@@ -392,7 +392,7 @@ void OrvCanvas::string(const OrvMakeUp* makeUp, const Orv2dMatrix& matrix, const
     delete bitmap;
 }
 
-char** OrvTextToLabels(const char* text, unsigned long& count) {
+char** OrvTextToLabels(const char* text, unsigned& count) {
     static char** labels = nullptr;
     static unsigned labelCapacity = 0;
     static unsigned used = 0;
@@ -428,7 +428,7 @@ void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
     OrvRasterFont* font = makeUp->font();
     if (!font) return;
     Orv2dRegion kept(clip);
-    unsigned long lines = 0;
+    unsigned lines = 0;
     char** labels = OrvTextToLabels(text, lines);
     if (lines == 0) return;
     int descentExtent = font->box.y + (int)font->box.h;
