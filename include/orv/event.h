@@ -105,6 +105,8 @@ public:
     virtual void run(int seconds = 0, int milliseconds = 0);
     virtual void suspend();
     virtual void activate() = 0;
+    // Moves the timer's registration to another director (or to none).
+    void setDirector(OrvDirector* director);
 
     int isRunning() const { return record && record->active; }
 };

@@ -18,5 +18,6 @@
 #include "orv/role.h"
 #include "orv/producer.h"
 #include "orv/stream.h"
+#include "orv/engine.h"
 
 #endif

@@ -2,6 +2,8 @@
 // shared make-ups, the object table and the failures of object blocks.
 #include "stream_support.h"
 
+#include "orv/engine.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -141,6 +143,48 @@ TEST_F(StreamObjects, ActorKeysAndSharedMakeUps) {
     EXPECT_EQ(a2->getSecondaryCallbackName(), OrvGetKey("released", 0));
     EXPECT_EQ(a2->makeUp, back[1]->makeUp);
     EXPECT_EQ(a2->makeUp, red);
+}
+
+namespace {
+OrvEngine* makeBlinker() {
+    return new OrvInverterEngine();
+}
+}  // namespace
+
+TEST_F(StreamObjects, EngineKeyNamesTheClassOrStandsAlone) {
+    OrvRegisterEngine("Inverter", makeBlinker);
+    StreamBox* withEngine = keep(new StreamBox(director, red, Orv2dRect(0, 0, 5, 5)));
+    withEngine->setEngine(new OrvInverterEngine(withEngine));
+    StreamBox* dropped = keep(new StreamBox(director, red, Orv2dRect(1, 1, 5, 5)));
+    dropped->setEngine(new OrvVisibleEngine(dropped));
+    delete dropped->getEngine();
+    dropped->setEngine(nullptr);
+    StreamBox* plain = keep(new StreamBox(director, red, Orv2dRect(2, 2, 5, 5)));
+    std::string text = save({withEngine, dropped, plain});
+    EXPECT_NE(text.find("\tengine\t\tInverter\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\tengine\t\t\n"), std::string::npos) << text;
+
+    std::vector<OrvActor*> back = load(text);
+    ASSERT_EQ(back.size(), 3u) << "a key that stands alone must not swallow the next line";
+    OrvEngine* engine = back[0]->getEngine();
+    ASSERT_NE(engine, nullptr);
+    EXPECT_STREQ(engine->className(), "Inverter");
+    EXPECT_EQ(engine->target, back[0]);
+    EXPECT_TRUE(engine->isRunning());
+    EXPECT_EQ(back[1]->getEngine(), nullptr);
+    EXPECT_TRUE(back[1]->getProperty(OrvHasEngineBit)) << "the bit stays as read";
+    EXPECT_FALSE(back[2]->getProperty(OrvHasEngineBit));
+    EXPECT_EQ(((StreamBox*)back[2])->box, Orv2dRect(2, 2, 5, 5));
+
+    // A name nobody registered: reported, the actor has no engine, reading goes on.
+    std::string unknown = text;
+    unknown.replace(unknown.find("Inverter"), 8, "Blinking");
+    CaptureStdout();
+    back = load(unknown);
+    EXPECT_EQ(GetCapturedStdout(), "Engine (Blinking) not found ...\n");
+    ASSERT_EQ(back.size(), 3u);
+    EXPECT_EQ(back[0]->getEngine(), nullptr);
+    EXPECT_TRUE(back[0]->getProperty(OrvHasEngineBit));
 }
 
 TEST_F(StreamObjects, PropertiesStringIsTheFlagWord) {

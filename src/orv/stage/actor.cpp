@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "orv/actor.h"
+#include "orv/engine.h"
 #include "orv/director.h"
 #include "orv/role.h"
 #include "orv/stage.h"
@@ -88,6 +89,7 @@ OrvActor::~OrvActor() {
         setSecondaryCallback(nullptr);
     }
     if (getProperty(OrvHasNameBit)) setName(nullptr);
+    if (getProperty(OrvHasEngineBit)) delete getEngine();
     delete userProperties;
     userProperties = nullptr;
 }

@@ -2,12 +2,14 @@
 // digits, then name, role and callback names as the flags announce them.
 #include "orv/actor.h"
 #include "orv/director.h"
+#include "orv/engine.h"
 #include "orv/role.h"
 #include "orv/stream.h"
 
 #include <cstring>
 
 #include "line.h"
+#include "scan.h"
 
 OrvActor* OrvActor::read(OrvIStream& stream) {
     return new OrvActor(stream);
@@ -46,6 +48,11 @@ void OrvActor::write(OrvOStream& out) const {
         OrvKey* name = getSecondaryCallbackName();
         out.key("sCallback") << (name ? name->name : "") << '\n';
     }
+    if (getProperty(OrvHasEngineBit)) {
+        // An actor whose engine was removed keeps the bit: the key then stands alone.
+        OrvEngine* engine = getEngine();
+        out.key("engine") << (engine ? engine->className() : "") << '\n';
+    }
 }
 
 // Reads the next key and checks it; a different one ends the reading.
@@ -55,6 +62,18 @@ static int expectKey(OrvIStream& in, char* buffer, const char* key) {
     if (strcmp(buffer, key))
         return in.fault("OrvActor::OrvActor : Bad key (%s %s).\n", buffer, key);
     return 1;
+}
+
+// The rest of the key's line as one word: "" when the value was written empty,
+// so that the next line is not taken for it.
+static void valueOnLine(OrvIStream& in, char* buffer) {
+    buffer[0] = 0;
+    int c = OrvScanPeek(in.stream);
+    while (c == ' ' || c == '\t') {
+        OrvScanGet(in.stream);
+        c = OrvScanPeek(in.stream);
+    }
+    if (c != '\n' && c != std::char_traits<char>::eof()) in.word(buffer);
 }
 
 OrvActor::OrvActor(OrvIStream& in)
@@ -103,5 +122,19 @@ OrvActor::OrvActor(OrvIStream& in)
         if (!expectKey(in, buffer, "sCallback")) return;
         in.word(buffer);
         setSecondaryCallbackName(OrvGetKey(buffer, 1));
+    }
+    if (getProperty(OrvHasEngineBit)) {
+        // The bit stays as read, engine or not.
+        if (!expectKey(in, buffer, "engine")) return;
+        valueOnLine(in, buffer);
+        if (!buffer[0]) return;
+        OrvEngine* engine = OrvGetEngine(buffer);
+        if (!engine) {
+            OrvError("Engine (%s) not found ...\n", buffer);
+            return;
+        }
+        engine->setTarget(this);
+        setEngine(engine);
+        engine->run(0, 0);
     }
 }
