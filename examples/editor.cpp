@@ -32,8 +32,8 @@
 class CreateRectangleProducer : public OrvRectangleProducer {
 public:
     OrvMakeUp* makeUp;
-    CreateRectangleProducer(OrvStage* stage, OrvMakeUp* m)
-        : OrvRectangleProducer(stage), makeUp(m) {}
+    CreateRectangleProducer(OrvStage* forStage, OrvMakeUp* look)
+        : OrvRectangleProducer(forStage), makeUp(look) {}
     void activate2d(const Orv2dRect& r) override {
         if (r.w < 3 || r.h < 3) return;  // a click makes nothing
         OrvActor* a = new OrvFilledRectangle(stage->director, r, makeUp);
@@ -66,8 +66,8 @@ public:
     Editor* editor;
     OrvProducer* producer;
     const char* name;
-    ModeAccelerator(Editor* e, unsigned short key, OrvProducer* p, const char* name)
-        : OrvAccelerator(OrvKeyDown, key, 0), editor(e), producer(p), name(name) {}
+    ModeAccelerator(Editor* e, unsigned short onKey, OrvProducer* p, const char* modeName)
+        : OrvAccelerator(OrvKeyDown, onKey, 0), editor(e), producer(p), name(modeName) {}
     int input2d(OrvStage*, const OrvEvent&) override {
         editor->mode(producer, name);
         return 1;

@@ -255,8 +255,8 @@ struct Demo {
 struct Animator : OrvTimer {
     Demo* demo;
     std::string shots;
-    Animator(OrvDirector* d, Demo* demo, const char* dir)
-        : OrvTimer(d, 0, 40), demo(demo), shots(dir ? dir : "") {
+    Animator(OrvDirector* d, Demo* animated, const char* dir)
+        : OrvTimer(d, 0, 40), demo(animated), shots(dir ? dir : "") {
         oneShot = 0;
     }
     std::string shot(const char* name) { return shots + "/stage_demo-" + name + ".ppm"; }

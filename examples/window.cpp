@@ -62,8 +62,8 @@ struct SelfTest : OrvTimer {
     OrvView* view;
     const char* shot;
     int step = 0;
-    SelfTest(OrvDirector* d, OrvView* v, const char* shot)
-        : OrvTimer(d, 0, 60), view(v), shot(shot) {
+    SelfTest(OrvDirector* d, OrvView* v, const char* shotPath)
+        : OrvTimer(d, 0, 60), view(v), shot(shotPath) {
         oneShot = 0;
     }
     void pointerAt(int x, int y) {

@@ -35,7 +35,7 @@ public:
     OrvReadFunction readFunction;
     unsigned index;  // serial number, in order of creation
 
-    OrvClassInfo(const char* name, const char* parentName, OrvReadFunction readFunction);
+    OrvClassInfo(const char* className, const char* parentClassName, OrvReadFunction reader);
     OrvClassInfo(const OrvClassInfo&) = delete;
     OrvClassInfo& operator=(const OrvClassInfo&) = delete;
     ~OrvClassInfo();
@@ -161,7 +161,7 @@ public:
     unsigned short layer;
     OrvMakeUp* makeUp;  // counted, never null after construction
 
-    OrvActor(OrvDirector* director, OrvMakeUp* makeUp = nullptr);
+    OrvActor(OrvDirector* director, OrvMakeUp* look = nullptr);
     OrvActor(const OrvActor& source);
     OrvActor(OrvIStream& stream);
     OrvActor& operator=(const OrvActor&) = delete;

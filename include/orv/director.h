@@ -186,8 +186,8 @@ public:
     void* rootContext;  // GLXContext, root of the shared display lists
     int doNotOptimize;
 
-    OrvDirector(const char* name, const char* displayName, int argc, char** argv);
-    OrvDirector(void* display, const char* name);
+    OrvDirector(const char* appName, const char* displayName, int argc, char** argv);
+    OrvDirector(void* xDisplay, const char* appName);
     virtual ~OrvDirector();
 
     void close();
@@ -251,7 +251,7 @@ public:
 
 protected:
     void initSlots();
-    void systemInit(const char* name, const char* displayName, int argc, char** argv);
+    void systemInit(const char* appName, const char* displayName, int argc, char** argv);
     void init();
     void systemClose();
     // Parts of closeResources that belong to the loop and the windows.

@@ -23,8 +23,8 @@ public:
     Orv2dRect rect;
     unsigned short radius;  // of the rounded corners; 0 for square ones
 
-    OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr,
-                 unsigned short radius = 0);
+    OrvRectangle(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr,
+                 unsigned short cornerRadius = 0);
     OrvRectangle(const OrvRectangle& source);
     ORV_PERSISTENT_ACTOR(OrvRectangle)
 
@@ -46,8 +46,8 @@ protected:
 
 class OrvFilledRectangle : public OrvRectangle {
 public:
-    OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr,
-                       unsigned short radius = 0);
+    OrvFilledRectangle(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr,
+                       unsigned short cornerRadius = 0);
     OrvFilledRectangle(const OrvFilledRectangle& source);
     ORV_PERSISTENT_ACTOR(OrvFilledRectangle)
 
@@ -62,8 +62,8 @@ class OrvLine : public OrvActor {
 public:
     Orv2dPoint from, to;
 
-    OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
-            OrvMakeUp* makeUp = nullptr);
+    OrvLine(OrvDirector* director, const Orv2dPoint& fromPoint, const Orv2dPoint& toPoint,
+            OrvMakeUp* look = nullptr);
     OrvLine(const OrvLine& source);
     ORV_PERSISTENT_ACTOR(OrvLine)
 
@@ -85,8 +85,8 @@ class OrvArrowLine : public OrvLine {
 public:
     unsigned long arrows;  // OrvArrowAtEnd, OrvArrowAtStart or both
 
-    OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
-                 OrvMakeUp* makeUp = nullptr, unsigned long arrows = OrvArrowAtEnd);
+    OrvArrowLine(OrvDirector* director, const Orv2dPoint& fromPoint, const Orv2dPoint& toPoint,
+                 OrvMakeUp* look = nullptr, unsigned long arrowEnds = OrvArrowAtEnd);
     OrvArrowLine(const OrvArrowLine& source);
     ORV_PERSISTENT_ACTOR(OrvArrowLine)
 
@@ -108,8 +108,8 @@ public:
     unsigned int count;
     Orv2dPoint* points;  // owned
 
-    Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
-                  OrvMakeUp* makeUp = nullptr);
+    Orv2dPolyline(OrvDirector* director, unsigned int pointCount, const Orv2dPoint* vertices,
+                  OrvMakeUp* look = nullptr);
     Orv2dPolyline(const Orv2dPolyline& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolyline)
     ~Orv2dPolyline() override;
@@ -137,8 +137,8 @@ class Orv2dPolygon : public Orv2dPolyline {
 public:
     unsigned long filled;
 
-    Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
-                 unsigned long filled = 0, OrvMakeUp* makeUp = nullptr);
+    Orv2dPolygon(OrvDirector* director, unsigned int pointCount, const Orv2dPoint* vertices,
+                 unsigned long solid = 0, OrvMakeUp* look = nullptr);
     Orv2dPolygon(const Orv2dPolygon& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolygon)
 
@@ -156,7 +156,7 @@ class OrvEllipse : public OrvActor {
 public:
     Orv2dRect rect;  // the box of the whole ellipse
 
-    OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr);
+    OrvEllipse(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr);
     OrvEllipse(const OrvEllipse& source);
     ORV_PERSISTENT_ACTOR(OrvEllipse)
 
@@ -174,7 +174,7 @@ public:
 
 class OrvFilledEllipse : public OrvEllipse {
 public:
-    OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr);
+    OrvFilledEllipse(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr);
     OrvFilledEllipse(const OrvFilledEllipse& source);
     ORV_PERSISTENT_ACTOR(OrvFilledEllipse)
 
@@ -187,8 +187,8 @@ public:
     float start, end;
     unsigned long filled;
 
-    OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end,
-           unsigned long filled = 0, OrvMakeUp* makeUp = nullptr);
+    OrvArc(OrvDirector* director, const Orv2dRect& box, float startDegrees, float endDegrees,
+           unsigned long solid = 0, OrvMakeUp* look = nullptr);
     OrvArc(const OrvArc& source);
     ORV_PERSISTENT_ACTOR(OrvArc)
 
@@ -212,8 +212,8 @@ public:
     Orv2dPoint point;
     OrvPosition alignment;
 
-    OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point,
-             OrvPosition alignment = OrvLeft, OrvMakeUp* makeUp = nullptr);
+    OrvLabel(OrvDirector* director, const char* caption, const Orv2dPoint& at,
+             OrvPosition align = OrvLeft, OrvMakeUp* look = nullptr);
     OrvLabel(const OrvLabel& source);
     ORV_PERSISTENT_ACTOR(OrvLabel)
     ~OrvLabel() override;
@@ -249,8 +249,8 @@ public:
     OrvBitmap* bitmap;  // locked
     Orv2dPoint point;   // top left
 
-    OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point,
-            OrvMakeUp* makeUp = nullptr);
+    OrvIcon(OrvDirector* director, OrvBitmap* image, const Orv2dPoint& at,
+            OrvMakeUp* look = nullptr);
     OrvIcon(const OrvIcon& source);
     ORV_PERSISTENT_ACTOR(OrvIcon)
     ~OrvIcon() override;

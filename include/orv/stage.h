@@ -91,10 +91,10 @@ public:
     OrvExitCallback* exitCallback;
 
     // Drawing cycle
-    OrvStage(OrvDirector*, const Orv2dRect&, const char* title, unsigned int style,
-             unsigned long visible);
-    OrvStage(OrvView* parent, const Orv2dRect&, unsigned long visible);
-    OrvStage(OrvDirector*, void* parentWindow, const Orv2dRect&, unsigned long visible);
+    OrvStage(OrvDirector*, const Orv2dRect&, const char* title, unsigned int viewStyle,
+             unsigned long shown);
+    OrvStage(OrvView* parentView, const Orv2dRect&, unsigned long shown);
+    OrvStage(OrvDirector*, void* parentWindow, const Orv2dRect&, unsigned long shown);
     OrvStage(OrvDirector*, void* window);
     ~OrvStage() override;
 
@@ -179,7 +179,7 @@ public:
     // New arrays with room for count+1 pointers, null when empty; the caller frees them.
     OrvActor** selections(unsigned int& count) const;
     OrvActor** objects(unsigned int& count) const;
-    OrvActor* object(const char* name) const;
+    OrvActor* object(const char* actorName) const;
     unsigned int cardinal() const;
     unsigned long isLink(const OrvActor* actor) const;
 
@@ -209,9 +209,9 @@ public:
     // The default table: zoom, scroll, select, delete, cut, copy, paste...
     void installAccelerators(unsigned long readOnly);
     // Counted; a later registration under a name shadows the earlier one.
-    void registerCallback(const char* name, OrvCallback* callback);
-    OrvCallback* getCallback(const char* name) const;
-    void removeCallback(const char* name);
+    void registerCallback(const char* callbackName, OrvCallback* callback);
+    OrvCallback* getCallback(const char* callbackName) const;
+    void removeCallback(const char* callbackName);
     void onExit(OrvExitCallback* callback);
     void setProducer(OrvProducer* producer);
     // Like setProducer, without init() and without telling the hooks.

@@ -55,19 +55,19 @@ static void readDisplay(int, void* data) {
     ((const OrvDirector*)data)->readAndDispatchEvents();
 }
 
-OrvDirector::OrvDirector(const char* name, const char* displayName, int argc, char** argv)
+OrvDirector::OrvDirector(const char* appName, const char* displayName, int argc, char** argv)
     : display(nullptr) {
     initSlots();
     ownsDisplay = 1;
-    systemInit(name, displayName, argc, argv);
+    systemInit(appName, displayName, argc, argv);
     closed = 0;
 }
 
-OrvDirector::OrvDirector(void* display, const char* name) : display(nullptr) {
+OrvDirector::OrvDirector(void* xDisplay, const char* appName) : display(nullptr) {
     initSlots();
     ownsDisplay = 0;
-    this->display = display;
-    systemInit(name, nullptr, 0, nullptr);
+    display = xDisplay;
+    systemInit(appName, nullptr, 0, nullptr);
     closed = 0;
 }
 
@@ -101,7 +101,7 @@ void OrvDirector::initSlots() {
     doNotOptimize = 0;
 }
 
-void OrvDirector::systemInit(const char* name, const char* displayName, int, char**) {
+void OrvDirector::systemInit(const char* appName, const char* displayName, int, char**) {
     if (!display) {
         display = XOpenDisplay(displayName && *displayName ? displayName : nullptr);
         if (!display) {
@@ -123,7 +123,7 @@ void OrvDirector::systemInit(const char* name, const char* displayName, int, cha
         }
     }
     Display* dpy = (Display*)display;
-    this->name = copyString(name ? name : "Orv");
+    name = copyString(appName ? appName : "Orv");
     if (!allDirectors) allDirectors = new OrvList;
     allDirectors->insert(this);
     connectionNumber = ConnectionNumber(dpy);

@@ -617,9 +617,9 @@ static void nameBitmap(OrvBitmap* b, const char* n) {
 }
 
 OrvBitmap* OrvDirector::readAsciiBitmap(const OrvCanvas* canvas, const char* file) {
-    const char* path = findInPath(file);
-    if (!path) return nullptr;
-    FILE* f = fopen(path, "r");
+    const char* found = findInPath(file);
+    if (!found) return nullptr;
+    FILE* f = fopen(found, "r");
     if (!f) return nullptr;
     char line[256], word[256];
     int width = 0, height = 0;

@@ -427,8 +427,8 @@ OrvVectorialFont* OrvTotalMakeUp::vfont() const {
 
 // ---------------------------------------------------------------- OrvMakeUpHashTable
 
-OrvMakeUpHashTable::OrvMakeUpHashTable(unsigned long n)
-    : size(n ? n : 1), count(0), buckets(nullptr) {
+OrvMakeUpHashTable::OrvMakeUpHashTable(unsigned long bucketCount)
+    : size(bucketCount ? bucketCount : 1), count(0), buckets(nullptr) {
     buckets = new OrvList*[size];
     for (unsigned long i = 0; i < size; i++) buckets[i] = nullptr;
 }

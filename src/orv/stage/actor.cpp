@@ -58,8 +58,8 @@ static void makeIdentityKeys() {
 // Construction, copying, destruction
 // ---------------------------------------------------------------------------
 
-OrvActor::OrvActor(OrvDirector* director, OrvMakeUp* m)
-    : userProperties(nullptr), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(0), makeUp(m) {
+OrvActor::OrvActor(OrvDirector* director, OrvMakeUp* look)
+    : userProperties(nullptr), flags(ORV_ACTOR_DEFAULT_FLAGS), layer(0), makeUp(look) {
     if (!_inVirtualStage) _inVirtualStage = OrvGetKey("ActorInVirtualStage", 1);
     if (!makeUp && director) makeUp = director->defaultMakeUp;
     OrvCount(makeUp);

@@ -6,9 +6,9 @@
 #include "orv/layer.h"
 #include "orv/stage.h"
 
-OrvStageLayer::OrvStageLayer(OrvStage* stage, unsigned short number)
-    : stage(stage), actors(nullptr), count(0), capacity(0), visible(1), enabled(1), number(number),
-      block(nullptr), offset(0) {
+OrvStageLayer::OrvStageLayer(OrvStage* forStage, unsigned short layerNumber)
+    : stage(forStage), actors(nullptr), count(0), capacity(0), visible(1), enabled(1),
+      number(layerNumber), block(nullptr), offset(0) {
     init();
 }
 

@@ -12,9 +12,9 @@
 // The base class
 // ---------------------------------------------------------------------------
 
-OrvProducer::OrvProducer(OrvStage* stage, OrvProducer* previous)
-    : scene(nullptr), theater(nullptr), stage(stage), previous(previous) {
-    if (stage) stage->producers.append(this);
+OrvProducer::OrvProducer(OrvStage* forStage, OrvProducer* previousProducer)
+    : scene(nullptr), theater(nullptr), stage(forStage), previous(previousProducer) {
+    if (forStage) forStage->producers.append(this);
 }
 
 OrvProducer::~OrvProducer() {
@@ -89,8 +89,8 @@ Orv2dPoint OrvProducer::snapped(long x, long y) const {
 // Move
 // ---------------------------------------------------------------------------
 
-OrvMoveProducer::OrvMoveProducer(OrvStage* stage, OrvProducer* previous)
-    : OrvProducer(stage, previous), immediate(0), mask(1), active(0), wasSelected(0) {}
+OrvMoveProducer::OrvMoveProducer(OrvStage* forStage, OrvProducer* previousProducer)
+    : OrvProducer(forStage, previousProducer), immediate(0), mask(1), active(0), wasSelected(0) {}
 
 int OrvMoveProducer::input2d(const OrvEvent& event) {
     if (!(event.key & mask)) return 0;
@@ -196,8 +196,8 @@ void OrvMoveProducer::abort() {
 // Reshape
 // ---------------------------------------------------------------------------
 
-OrvReshapeProducer::OrvReshapeProducer(OrvStage* stage, OrvProducer* previous)
-    : OrvProducer(stage, previous), position(0), immediate(0), mask(1), actor(nullptr),
+OrvReshapeProducer::OrvReshapeProducer(OrvStage* forStage, OrvProducer* previousProducer)
+    : OrvProducer(forStage, previousProducer), position(0), immediate(0), mask(1), actor(nullptr),
       polylineEditor(nullptr) {}
 
 OrvReshapeProducer::~OrvReshapeProducer() {

@@ -55,9 +55,9 @@ void OrvStage::cut() {
 
 void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     int length = 0;
-    const char* clip = director->getClipboard(length);
-    if (!clip || !*clip || length <= 0) return;
-    std::string text(clip, (size_t)length);
+    const char* pasted = director->getClipboard(length);
+    if (!pasted || !*pasted || length <= 0) return;
+    std::string text(pasted, (size_t)length);
 
     // The old handles are not repainted: the repaint below covers them.
     int privateNest = nesting == 0;

@@ -10,8 +10,8 @@ ORV_DEFINE_CLASS_INIT(OrvEllipse, "OrvActor", OrvEllipse::read)
 ORV_DEFINE_CLASS_INIT(OrvFilledEllipse, "OrvEllipse", OrvFilledEllipse::read)
 ORV_DEFINE_CLASS_INIT(OrvArc, "OrvEllipse", OrvArc::read)
 
-OrvEllipse::OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), rect(rect) {}
+OrvEllipse::OrvEllipse(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look)
+    : OrvActor(director, look), rect(box) {}
 
 OrvEllipse::OrvEllipse(const OrvEllipse& source) : OrvActor(source), rect(source.rect) {}
 
@@ -80,8 +80,8 @@ void OrvEllipse::setRect(const Orv2dRect& r) {
     flushDrawing(1);
 }
 
-OrvFilledEllipse::OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp)
-    : OrvEllipse(director, rect, makeUp) {}
+OrvFilledEllipse::OrvFilledEllipse(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look)
+    : OrvEllipse(director, box, look) {}
 
 OrvFilledEllipse::OrvFilledEllipse(const OrvFilledEllipse& source) : OrvEllipse(source) {}
 
@@ -92,9 +92,9 @@ OrvClassInfo* OrvFilledEllipse::classInfo() const {
     return _classInfo;
 }
 
-OrvArc::OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end,
-               unsigned long filled, OrvMakeUp* makeUp)
-    : OrvEllipse(director, rect, makeUp), start(start), end(end), filled(filled) {}
+OrvArc::OrvArc(OrvDirector* director, const Orv2dRect& box, float startDegrees, float endDegrees,
+               unsigned long solid, OrvMakeUp* look)
+    : OrvEllipse(director, box, look), start(startDegrees), end(endDegrees), filled(solid) {}
 
 OrvArc::OrvArc(const OrvArc& source)
     : OrvEllipse(source), start(source.start), end(source.end), filled(source.filled) {}

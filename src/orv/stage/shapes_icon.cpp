@@ -24,11 +24,9 @@ static int serverLsbFirst(OrvBitmap* probeSource) {
     return known;
 }
 
-OrvIcon::OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point,
-                 OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), bitmap(bitmap), point(point), maskBits(nullptr),
-      maskBytesPerLine(0) {
-    if (bitmap) bitmap->lock();
+OrvIcon::OrvIcon(OrvDirector* director, OrvBitmap* image, const Orv2dPoint& at, OrvMakeUp* look)
+    : OrvActor(director, look), bitmap(image), point(at), maskBits(nullptr), maskBytesPerLine(0) {
+    if (image) image->lock();
     readMask();
 }
 

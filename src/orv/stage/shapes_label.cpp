@@ -18,9 +18,9 @@ static char* copyText(const char* text) {
     return copy;
 }
 
-OrvLabel::OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point,
-                   OrvPosition alignment, OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment),
+OrvLabel::OrvLabel(OrvDirector* director, const char* caption, const Orv2dPoint& at,
+                   OrvPosition align, OrvMakeUp* look)
+    : OrvActor(director, look), text(copyText(caption)), point(at), alignment(align),
       extentText(nullptr), extentMakeUp(nullptr) {}
 
 OrvLabel::OrvLabel(const OrvLabel& source)
@@ -57,19 +57,19 @@ void OrvLabel::notifyOnMakeUpChanged() {
 // Raster text does not scale or turn: only its anchor follows the matrix.
 Orv2dRect OrvLabel::textBox(const Orv2dMatrix* matrix, Orv2dPoint* baseline) const {
     Orv2dPoint anchor = OrvMapPoint(point, matrix);
-    Orv2dRect extent = textExtent();
+    Orv2dRect measured = textExtent();
     int32_t left = anchor.x;
     if (alignment & OrvRight)
-        left = anchor.x - (int32_t)extent.w;
+        left = anchor.x - (int32_t)measured.w;
     else if (alignment & OrvCenter)
-        left = anchor.x - (int32_t)(extent.w / 2);
+        left = anchor.x - (int32_t)(measured.w / 2);
     int32_t base = anchor.y;
     if (alignment & OrvTop)
-        base = anchor.y - extent.y;
+        base = anchor.y - measured.y;
     else if (alignment & OrvBottom)
-        base = anchor.y - (extent.y + (int32_t)extent.h);
-    if (baseline) *baseline = Orv2dPoint(left - extent.x, base);
-    return Orv2dRect(left, base + extent.y, extent.w, extent.h);
+        base = anchor.y - (measured.y + (int32_t)measured.h);
+    if (baseline) *baseline = Orv2dPoint(left - measured.x, base);
+    return Orv2dRect(left, base + measured.y, measured.w, measured.h);
 }
 
 Orv2dRect OrvLabel::bbox2d(const Orv2dMatrix* matrix) const {

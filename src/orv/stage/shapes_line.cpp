@@ -7,9 +7,9 @@
 ORV_DEFINE_CLASS_INIT(OrvLine, "OrvActor", OrvLine::read)
 ORV_DEFINE_CLASS_INIT(OrvArrowLine, "OrvLine", OrvArrowLine::read)
 
-OrvLine::OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
-                 OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), from(from), to(to) {}
+OrvLine::OrvLine(OrvDirector* director, const Orv2dPoint& fromPoint, const Orv2dPoint& toPoint,
+                 OrvMakeUp* look)
+    : OrvActor(director, look), from(fromPoint), to(toPoint) {}
 
 OrvLine::OrvLine(const OrvLine& source) : OrvActor(source), from(source.from), to(source.to) {}
 
@@ -49,9 +49,9 @@ void OrvLine::setPoints(const Orv2dPoint& f, const Orv2dPoint& t) {
     flushDrawing(1);
 }
 
-OrvArrowLine::OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
-                           OrvMakeUp* makeUp, unsigned long arrows)
-    : OrvLine(director, from, to, makeUp), arrows(arrows) {}
+OrvArrowLine::OrvArrowLine(OrvDirector* director, const Orv2dPoint& fromPoint,
+                           const Orv2dPoint& toPoint, OrvMakeUp* look, unsigned long arrowEnds)
+    : OrvLine(director, fromPoint, toPoint, look), arrows(arrowEnds) {}
 
 OrvArrowLine::OrvArrowLine(const OrvArrowLine& source) : OrvLine(source), arrows(source.arrows) {}
 

@@ -17,9 +17,9 @@ static Orv2dPoint* copyPoints(unsigned int n, const Orv2dPoint* source) {
     return points;
 }
 
-Orv2dPolyline::Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
-                             OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), count(count), points(copyPoints(count, points)) {}
+Orv2dPolyline::Orv2dPolyline(OrvDirector* director, unsigned int pointCount,
+                             const Orv2dPoint* vertices, OrvMakeUp* look)
+    : OrvActor(director, look), count(pointCount), points(copyPoints(pointCount, vertices)) {}
 
 Orv2dPolyline::Orv2dPolyline(const Orv2dPolyline& source)
     : OrvActor(source), count(source.count), points(copyPoints(source.count, source.points)) {}
@@ -100,9 +100,9 @@ void Orv2dPolyline::setPoint(unsigned int index, const Orv2dPoint& point) {
     flushDrawing(1);
 }
 
-Orv2dPolygon::Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
-                           unsigned long filled, OrvMakeUp* makeUp)
-    : Orv2dPolyline(director, count, points, makeUp), filled(filled) {}
+Orv2dPolygon::Orv2dPolygon(OrvDirector* director, unsigned int pointCount,
+                           const Orv2dPoint* vertices, unsigned long solid, OrvMakeUp* look)
+    : Orv2dPolyline(director, pointCount, vertices, look), filled(solid) {}
 
 Orv2dPolygon::Orv2dPolygon(const Orv2dPolygon& source)
     : Orv2dPolyline(source), filled(source.filled) {}

@@ -9,9 +9,9 @@
 ORV_DEFINE_CLASS_INIT(OrvRectangle, "OrvActor", OrvRectangle::read)
 ORV_DEFINE_CLASS_INIT(OrvFilledRectangle, "OrvRectangle", OrvFilledRectangle::read)
 
-OrvRectangle::OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp,
-                           unsigned short radius)
-    : OrvActor(director, makeUp), rect(rect), radius(radius) {}
+OrvRectangle::OrvRectangle(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look,
+                           unsigned short cornerRadius)
+    : OrvActor(director, look), rect(box), radius(cornerRadius) {}
 
 OrvRectangle::OrvRectangle(const OrvRectangle& source)
     : OrvActor(source), rect(source.rect), radius(source.radius) {}
@@ -122,9 +122,9 @@ void OrvRectangle::setRadius(unsigned short r) {
     flushDrawing(1);
 }
 
-OrvFilledRectangle::OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect,
-                                       OrvMakeUp* makeUp, unsigned short radius)
-    : OrvRectangle(director, rect, makeUp, radius) {}
+OrvFilledRectangle::OrvFilledRectangle(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look,
+                                       unsigned short cornerRadius)
+    : OrvRectangle(director, box, look, cornerRadius) {}
 
 OrvFilledRectangle::OrvFilledRectangle(const OrvFilledRectangle& source) : OrvRectangle(source) {}
 

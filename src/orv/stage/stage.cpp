@@ -30,25 +30,23 @@ static unsigned long _OrvListHas_(const OrvList& list, const void* value) {
     return list.first && list.first->find(value);
 }
 
-OrvStage::OrvStage(OrvDirector* director, const Orv2dRect& rect, const char* title,
-                   unsigned int style, unsigned long visible)
-    : OrvView(director, rect, title, style, visible), invalidated(25) {
+OrvStage::OrvStage(OrvDirector* d, const Orv2dRect& rect, const char* title, unsigned int viewStyle,
+                   unsigned long shown)
+    : OrvView(d, rect, title, viewStyle, shown), invalidated(25) {
     init();
 }
 
-OrvStage::OrvStage(OrvView* parent, const Orv2dRect& rect, unsigned long visible)
-    : OrvView(parent, rect, 0, visible), invalidated(25) {
+OrvStage::OrvStage(OrvView* parentView, const Orv2dRect& rect, unsigned long shown)
+    : OrvView(parentView, rect, 0, shown), invalidated(25) {
     init();
 }
 
-OrvStage::OrvStage(OrvDirector* director, void* parentWindow, const Orv2dRect& rect,
-                   unsigned long visible)
-    : OrvView(director, parentWindow, rect, 0, visible), invalidated(25) {
+OrvStage::OrvStage(OrvDirector* d, void* parentWindow, const Orv2dRect& rect, unsigned long shown)
+    : OrvView(d, parentWindow, rect, 0, shown), invalidated(25) {
     init();
 }
 
-OrvStage::OrvStage(OrvDirector* director, void* window)
-    : OrvView(director, window), invalidated(25) {
+OrvStage::OrvStage(OrvDirector* d, void* window) : OrvView(d, window), invalidated(25) {
     init();
 }
 
@@ -172,14 +170,14 @@ void OrvStage::drawAll(const Orv2dRegion* region, unsigned long doErase) {
     OrvForgetUpdateDrawing(1);
 
     Orv2dRegion painted(whole, 25);
-    const Orv2dRegion* clip = nullptr;
+    const Orv2dRegion* paintClip = nullptr;
     if (region) {
         // One pixel more on every side, so lines on a box's edge are not cut.
         painted = *region;
         painted.translate(-1, -1);
         painted.grow(2, 2);
         painted.intersection(whole);
-        if (!region->contains(whole)) clip = &painted;
+        if (!region->contains(whole)) paintClip = &painted;
     }
 
     if (doErase) {
@@ -202,7 +200,7 @@ void OrvStage::drawAll(const Orv2dRegion* region, unsigned long doErase) {
 
     OrvCanvas* target = bitmap ? (OrvCanvas*)bitmap : (OrvCanvas*)this;
     beforeDraw(target, transformer, &painted);
-    target->prepare(clip);
+    target->prepare(paintClip);
     paintLayers(target, transformer, &painted);
     target->end();
     afterDraw(target, transformer, &painted);
@@ -221,8 +219,8 @@ void OrvStage::drawAll(const Orv2dRegion* region, unsigned long doErase) {
 
     if (producer) {
         // The ghost goes on the window only, so the next copy removes it.
-        prepare(clip);
-        producer->expose2d(clip);
+        prepare(paintClip);
+        producer->expose2d(paintClip);
         end();
     }
     OrvForgetUpdateDrawing(0);

@@ -202,13 +202,13 @@ OrvActor** OrvStage::objects(unsigned int& count) const {
     return result;
 }
 
-OrvActor* OrvStage::object(const char* name) const {
-    if (!name) return nullptr;
+OrvActor* OrvStage::object(const char* actorName) const {
+    if (!actorName) return nullptr;
     for (OrvLink* l = layers.first; l; l = l->next) {
         OrvStageLayer* layer = (OrvStageLayer*)l->value;
         for (uint32_t k = 0; k < layer->count; k++) {
             const char* own = layer->actors[k]->getName();
-            if (own && strcmp(own, name) == 0) return layer->actors[k];
+            if (own && strcmp(own, actorName) == 0) return layer->actors[k];
         }
     }
     return nullptr;
