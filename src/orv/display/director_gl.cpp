@@ -12,17 +12,18 @@
 // Sanitizer builds only. Mesa unloads its driver when the display closes, so a
 // leak report at exit could not name the driver's frames, and the suppressions
 // that excuse the driver's own start-up allocations could not match them. Every
-// object loaded once the first context exists is marked never to be unloaded.
+// object loaded by then is marked never to be unloaded.
 static int orvPinLoadedObject(struct dl_phdr_info* info, size_t, void*) {
     if (info->dlpi_name && info->dlpi_name[0])
         dlopen(info->dlpi_name, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
     return 0;
 }
 
-static void orvKeepGLDriverLoaded() {
-    static bool done = false;
-    if (done) return;
-    done = true;
+// Pins again once a context exists, since creating it may load more.
+static void orvKeepGLDriverLoaded(bool contextMade = false) {
+    static bool pinnedWithContext = false;
+    if (pinnedWithContext) return;
+    pinnedWithContext = contextMade;
     dl_iterate_phdr(orvPinLoadedObject, nullptr);
 }
 #endif
@@ -46,6 +47,10 @@ void OrvDirector::initContext() {
     Display* dpy = (Display*)display;
     XVisualInfo* vi =
         glXChooseVisual(dpy, DefaultScreen(dpy), const_cast<int*>(get3dRendererConfig()));
+#ifdef ORV_KEEP_GL_DRIVER_LOADED
+    // Even a screen without GL visuals has loaded the driver by now.
+    orvKeepGLDriverLoaded();
+#endif
     if (!vi) {
         OrvPrint("OrvDirector::initContext : Can't find a visual.\n");
         rootContext = nullptr;
@@ -54,7 +59,7 @@ void OrvDirector::initContext() {
     rootContext = glXCreateContext(dpy, vi, nullptr, True);
     XFree(vi);
 #ifdef ORV_KEEP_GL_DRIVER_LOADED
-    if (rootContext) orvKeepGLDriverLoaded();
+    if (rootContext) orvKeepGLDriverLoaded(true);
 #endif
 }
 
