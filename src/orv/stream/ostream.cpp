@@ -2,6 +2,7 @@
 // the typed items.
 #include "orv/stream.h"
 #include "orv/actor.h"
+#include "orv/canvas.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -237,5 +238,16 @@ OrvOStream& OrvOStream::operator<<(const Orv4dPoint& p) {
 }
 OrvOStream& OrvOStream::operator<<(const Orv3dVolume& v) {
     stream << indent() << "volume3d\t" << v << '\n';
+    return *this;
+}
+
+// The bitmap item: the name and the mask's name, each quoted.
+
+OrvOStream& OrvOStream::operator<<(const OrvBitmap* bitmap) {
+    stream << indent() << "bitmap\t";
+    OrvWriteString(stream, bitmap ? bitmap->name : nullptr);
+    stream << '\n' << indent() << "mask\t";
+    OrvWriteString(stream, bitmap && bitmap->mask ? bitmap->mask->name : nullptr);
+    stream << '\n';
     return *this;
 }
