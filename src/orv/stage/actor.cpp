@@ -9,9 +9,37 @@
 #include "orv/stage.h"
 #include "orv/stream.h"
 
+#include "orv/stream/actor_calls.h"
 #include "orv/stream/line.h"
 
-ORV_DEFINE_CLASS_INIT(OrvActor, "Root", OrvActor::read)
+// The root class registers by hand: its guard also hands the stream the calls
+// by which the reader and the writer reach actors that they hold opaquely.
+// Every file that uses an actor runs this guard before its own statics.
+int orvinitOrvActor::_counter = 0;
+OrvClassInfo* OrvActor::_classInfo = nullptr;
+orvinitOrvActor::orvinitOrvActor() {
+    if (_counter++ != 0) return;
+    OrvActor::_classInfo =
+        OrvInsertNewType("OrvActor", new OrvClassInfo("OrvActor", "Root", OrvActor::read));
+    OrvActorCalls.className = [](const OrvActor* a) { return a->className(); };
+    OrvActorCalls.write = [](const OrvActor* a, OrvOStream& out) { a->write(out); };
+    OrvActorCalls.mapReferences = [](OrvActor* a, void (*f)(OrvActor*, void*), void* data) {
+        a->mapReferences(f, data);
+    };
+    OrvActorCalls.destroy = [](OrvActor* a) { delete a; };
+    OrvActorCalls.hasUserProperty = [](OrvActor* a, const OrvKey* k) {
+        return a->hasUserProperty(k);
+    };
+    OrvActorCalls.getUserProperty = [](OrvActor* a, const OrvKey* k) {
+        return a->getUserProperty(k);
+    };
+    OrvActorCalls.setUserProperty = [](OrvActor* a, const OrvKey* k, void* v) {
+        a->setUserProperty(k, v);
+    };
+    OrvActorCalls.removeUserProperty = [](OrvActor* a, const OrvKey* k) {
+        return a->removeUserProperty(k);
+    };
+}
 
 OrvKey* OrvActor::_inVirtualStage = nullptr;
 Orv2dDragger OrvActor::_default2dDragger;

@@ -1,6 +1,5 @@
 // The reader: header, object table, object blocks and the typed items.
 #include "orv/stream.h"
-#include "orv/actor.h"
 #include "orv/canvas.h"
 #include "orv/director.h"
 #include "orv/makeup.h"
@@ -12,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "actor_calls.h"
 #include "scan.h"
 
 OrvIStream::OrvIStream(OrvDirector* d, std::istream& in)
@@ -233,13 +233,13 @@ OrvActor* OrvIStream::read() {
     OrvScanChar(stream, c);
     if (c != '}') {
         fault("OrvIStream : bad separator.\n");
-        delete actor;
+        OrvActorCalls.destroy(actor);
         return nullptr;
     }
     // A fault inside the block means the object was not read in full: it is
     // dropped rather than handed over half built.
     if (faults != before || stream.fail()) {
-        delete actor;
+        OrvActorCalls.destroy(actor);
         return nullptr;
     }
     return actor;
