@@ -1,6 +1,6 @@
 // Actors: everything that can be shown on a stage or in a theater, their state
-// flags, user properties, the class registry they are known by, their change
-// protocol and their 2D geometry, focus and selection handles.
+// flags, user properties, their registration with the class registry, their
+// change protocol and their 2D geometry, focus and selection handles.
 #ifndef ORV_ACTOR_H
 #define ORV_ACTOR_H
 
@@ -10,6 +10,7 @@
 #include "orv/geometry.h"
 #include "orv/region.h"
 #include "orv/makeup.h"
+#include "orv/classinfo.h"
 
 class OrvActor;
 class OrvStage;
@@ -21,36 +22,8 @@ class OrvIStream;
 class OrvOStream;
 
 // ---------------------------------------------------------------------------
-// Class registry
+// Registration of a class with the registry of the stream
 // ---------------------------------------------------------------------------
-
-// Makes an actor of a class from the stream that names it.
-typedef OrvActor* (*OrvReadFunction)(OrvIStream&);
-
-// The run-time record of one class: its name, its parent's name and its reader.
-class OrvClassInfo {
-public:
-    char* name;        // owned copy
-    char* parentName;  // owned copy, null when shorter than 3 characters
-    OrvReadFunction readFunction;
-    unsigned index;  // serial number, in order of creation
-
-    OrvClassInfo(const char* className, const char* parentClassName, OrvReadFunction reader);
-    OrvClassInfo(const OrvClassInfo&) = delete;
-    OrvClassInfo& operator=(const OrvClassInfo&) = delete;
-    ~OrvClassInfo();
-
-    // How many records have been made so far.
-    static unsigned _counter;
-};
-
-// Enters the record under the name (the table of 1000 buckets is made on first
-// use) and returns it.
-OrvClassInfo* OrvInsertNewType(const char* name, OrvClassInfo* info);
-// The record of that name, or null.
-OrvClassInfo* OrvGetClassInfo(const char* name);
-// The table itself, null before the first class is registered.
-OrvStringHashTable* OrvGetHashTypes();
 
 // Registration guard: every translation unit that includes a class's header
 // holds one guard object, and the first constructor to run makes the record.

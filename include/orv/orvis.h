@@ -17,6 +17,7 @@
 #include "orv/stage.h"
 #include "orv/role.h"
 #include "orv/producer.h"
+#include "orv/classinfo.h"
 #include "orv/stream.h"
 #include "orv/engine.h"
 

@@ -5,6 +5,7 @@
 
 #include "orv/base.h"
 #include "orv/geometry.h"
+#include "orv/classinfo.h"
 
 #include <istream>
 #include <ostream>

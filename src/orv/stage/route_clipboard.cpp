@@ -8,12 +8,7 @@
 #include "orv/actor.h"
 #include "orv/director.h"
 #include "orv/stage.h"
-#if __has_include("orv/stream.h")
 #include "orv/stream.h"
-#define ORV_HAVE_STREAM 1
-#else
-#define ORV_HAVE_STREAM 0
-#endif
 
 // The selections as persistent text; empty without a selection.
 static std::string OrvSelectionsText(OrvStage* stage) {
@@ -21,10 +16,8 @@ static std::string OrvSelectionsText(OrvStage* stage) {
     OrvActor** selected = stage->selections(count);
     if (!selected) return std::string();
     std::ostringstream text;
-#if ORV_HAVE_STREAM
     OrvOStream out(text);
     out.write(count, selected, 1);
-#endif
     free(selected);
     return text.str();
 }
@@ -66,7 +59,6 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     if (privateNest) abortDrawing();
 
     unsigned count = 0;
-#if ORV_HAVE_STREAM
     std::istringstream in(text);
     OrvIStream reader(director, in);
     OrvActor** actors = reader.read(count, 1);
@@ -74,9 +66,6 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     unsigned readable = 0;
     while (actors && readable < count && actors[readable]) readable++;
     count = readable;
-#else
-    OrvActor** actors = 0;
-#endif
     if (!actors || !count) {
         delete[] actors;
         drawAll(nullptr, 1);

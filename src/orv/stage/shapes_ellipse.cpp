@@ -4,6 +4,7 @@
 #include "orv/canvas.h"
 #include "orv/makeup.h"
 #include "orv/shapes.h"
+#include "orv/stream.h"
 #include "shapes_geometry.h"
 
 ORV_DEFINE_CLASS_INIT(OrvEllipse, "OrvActor", OrvEllipse::read)
@@ -20,6 +21,22 @@ OrvActor* OrvEllipse::copy() const {
 }
 OrvClassInfo* OrvEllipse::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the box.
+
+OrvActor* OrvEllipse::read(OrvIStream& in) {
+    return new OrvEllipse(in);
+}
+
+void OrvEllipse::write(OrvOStream& out) const {
+    OrvActor::write(out);
+    out.writeComments("OrvEllipse class", 1);
+    out << rect;
+}
+
+OrvEllipse::OrvEllipse(OrvIStream& in) : OrvActor(in), rect() {
+    in >> rect;
 }
 
 static unsigned long isPie(const OrvEllipse* e) {
@@ -92,6 +109,19 @@ OrvClassInfo* OrvFilledEllipse::classInfo() const {
     return _classInfo;
 }
 
+// Persistent form: the parent's, then the class comment.
+
+OrvActor* OrvFilledEllipse::read(OrvIStream& in) {
+    return new OrvFilledEllipse(in);
+}
+
+void OrvFilledEllipse::write(OrvOStream& out) const {
+    OrvEllipse::write(out);
+    out.writeComments("OrvFilledEllipse class", 1);
+}
+
+OrvFilledEllipse::OrvFilledEllipse(OrvIStream& in) : OrvEllipse(in) {}
+
 OrvArc::OrvArc(OrvDirector* director, const Orv2dRect& box, float startDegrees, float endDegrees,
                unsigned long solid, OrvMakeUp* look)
     : OrvEllipse(director, box, look), start(startDegrees), end(endDegrees), filled(solid) {}
@@ -104,6 +134,26 @@ OrvActor* OrvArc::copy() const {
 }
 OrvClassInfo* OrvArc::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the ellipse's, then the angles and whether it is filled.
+
+OrvActor* OrvArc::read(OrvIStream& in) {
+    return new OrvArc(in);
+}
+
+void OrvArc::write(OrvOStream& out) const {
+    OrvEllipse::write(out);
+    out.writeComments("OrvArc class", 1);
+    out << start;
+    out << end;
+    out << filled;
+}
+
+OrvArc::OrvArc(OrvIStream& in) : OrvEllipse(in), start(0), end(360), filled(0) {
+    in >> start;
+    in >> end;
+    in >> filled;
 }
 
 void OrvArc::setAngles(float s, float e) {

@@ -5,6 +5,7 @@
 #include "orv/canvas.h"
 #include "orv/makeup.h"
 #include "orv/shapes.h"
+#include "orv/stream.h"
 #include "shapes_geometry.h"
 
 ORV_DEFINE_CLASS_INIT(OrvIcon, "OrvActor", OrvIcon::read)
@@ -47,6 +48,29 @@ OrvActor* OrvIcon::copy() const {
 }
 OrvClassInfo* OrvIcon::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the point, then the bitmap by name with its mask.
+
+OrvActor* OrvIcon::read(OrvIStream& in) {
+    return new OrvIcon(in);
+}
+
+void OrvIcon::write(OrvOStream& out) const {
+    OrvActor::write(out);
+    out.writeComments("OrvIcon class", 1);
+    out << point;
+    out << (const OrvBitmap*)bitmap;
+}
+
+OrvIcon::OrvIcon(OrvIStream& in)
+    : OrvActor(in), bitmap(nullptr), point(), maskBits(nullptr), maskBytesPerLine(0) {
+    in >> point;
+    OrvBitmap* b = nullptr;
+    in >> b;
+    bitmap = b;
+    if (bitmap) bitmap->lock();
+    readMask();
 }
 
 void OrvIcon::readMask() {

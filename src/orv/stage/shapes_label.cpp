@@ -6,6 +6,7 @@
 #include "orv/makeup.h"
 #include "orv/resource.h"
 #include "orv/shapes.h"
+#include "orv/stream.h"
 #include "shapes_geometry.h"
 
 ORV_DEFINE_CLASS_INIT(OrvLabel, "OrvActor", OrvLabel::read)
@@ -36,6 +37,37 @@ OrvActor* OrvLabel::copy() const {
 }
 OrvClassInfo* OrvLabel::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the text, the anchor point and the alignment.
+
+OrvActor* OrvLabel::read(OrvIStream& in) {
+    return new OrvLabel(in);
+}
+
+void OrvLabel::write(OrvOStream& out) const {
+    OrvActor::write(out);
+    out.writeComments("OrvLabel class", 1);
+    out << (const char*)text;
+    out << point;
+    out.writePosition(alignment);
+}
+
+OrvLabel::OrvLabel(OrvIStream& in)
+    : OrvActor(in), text((char*)calloc(1, 1)), point(), alignment(OrvLeft), extentText(nullptr),
+      extentMakeUp(nullptr) {
+    char* value = nullptr;
+    in >> value;
+    if (value) {
+        // The label keeps its text in malloc'ed memory.
+        char* copy = (char*)malloc(strlen(value) + 1);
+        strcpy(copy, value);
+        delete[] value;
+        free(text);
+        text = copy;
+    }
+    in >> point;
+    in.readPosition(alignment);
 }
 
 // Relative to the baseline origin: y is minus the ascent.

@@ -2,6 +2,7 @@
 #include "orv/canvas.h"
 #include "orv/makeup.h"
 #include "orv/shapes.h"
+#include "orv/stream.h"
 #include "shapes_geometry.h"
 
 ORV_DEFINE_CLASS_INIT(OrvLine, "OrvActor", OrvLine::read)
@@ -18,6 +19,24 @@ OrvActor* OrvLine::copy() const {
 }
 OrvClassInfo* OrvLine::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the two ends.
+
+OrvActor* OrvLine::read(OrvIStream& in) {
+    return new OrvLine(in);
+}
+
+void OrvLine::write(OrvOStream& out) const {
+    OrvActor::write(out);
+    out.writeComments("OrvLine class", 1);
+    out << from;
+    out << to;
+}
+
+OrvLine::OrvLine(OrvIStream& in) : OrvActor(in), from(), to() {
+    in >> from;
+    in >> to;
 }
 
 // One pixel more than the stroke, so that a vertical or horizontal line still
@@ -60,6 +79,22 @@ OrvActor* OrvArrowLine::copy() const {
 }
 OrvClassInfo* OrvArrowLine::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the line's, then which ends carry a head.
+
+OrvActor* OrvArrowLine::read(OrvIStream& in) {
+    return new OrvArrowLine(in);
+}
+
+void OrvArrowLine::write(OrvOStream& out) const {
+    OrvLine::write(out);
+    out.writeComments("OrvArrowLine class", 1);
+    out << arrows;
+}
+
+OrvArrowLine::OrvArrowLine(OrvIStream& in) : OrvLine(in), arrows(OrvArrowAtEnd) {
+    in >> arrows;
 }
 
 void OrvArrowLine::head(unsigned long atEnd, const Orv2dMatrix* matrix, Orv2dPoint out[3]) const {

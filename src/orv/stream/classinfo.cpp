@@ -2,9 +2,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "orv/actor.h"
+#include "orv/classinfo.h"
+
+#include "actor_calls.h"
 
 unsigned OrvClassInfo::_counter = 0;
+
+_OrvActorCalls_ OrvActorCalls = {};
 
 static OrvStringHashTable* _types = nullptr;
 
