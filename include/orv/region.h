@@ -117,8 +117,8 @@ void OrvSetDeltaLine(float delta);
 float OrvGetDeltaLine();
 
 // Arrow head length along the line (8) and half width (4).
-extern uint32_t Orvarrow_deltax;
-extern uint32_t Orvarrow_deltay;
+extern int32_t Orvarrow_deltax;
+extern int32_t Orvarrow_deltay;
 void OrvSetArrowDelta(unsigned long x, unsigned long y);
 
 // How finely the vector fonts flatten filled glyphs.

@@ -21,6 +21,7 @@ class OrvCanvas;
 class OrvMakeUp;
 class OrvStage;
 class OrvScene;
+class OrvLinkImage;
 class OrvTheater;
 
 // Observer of a stage's drawing cycle and contents. Every default does
@@ -183,6 +184,20 @@ public:
     unsigned int cardinal() const;
     unsigned long isLink(const OrvActor* actor) const;
 
+    // Links: each joined actor keeps the links that start and end at it.
+    // Pushes the link on the front of its ends' lists; append calls it.
+    void addLink(OrvLinkImage* link);
+    // Takes the link out of both lists.
+    void removeLink(OrvLinkImage* link);
+    // Removes (and with deleteThem deletes) every link at the actor, and the
+    // links that end on those links, in a nest.
+    void removeLinks(OrvActor* actor, unsigned long deleteThem);
+    unsigned int fromLinksCardinal(OrvActor* actor) const;
+    unsigned int toLinksCardinal(OrvActor* actor) const;
+    // The nth link starting (ending) at the actor, from the newest, or null.
+    OrvLinkImage* linkFrom(OrvActor* actor, unsigned int n) const;
+    OrvLinkImage* linkTo(OrvActor* actor, unsigned int n) const;
+
     // Event routing
     void handleInput(const OrvEvent& event) override;
     void handleQuit() override;
@@ -225,6 +240,9 @@ private:
     void init();
     void collapseInvalidated();
     void transformerReplaced(const Orv2dMatrix* oldMatrix);
+    // Deletes every link of every layer, all out of the tables before any is
+    // deleted, so that emptying layers one by one meets no link whose end is gone.
+    void deleteLinks();
 };
 
 #endif

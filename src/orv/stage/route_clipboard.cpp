@@ -7,6 +7,7 @@
 
 #include "orv/actor.h"
 #include "orv/director.h"
+#include "orv/link.h"
 #include "orv/stage.h"
 #include "orv/stream.h"
 
@@ -84,6 +85,10 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     OrvAllowCallContentsChanged = 0;
     for (unsigned i = 0; i < count; i++) {
         OrvActor* a = actors[i];
+        if (isLink(a) && !((OrvLinkImage*)a)->hasEnds()) {
+            delete a;
+            continue;
+        }
         a->apply2d(shift);
         append(a, a->layer);
         a->setSelected(select);

@@ -293,6 +293,7 @@ void OrvStage::handleResize(const Orv2dRect& oldRect, const Orv2dRect& newRect) 
 
 void OrvStage::empty(unsigned long deleteActors) {
     beginDrawing();
+    if (deleteActors) deleteLinks();
     for (OrvLink* l = layers.first; l; l = l->next) ((OrvStageLayer*)l->value)->empty(deleteActors);
     pressedActor = nullptr;
     pointerActor = nullptr;
@@ -357,6 +358,7 @@ OrvStage::~OrvStage() {
     releaseInput();
     // Layers go first, with their actors, so no actor outlives its stage. A
     // layer is emptied while it is still listed, so that each actor finds it.
+    deleteLinks();
     while (layers.first) {
         OrvStageLayer* layer = (OrvStageLayer*)layers.first->value;
         layer->empty(1);

@@ -5,6 +5,7 @@
 
 #include "orv/actor.h"
 #include "orv/layer.h"
+#include "orv/link.h"
 #include "orv/role.h"
 #include "orv/stage.h"
 
@@ -41,6 +42,7 @@ static void welcome(OrvStage* stage, OrvActor* actor, unsigned int n) {
     actor->setStage(stage);
     actor->setLayer((unsigned short)n);
     stage->draw(actor, 1);
+    if (stage->isLink(actor)) stage->addLink((OrvLinkImage*)actor);
     if (!actor->getRole()) {
         const char* name = actor->defaultRole();
         if (name) actor->setRole(OrvGetRole(name));
@@ -63,6 +65,10 @@ void OrvStage::remove(OrvActor* actor, unsigned long deleteIt) {
     // The flag stays set: only the list forgets the actor.
     if (actor->isSelected()) selectionList.remove(actor);
     beginDrawing();
+    // A link leaves its ends' tables; the links that end on it go too, since
+    // they would otherwise keep an end that has left the stage.
+    if (isLink(actor)) removeLink((OrvLinkImage*)actor);
+    removeLinks(actor, deleteIt);
     clean(actor, deleteIt);
     flushDrawing(1);
     if (!destroying) contentsChanged();
