@@ -210,6 +210,10 @@ public:
     virtual void computeFocusRegion2d(Orv2dRegion& region, const Orv2dMatrix* matrix);
     virtual void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix);
     virtual void apply2d(const Orv2dMatrix& matrix);
+    // Takes the geometry (never the identity, make-up or flags) of an actor of
+    // the same class, with no repaint: the caller nests it. 0 when the class
+    // cannot, as here; undo then maps the actor back by the inverse matrix.
+    virtual unsigned long copyGeometry(const OrvActor& source);
     virtual Orv2dRect bbox2d(const Orv2dMatrix* matrix) const;
     virtual unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix);
 

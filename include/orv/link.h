@@ -34,6 +34,8 @@ public:
     // Calls the function on from, then on to.
     void map(void (*function)(OrvActor*, void*), void* data) override;
     void mapReferences(void (*function)(OrvActor*, void*), void* data) override;
+    // A link's shape follows its ends: it has no geometry of its own to take.
+    unsigned long copyGeometry(const OrvActor&) override { return 1; }
 
     // Each repaints when the value changes; the stage's link tables keep the
     // old ends (OrvStage::addLink and removeLink maintain those).

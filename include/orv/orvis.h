@@ -21,5 +21,6 @@
 #include "orv/stream.h"
 #include "orv/engine.h"
 #include "orv/link.h"
+#include "orv/undo.h"
 
 #endif

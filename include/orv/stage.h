@@ -22,6 +22,7 @@ class OrvMakeUp;
 class OrvStage;
 class OrvScene;
 class OrvLinkImage;
+class OrvUndoStack;
 class OrvTheater;
 
 // Observer of a stage's drawing cycle and contents. Every default does
@@ -89,6 +90,7 @@ public:
     OrvList hooks;       // OrvStageHook*
     OrvStageGrid* grid;  // owned
     unsigned long destroying;
+    OrvUndoStack* undoStack;  // not owned; null records no history
     OrvExitCallback* exitCallback;
 
     // Drawing cycle
@@ -197,6 +199,16 @@ public:
     // The nth link starting (ending) at the actor, from the newest, or null.
     OrvLinkImage* linkFrom(OrvActor* actor, unsigned int n) const;
     OrvLinkImage* linkTo(OrvActor* actor, unsigned int n) const;
+
+    // Undo: the stack that records this stage's edits (shared or not, the
+    // application keeps it), or null to record none.
+    void setUndoStack(OrvUndoStack* stack);
+    // Binds undo and redo to keys; by default Alt-Z and Alt-Y, since control-Z
+    // zooms in among the default accelerators.
+    void installUndoAccelerators(unsigned short undoKey = 'z',
+                                 unsigned short undoModifiers = 0x0800,
+                                 unsigned short redoKey = 'y',
+                                 unsigned short redoModifiers = 0x0800);
 
     // Event routing
     void handleInput(const OrvEvent& event) override;

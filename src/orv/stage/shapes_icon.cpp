@@ -134,3 +134,10 @@ void OrvIcon::setBitmap(OrvBitmap* b) {
     readMask();
     flushDrawing(1);
 }
+
+unsigned long OrvIcon::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvIcon& s = (const OrvIcon&)source;
+    point = s.point;
+    return 1;
+}

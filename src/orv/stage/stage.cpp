@@ -1,6 +1,7 @@
 // OrvStage: construction, the nest of beginDrawing/flushDrawing, invalidation
 // and the single repaint routine drawAll.
 #include "orv/stage.h"
+#include "orv/undo.h"
 
 #include "orv/actor.h"
 #include "orv/canvas.h"
@@ -66,6 +67,7 @@ void OrvStage::init() {
     resizeContents = 1;
     grid = nullptr;
     destroying = 0;
+    undoStack = nullptr;
     exitCallback = nullptr;
     layer(0, 1);
 }
@@ -293,7 +295,10 @@ void OrvStage::handleResize(const Orv2dRect& oldRect, const Orv2dRect& newRect) 
 
 void OrvStage::empty(unsigned long deleteActors) {
     beginDrawing();
-    if (deleteActors) deleteLinks();
+    if (deleteActors) {
+        if (undoStack) undoStack->forget(this);
+        deleteLinks();
+    }
     for (OrvLink* l = layers.first; l; l = l->next) ((OrvStageLayer*)l->value)->empty(deleteActors);
     pressedActor = nullptr;
     pointerActor = nullptr;
@@ -316,7 +321,11 @@ unsigned long OrvStage::clean(OrvActor* actor, unsigned long deleteIt) {
     // The box is taken after the actor left its layer: isVisible goes by the
     // layer number, which still answers.
     if (!destroying) invalidate(actor, 1);
-    if (deleteIt && actor) delete actor;
+    if (deleteIt && actor) {
+        // A step of the history might still name it.
+        if (undoStack && !undoStack->isReplaying()) undoStack->forget(this);
+        delete actor;
+    }
     flushDrawing(1);
     return 1;
 }
@@ -355,6 +364,8 @@ void OrvStage::applyResize(float, float) {}
 
 OrvStage::~OrvStage() {
     destroying = 1;
+    // The history goes first: its steps hold actors that left this stage.
+    setUndoStack(nullptr);
     releaseInput();
     // Layers go first, with their actors, so no actor outlives its stage. A
     // layer is emptied while it is still listed, so that each actor finds it.
