@@ -151,6 +151,8 @@ public:
     void lock();
     void unLock();
     void setMask(OrvBitmap* mask);
+    // The pixels of a rectangle in the server's ZPixmap layout, `size` bytes: a new array,
+    // free with delete[]; null when the rectangle is empty or cannot be read.
     unsigned char* getBits(unsigned long& size, const Orv2dRect& rect) const;
     void setBits(const Orv2dRect& rect, const unsigned char* data, unsigned long size,
                  unsigned short pad, unsigned long lsbFirst);

@@ -94,7 +94,7 @@ public:
     OrvIStream(OrvDirector*, std::istream&);
 
     virtual OrvActor* read();
-    // A new array, to be freed with delete[], or null. Reading stops at the
+    // A new array, free with delete[], or null. Reading stops at the
     // first bad object, whose entry is null: walk the array up to count or to
     // the first null, whichever comes first.
     virtual OrvActor** read(unsigned& count, unsigned long is2d);
@@ -122,7 +122,7 @@ public:
     OrvIStream& operator>>(long&);
     OrvIStream& operator>>(float&);
     OrvIStream& operator>>(double&);
-    // A label: a new copy (delete[] by the caller) replaces the pointer.
+    // A label: a new copy (free with delete[]) replaces the pointer.
     OrvIStream& operator>>(char*& label);
     OrvIStream& operator>>(OrvBitmap*&);
     OrvIStream& operator>>(Orv3dRect&);

@@ -25,7 +25,7 @@ static std::string OrvSelectionsText(OrvStage* stage) {
     OrvOStream out(text);
     out.write(count, selected, 1);
 #endif
-    free(selected);
+    delete[] selected;
     return text.str();
 }
 
@@ -46,7 +46,7 @@ void OrvStage::cut() {
     unsigned count = 0;
     OrvActor** selected = selections(count);
     remove(selected, count, 1);
-    free(selected);
+    delete[] selected;
     OrvAllowCallContentsChanged = allow;
     contentsChanged();
     // The clipboard is set last, once the stage is consistent again.
