@@ -159,6 +159,12 @@ public:
     void useColor(OrvColor* color);
 };
 
+// Writes the pixels of a canvas (a view's window, which must be showing, or a bitmap) as a
+// binary PPM: "P6\n<width> <height>\n255\n", then the rows from the top, three bytes a pixel.
+// Colours come through the canvas's visual (the colormap on indexed screens); a set bit of a
+// depth-1 bitmap is black. 1 when written; 0, with a message, when nothing could be.
+int OrvSaveViewPPM(const OrvCanvas* canvas, const char* file);
+
 // Sets the raster function of the canvas's depth-1 graphic context.
 void SetDepth1Mode(const OrvCanvas* canvas, OrvDrawMode mode, unsigned long on);
 
