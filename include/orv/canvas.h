@@ -165,13 +165,15 @@ public:
 // depth-1 bitmap is black. 1 when written; 0, with a message, when nothing could be.
 int OrvSaveViewPPM(const OrvCanvas* canvas, const char* file);
 
-// Sets the raster function of the canvas's depth-1 graphic context.
+// Sets the raster function of the canvas's depth-1 graphic context. The name, without the
+// prefix, is kept as it is for behaviour compatibility.
 void SetDepth1Mode(const OrvCanvas* canvas, OrvDrawMode mode, unsigned long on);
 
 // Splits a text at newlines into static copies, valid until the next call.
 char** OrvTextToLabels(const char* text, unsigned long& count);
 
-// Copies between the front and back GL buffers of a 3D view.
+// Copies between the front and back GL buffers of a 3D view. The name, bracketed like a
+// file-local one, is kept as it is for behaviour compatibility.
 unsigned long _OrvBitBlit_(const OrvView* view, const Orv2dRect& rect, unsigned long direction,
                            unsigned long flag);
 

@@ -146,7 +146,8 @@ void OrvWriteString(std::ostream&, const char* text, unsigned length = 0,
 // A static buffer, valid until the next call.
 char* OrvReadString(std::istream&);
 
-// Key and value readers; each returns 0 after reporting a different key.
+// Key and value readers; each returns 0 after reporting a different key. The names, bracketed
+// like file-local ones, are kept as they are for behaviour compatibility.
 int _OrvReadItem_(OrvIStream&, char* buffer, const char* key);
 int _OrvReadItem_(OrvIStream&, char* buffer, const char* key, char* value);
 int _OrvReadItem_(OrvIStream&, char* buffer, const char* key, unsigned long& value);
