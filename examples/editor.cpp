@@ -14,17 +14,10 @@
 
 #include <string>
 
-#include "orv/actor.h"
-#include "orv/director.h"
-#include "orv/makeup.h"
-#include "orv/producer.h"
-#include "orv/resource.h"
-#include "orv/role.h"
-#include "orv/shapes.h"
-#include "orv/stage.h"
+#include <orv/orvis.h>
 
+// Only the scripted session speaks to X itself: XTest plays the mouse and the keyboard.
 #include <X11/Xlib.h>
-#include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
@@ -145,28 +138,13 @@ static void Pump(Editor& e, int ms) {
 }
 
 static void Shot(Editor& e, const char* dir, int n, const char* step) {
-    Display* dpy = (Display*)e.director->display;
     Pump(e, 80);
     char path[1024];
     snprintf(path, sizeof path, "%s/editor-%02d-%s.ppm", dir, n, step);
-    XImage* im = XGetImage(dpy, e.stage->window(), 0, 0, e.stage->width, e.stage->height, AllPlanes,
-                           ZPixmap);
-    FILE* f = im ? fopen(path, "wb") : nullptr;
-    if (!f) {
+    if (!OrvSaveViewPPM(e.stage, path)) {
         fprintf(stderr, "editor: cannot write %s\n", path);
-        if (im) XDestroyImage(im);
         return;
     }
-    fprintf(f, "P6\n%lu %lu\n255\n", e.stage->width, e.stage->height);
-    for (unsigned long y = 0; y < e.stage->height; y++)
-        for (unsigned long x = 0; x < e.stage->width; x++) {
-            unsigned long p = XGetPixel(im, x, y);
-            unsigned char rgb[3] = {(unsigned char)(p >> 16), (unsigned char)(p >> 8),
-                                    (unsigned char)p};
-            fwrite(rgb, 1, 3, f);
-        }
-    fclose(f);
-    XDestroyImage(im);
     printf("editor: step %d, %s: %u actors, %u selected -> %s\n", n, step, e.stage->cardinal(),
            e.stage->selectionList.length(), path);
 }

@@ -317,13 +317,14 @@ protected:
 
 ORV_DECLARE_CLASS_INIT(OrvActor)
 
-// Keys of the user properties that actors hold; made once, by the first use.
+// Keys of the user properties that actors hold; made once, by the first use. These global names
+// (no prefix, an "A" at the end) are kept as they are for file/behaviour compatibility.
 extern OrvKey* callbackA;
 extern OrvKey* secondaryCallbackA;
 extern OrvKey* callbackNameA;
 extern OrvKey* secondaryCallbackNameA;
 extern OrvKey* nameA;
-extern OrvKey* roleA;
+extern OrvKey* roleA;  // the key "P_baheviour": misspelt, kept as it is for file compatibility
 extern OrvKey* engineA;
 
 // "P_layer" and "T_layer": the stage and the theater that hold an actor.

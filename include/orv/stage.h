@@ -179,8 +179,11 @@ public:
     void makeSelected(OrvActor* actor);
     void deSelect();
     OrvActor* selection(unsigned int n) const;
-    // New arrays with room for count+1 pointers, null when empty; the caller frees them.
+    // The selected actors in order of selection, then a null: a new array, free with delete[];
+    // null when nothing is selected.
     OrvActor** selections(unsigned int& count) const;
+    // All actors, layer by layer from the bottom, then a null: a new array, free with delete[];
+    // null when the stage is empty.
     OrvActor** objects(unsigned int& count) const;
     OrvActor* object(const char* actorName) const;
     unsigned int cardinal() const;

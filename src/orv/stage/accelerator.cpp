@@ -97,7 +97,7 @@ int OrvDuplicateAccelerator::input2d(OrvStage* stage, const OrvEvent&) {
         selected[i]->setSelected(0);
     }
     stage->flushDrawing(1);
-    free(selected);
+    delete[] selected;
     return 1;
 }
 
@@ -125,7 +125,7 @@ int OrvSelectAccelerator::input2d(OrvStage* stage, const OrvEvent&) {
     for (unsigned i = 0; i < count; i++)
         if (!all[i]->isSelected()) all[i]->setSelected(1);
     stage->flushDrawing(1);
-    free(all);
+    delete[] all;
     return 1;
 }
 
@@ -135,7 +135,7 @@ int OrvDeleteAccelerator::input2d(OrvStage* stage, const OrvEvent&) {
     OrvActor** selected = stage->selections(count);
     if (!selected) return 1;
     stage->remove(selected, count, 1);
-    free(selected);
+    delete[] selected;
     return 1;
 }
 

@@ -83,7 +83,7 @@ static void makeIdentityKeys() {
     callbackNameA = OrvGetKey("P_cname", 1);
     secondaryCallbackNameA = OrvGetKey("SP_cname", 1);
     nameA = OrvGetKey("P_name", 1);
-    roleA = OrvGetKey("P_baheviour", 1);
+    roleA = OrvGetKey("P_baheviour", 1);  // misspelt; kept as it is for file compatibility
     engineA = OrvGetKey("P_engine", 1);
 }
 

@@ -52,7 +52,7 @@ static void OrvDropRoleIn(OrvStage* stage, void* role) {
     OrvActor** actors = stage->objects(count);
     for (unsigned i = 0; i < count; i++)
         if (actors[i]->getRole() == role) actors[i]->setRole((OrvRole*)nullptr);
-    free(actors);
+    delete[] actors;
 }
 
 OrvRole::~OrvRole() {

@@ -19,7 +19,7 @@ static std::string OrvSelectionsText(OrvStage* stage) {
     std::ostringstream text;
     OrvOStream out(text);
     out.write(count, selected, 1);
-    free(selected);
+    delete[] selected;
     return text.str();
 }
 
@@ -40,7 +40,7 @@ void OrvStage::cut() {
     unsigned count = 0;
     OrvActor** selected = selections(count);
     remove(selected, count, 1);
-    free(selected);
+    delete[] selected;
     OrvAllowCallContentsChanged = allow;
     contentsChanged();
     // The clipboard is set last, once the stage is consistent again.

@@ -17,7 +17,8 @@ unsigned int OrvAllowHooksUpdated = 1;
 // that many small changes cost one larger repaint and not a long clip list.
 static const short _OrvInvalidateLimit = 32;
 
-// Made at start and destroyed at exit; kept for programs that link to it.
+// Made at start and destroyed at exit, and used by nothing: the name is kept as it is for
+// behaviour compatibility, for programs that link to it.
 Orv2dRegion _invalidates(25);
 
 // Frees the nodes of a list of borrowed pointers.
@@ -86,6 +87,7 @@ void OrvStage::beginDrawing() {
 }
 
 void OrvStage::flushDrawing(unsigned long erase) {
+    // The text, its grammar and its missing blank are kept as they are for behaviour compatibility.
     if (nesting == 0)
         OrvError("OrvStage::flushDrawing : 'beginDrawing' must be call before'flushDrawing'.\n");
     else

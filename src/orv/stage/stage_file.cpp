@@ -15,7 +15,7 @@ void OrvStage::save(std::ostream& out) {
     writer.defaultSize = bbox();
     writer.write(count, actors, 1);
     writer.eof();
-    free(actors);
+    delete[] actors;
 }
 
 void OrvStage::save(const char* file) {

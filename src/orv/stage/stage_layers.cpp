@@ -188,7 +188,7 @@ OrvActor* OrvStage::selection(unsigned int n) const {
 OrvActor** OrvStage::selections(unsigned int& count) const {
     count = selectionList.length();
     if (!count) return nullptr;
-    OrvActor** result = (OrvActor**)malloc((count + 1) * sizeof(OrvActor*));
+    OrvActor** result = new OrvActor*[count + 1];
     unsigned int i = 0;
     for (OrvLink* l = selectionList.first; l; l = l->next) result[i++] = (OrvActor*)l->value;
     result[i] = nullptr;
@@ -198,7 +198,7 @@ OrvActor** OrvStage::selections(unsigned int& count) const {
 OrvActor** OrvStage::objects(unsigned int& count) const {
     count = cardinal();
     if (!count) return nullptr;
-    OrvActor** result = (OrvActor**)malloc((count + 1) * sizeof(OrvActor*));
+    OrvActor** result = new OrvActor*[count + 1];
     unsigned int i = 0;
     for (OrvLink* l = layers.first; l; l = l->next) {
         OrvStageLayer* layer = (OrvStageLayer*)l->value;
