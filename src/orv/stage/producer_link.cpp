@@ -4,6 +4,7 @@
 #include "orv/link.h"
 #include "orv/makeup.h"
 #include "orv/stage.h"
+#include "orv/undo.h"
 
 #include "producer_internal.h"
 
@@ -98,7 +99,7 @@ void OrvMakeLinkProducer::ghost2d(const OrvMakeUp* look, const Orv2dPoint& a, co
 }
 
 void OrvMakeLinkProducer::activate2d(OrvActor* fromActor, OrvActor* toActor) {
-    stage->append(new OrvLinkImage(director(), fromActor, toActor, 1, 1.0f, makeUp));
+    OrvEditAppend(stage, new OrvLinkImage(director(), fromActor, toActor, 1, 1.0f, makeUp));
 }
 
 unsigned long OrvMakeLinkProducer::acceptFrom(OrvActor*) {
@@ -119,9 +120,9 @@ void OrvMakeLinkProducer::init() {
 }
 
 void OrvMakeOneLinkProducer::activate2d(OrvActor* fromActor, OrvActor* toActor) {
-    stage->append(new OrvOneLinkImage(director(), fromActor, toActor, 1, 1.0f, makeUp));
+    OrvEditAppend(stage, new OrvOneLinkImage(director(), fromActor, toActor, 1, 1.0f, makeUp));
 }
 
 void OrvMakeDoubleLinkProducer::activate2d(OrvActor* fromActor, OrvActor* toActor) {
-    stage->append(new OrvDoubleLinkImage(director(), fromActor, toActor, 1, 1.0f, makeUp));
+    OrvEditAppend(stage, new OrvDoubleLinkImage(director(), fromActor, toActor, 1, 1.0f, makeUp));
 }

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <string>
 
+#include "orv/undo.h"
 #include "orv/actor.h"
 #include "orv/director.h"
 #include "orv/link.h"
@@ -39,7 +40,7 @@ void OrvStage::cut() {
     }
     unsigned count = 0;
     OrvActor** selected = selections(count);
-    remove(selected, count, 1);
+    OrvEditRemove(this, selected, count, "Cut");
     delete[] selected;
     OrvAllowCallContentsChanged = allow;
     contentsChanged();
@@ -83,6 +84,7 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
 
     unsigned long allow = OrvAllowCallContentsChanged;
     OrvAllowCallContentsChanged = 0;
+    if (undoStack) undoStack->beginMacro("Paste");
     for (unsigned i = 0; i < count; i++) {
         OrvActor* a = actors[i];
         if (isLink(a) && !((OrvLinkImage*)a)->hasEnds()) {
@@ -90,13 +92,14 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
             continue;
         }
         a->apply2d(shift);
-        append(a, a->layer);
+        OrvEditAppend(this, a, a->layer);
         a->setSelected(select);
     }
     if (privateNest) {
         abortDrawing();
         drawAll(nullptr, 1);
     }
+    if (undoStack) undoStack->endMacro();
     // With the flag still clear this reaches no hook: a paste is silent.
     contentsChanged();
     OrvAllowCallContentsChanged = allow;
