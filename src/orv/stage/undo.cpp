@@ -91,7 +91,10 @@ public:
         // Links first: an actor's destructor must not meet a link that names it.
         for (int pass = 0; pass < 2; pass++)
             for (_OrvPlace_& p : places)
-                if ((pass == 0) == (stage->isLink(p.actor) != 0)) delete p.actor;
+                if (p.actor && (pass == 1 || stage->isLink(p.actor))) {
+                    delete p.actor;
+                    p.actor = nullptr;
+                }
     }
     void collect(OrvActor* actor) {
         if (!actor || actor->getStage() != stage) return;
