@@ -93,6 +93,7 @@ private:
     unsigned long replaying;
     class _OrvGeometryStep_* pending;  // between begin and end of a geometry edit
     void changed();
+    unsigned long replay(OrvList& from, OrvList& to, bool forward);
     void drop(OrvList& list, OrvStage* only);
     void trim();
     friend void OrvEditBeginGeometry(OrvStage*, OrvActor* const*, unsigned int);

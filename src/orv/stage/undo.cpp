@@ -244,28 +244,28 @@ void OrvUndoStack::push(OrvUndoCommand* command) {
     changed();
 }
 
-unsigned long OrvUndoStack::undo() {
-    if (!done.first || macro) return 0;
-    OrvUndoCommand* c = (OrvUndoCommand*)done.first->value;
-    done.remove(c);
+// Takes the newest step of one list, plays it one way and keeps it in the other.
+unsigned long OrvUndoStack::replay(OrvList& from, OrvList& to, bool forward) {
+    if (!from.first || macro) return 0;
+    OrvUndoCommand* c = (OrvUndoCommand*)from.first->value;
+    from.remove(c);
     replaying = 1;
-    c->undo();
+    if (forward)
+        c->redo();
+    else
+        c->undo();
     replaying = 0;
-    undone.insert(c);
+    to.insert(c);
     changed();
     return 1;
 }
 
+unsigned long OrvUndoStack::undo() {
+    return replay(done, undone, false);
+}
+
 unsigned long OrvUndoStack::redo() {
-    if (!undone.first || macro) return 0;
-    OrvUndoCommand* c = (OrvUndoCommand*)undone.first->value;
-    undone.remove(c);
-    replaying = 1;
-    c->redo();
-    replaying = 0;
-    done.insert(c);
-    changed();
-    return 1;
+    return replay(undone, done, true);
 }
 
 const char* OrvUndoStack::undoName() const {
