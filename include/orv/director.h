@@ -179,11 +179,11 @@ public:
     int closed;
     OrvList* grabbedViews;
     OrvScene* currentScene;
-    unsigned long colormap;  // Colormap
-    void* visual;            // Visual*
-    OrvMessageDatabase* database;
-    OrvKey* language;
-    void* rootContext;  // GLXContext, root of the shared display lists
+    unsigned long colormap;        // Colormap
+    void* visual;                  // Visual*
+    OrvMessageDatabase* database;  // the messages of OrvGetMessage, 11 buckets
+    OrvKey* language;              // ORVLANG, or "english"
+    void* rootContext;             // GLXContext, root of the shared display lists
     int doNotOptimize;
 
     OrvDirector(const char* appName, const char* displayName, int argc, char** argv);
@@ -248,6 +248,9 @@ public:
     virtual unsigned long initializeVisual();
     void initContext();
     void closeContext();
+    // Sets the language from ORVLANG (or "english"), makes the database, and reads
+    // the file named by ORVDB (or "orv.dbm") when the search path finds it.
+    void initDatabase();
 
 protected:
     void initSlots();
@@ -263,6 +266,9 @@ protected:
 OrvList* OrvGetAllDirectors();
 [[noreturn]] void OrvExit(int status);
 int OrvWindowsVersion();
+// The text of a message in the director's language, or the name itself when
+// there is none.
+const char* OrvGetMessage(OrvDirector* director, const char* name);
 const char* OrvGetSystem();
 
 #endif
