@@ -21,5 +21,6 @@
 #include "orv/stream.h"
 #include "orv/engine.h"
 #include "orv/message.h"
+#include "orv/image.h"
 
 #endif

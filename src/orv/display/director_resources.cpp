@@ -5,6 +5,7 @@
 
 #include "orv/canvas.h"
 #include "orv/director.h"
+#include "orv/image.h"
 #include "orv/makeup.h"
 #include "orv/resource.h"
 
@@ -36,6 +37,7 @@ void OrvDirector::initResourceSlots() {
     tmpMakeUpObject = nullptr;
     tmpTextureObject = nullptr;
     defaultEnvironment = nullptr;
+    defaultImageObject = nullptr;
     makeUpLookups = makeUpCreations = 0;
 }
 
@@ -317,9 +319,13 @@ void OrvDirector::closeResources() {
         colors = nullptr;
     }
     defaultBackground = defaultForeground = nullptr;
-    // Images and environments belong to the 3D family, which releases them; only the lists go here.
-    delete images;
-    images = nullptr;
+    if (images) {
+        deleteAll<OrvImage>(images);
+        delete images;
+        images = nullptr;
+    }
+    defaultImageObject = nullptr;
+    // Environments belong to the 3D family, which releases them; only the list goes here.
     delete environments;
     environments = nullptr;
 }
