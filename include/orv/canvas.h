@@ -157,6 +157,10 @@ public:
     void useColor(OrvColor* color);
 };
 
+// The pixel values of a rectangle of a canvas, row by row, as one array (malloc) that
+// the caller frees; null when the rectangle cannot be read.
+unsigned long* OrvGetPixels(const OrvCanvas* canvas, const Orv2dRect& rect);
+
 // Sets the raster function of the canvas's depth-1 graphic context.
 void SetDepth1Mode(const OrvCanvas* canvas, OrvDrawMode mode, unsigned long on);
 

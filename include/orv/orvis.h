@@ -22,5 +22,6 @@
 #include "orv/engine.h"
 #include "orv/message.h"
 #include "orv/image.h"
+#include "orv/bitmapfile.h"
 
 #endif

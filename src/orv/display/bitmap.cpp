@@ -159,6 +159,20 @@ void OrvBitmap::setBits(const Orv2dRect& rect, const unsigned char* data, unsign
     XDestroyImage(image);
 }
 
+unsigned long* OrvGetPixels(const OrvCanvas* canvas, const Orv2dRect& rect) {
+    if (!canvas || rect.w == 0 || rect.h == 0) return nullptr;
+    XImage* image = XGetImage(displayOf(canvas), canvas->drawable, rect.x, rect.y, rect.w, rect.h,
+                              AllPlanes, ZPixmap);
+    if (!image) return nullptr;
+    unsigned long* values = (unsigned long*)malloc(sizeof(unsigned long) * rect.w * rect.h);
+    if (values)
+        for (unsigned y = 0; y < rect.h; y++)
+            for (unsigned x = 0; x < rect.w; x++)
+                values[y * rect.w + x] = XGetPixel(image, (int)x, (int)y);
+    XDestroyImage(image);
+    return values;
+}
+
 void OrvBitmap::useColor(OrvColor* c) {
     if (!c || colors.find(c)) return;
     colors.append(c);

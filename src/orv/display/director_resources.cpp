@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "orv/bitmapfile.h"
 #include "orv/canvas.h"
 #include "orv/director.h"
 #include "orv/image.h"
@@ -669,7 +670,14 @@ OrvBitmap* OrvDirector::readAsciiBitmap(const OrvCanvas* canvas, const char* fil
 OrvBitmap* OrvDirector::readBitmap(const OrvCanvas* canvas, const char* file) {
     OrvBitmap* b = bitmap(file);
     if (b) return b;
-    if (file && (b = readAsciiBitmap(canvas, file))) return b;
+    if (file) {
+        // Each format in turn; a reader that cannot read the file says so and gives null.
+        OrvCanvas* on = const_cast<OrvCanvas*>(canvas ? canvas : rootCanvas);
+        if ((b = readAsciiBitmap(canvas, file))) return b;
+        if ((b = OrvReadDIBBitmap(on, file))) return b;
+        if ((b = OrvReadGIFBitmap(on, file))) return b;
+        if ((b = OrvReadXPM2Bitmap(on, file))) return b;
+    }
     if ((b = bitmap("OrvUnknownBitmap"))) return b;
     // The picture that stands for a bitmap that could not be read.
     static const unsigned char unknown[60] = {
