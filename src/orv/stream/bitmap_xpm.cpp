@@ -71,12 +71,12 @@ int isColorKey(const char* word) {
 // The colour of a colour line for a screen of that depth: the value under "c" (or "m"
 // on one-bit screens) first, then the other visual keys. Null for a line with no key or
 // an unknown one.
-const char* colorValue(char* spec, unsigned short depth, int& bad) {
+const char* colorValue(char* described, unsigned short depth, int& bad) {
     static const char* const order[2][4] = {{"c", "g", "g4", "m"}, {"m", "g4", "g", "c"}};
     const char* values[5] = {nullptr, nullptr, nullptr, nullptr, nullptr};
     bad = 0;
     char* save = nullptr;
-    char* word = strtok_r(spec, " \t", &save);
+    char* word = strtok_r(described, " \t", &save);
     if (!word) {
         bad = 1;
         return nullptr;
@@ -201,14 +201,14 @@ OrvBitmap* OrvReadXPM2Bitmap(OrvCanvas* canvas, const char* file) {
         keys[i].cpp = (unsigned)cpp;
         keys[i].index = (unsigned short)i;
         int bad = 0;
-        char spec[1024];
-        snprintf(spec, sizeof spec, "%s", line + cpp);
-        const char* value = colorValue(spec, canvas->depth, bad);
+        char described[1024];
+        snprintf(described, sizeof described, "%s", line + cpp);
+        const char* value = colorValue(described, canvas->depth, bad);
         if (bad || !value) {
             // The line itself, without its pixel characters, says what was wrong.
-            snprintf(spec, sizeof spec, "%s", line + cpp);
+            snprintf(described, sizeof described, "%s", line + cpp);
             free(keys);
-            return xpmFailure("XPM: Bad image colors description. (%s)\n", spec, text, colors,
+            return xpmFailure("XPM: Bad image colors description. (%s)\n", described, text, colors,
                               ncolors, nullptr);
         }
         if (!strcasecmp(value, "None")) {

@@ -178,6 +178,13 @@ Outcome readSamples(FILE* f, const MapKind& k, unsigned long w, unsigned long h,
         if (!line) return BadFormat;
     }
     Outcome result = Done;
+    // Binary bytes of the full range are the pixels themselves: straight into the rows.
+    if (k.raw && !wide && maximum == 255 && (unsigned long)k.samples == k.type) {
+        free(line);
+        for (unsigned long y = 0; y < h; y++)
+            if (fread(data + y * perRow, 1, perRow, f) != perRow) return BadFormat;
+        return Done;
+    }
     for (unsigned long y = 0; y < h && result == Done; y++) {
         if (k.raw && fread(line, wide ? 2 : 1, perRow, f) != perRow) {
             result = BadFormat;
