@@ -17,6 +17,7 @@ OrvImage::OrvImage(OrvDirector* d, const char* imageName, OrvImageType imageType
 }
 
 OrvImage::~OrvImage() {
+    // Its GL list lives in the share group of the root context and goes with it.
     if (director) {
         if (director->images) director->images->remove(this);
         if (director->defaultImageObject == this) director->defaultImageObject = nullptr;
