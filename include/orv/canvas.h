@@ -165,6 +165,10 @@ public:
 // depth-1 bitmap is black. 1 when written; 0, with a message, when nothing could be.
 int OrvSaveViewPPM(const OrvCanvas* canvas, const char* file);
 
+// The pixel values of a rectangle of a canvas, row by row: a new array, free with delete[];
+// null when the rectangle cannot be read.
+unsigned long* OrvGetPixels(const OrvCanvas* canvas, const Orv2dRect& rect);
+
 // Sets the raster function of the canvas's depth-1 graphic context. The name, without the
 // prefix, is kept as it is for behaviour compatibility.
 void SetDepth1Mode(const OrvCanvas* canvas, OrvDrawMode mode, unsigned long on);

@@ -22,5 +22,8 @@
 #include "orv/engine.h"
 #include "orv/link.h"
 #include "orv/undo.h"
+#include "orv/message.h"
+#include "orv/image.h"
+#include "orv/bitmapfile.h"
 
 #endif

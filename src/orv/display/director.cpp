@@ -3,6 +3,7 @@
 #include "orv/director.h"
 #include "orv/canvas.h"
 #include "orv/view.h"
+#include "orv/message.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -198,6 +199,7 @@ void OrvDirector::init() {
             free(p);
         }
     }
+    initDatabase();
     grabbedViews = new OrvList;
     initResources();
     if (getenv("ORVDONOTOPTIMIZE")) doNotOptimize = 1;
@@ -216,6 +218,9 @@ OrvDirector::~OrvDirector() {
 void OrvDirector::close() {
     if (closed) return;
     closed = 1;
+    // The messages go first, before any resource.
+    delete database;
+    database = nullptr;
     Display* dpy = (Display*)display;
     // Timers stop before anything they might touch goes away.
     for (OrvLink* l = timers ? timers->first : nullptr; l;) {

@@ -3,8 +3,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "orv/bitmapfile.h"
 #include "orv/canvas.h"
 #include "orv/director.h"
+#include "orv/image.h"
 #include "orv/makeup.h"
 #include "orv/resource.h"
 
@@ -36,6 +38,7 @@ void OrvDirector::initResourceSlots() {
     tmpMakeUpObject = nullptr;
     tmpTextureObject = nullptr;
     defaultEnvironment = nullptr;
+    defaultImageObject = nullptr;
     makeUpLookups = makeUpCreations = 0;
 }
 
@@ -318,9 +321,13 @@ void OrvDirector::closeResources() {
         colors = nullptr;
     }
     defaultBackground = defaultForeground = nullptr;
-    // Images and environments belong to the 3D family, which releases them; only the lists go here.
-    delete images;
-    images = nullptr;
+    if (images) {
+        deleteAll<OrvImage>(images);
+        delete images;
+        images = nullptr;
+    }
+    defaultImageObject = nullptr;
+    // Environments belong to the 3D family, which releases them; only the list goes here.
     delete environments;
     environments = nullptr;
 }
@@ -664,7 +671,14 @@ OrvBitmap* OrvDirector::readAsciiBitmap(const OrvCanvas* canvas, const char* fil
 OrvBitmap* OrvDirector::readBitmap(const OrvCanvas* canvas, const char* file) {
     OrvBitmap* b = bitmap(file);
     if (b) return b;
-    if (file && (b = readAsciiBitmap(canvas, file))) return b;
+    if (file) {
+        // Each format in turn; a reader that cannot read the file says so and gives null.
+        OrvCanvas* on = const_cast<OrvCanvas*>(canvas ? canvas : rootCanvas);
+        if ((b = readAsciiBitmap(canvas, file))) return b;
+        if ((b = OrvReadDIBBitmap(on, file))) return b;
+        if ((b = OrvReadGIFBitmap(on, file))) return b;
+        if ((b = OrvReadXPM2Bitmap(on, file))) return b;
+    }
     if ((b = bitmap("OrvUnknownBitmap"))) return b;
     // The picture that stands for a bitmap that could not be read.
     static const unsigned char unknown[60] = {
