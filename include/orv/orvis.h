@@ -20,5 +20,7 @@
 #include "orv/classinfo.h"
 #include "orv/stream.h"
 #include "orv/engine.h"
+#include "orv/relief.h"
+#include "orv/value.h"
 
 #endif
