@@ -112,14 +112,19 @@ public:
     ORV_PERSISTENT_ACTOR(OrvReliefLabel)
     ~OrvReliefLabel() override;
 
+    // Shows a bitmap beside the text; null for none. The label holds a lock on it.
     virtual void setBitmap(OrvBitmap* bitmap);
     // The place of the bitmap against the text (the name keeps its spelling).
     virtual void setAlignement(OrvPosition alignment);
+    // Replaces the text; lines are separated by newlines.
     virtual void setLabel(const char* text);
+    // The pixels between text and bitmap, as the size of the contents counts them.
     virtual void setLabelBitmapSpace(unsigned short space);
     // Sizes the box to the contents plus four times the thickness; the origin stays.
     virtual void fitToContents();
+    // With 0 only the contents are drawn, without the relief.
     virtual void showBackground(unsigned long on);
+    // With 1 text and bitmap are centred together; with 0 they start at the left.
     virtual void attach(unsigned long on);
     // The size of the contents in the given make-up's font.
     virtual Orv2dRect getLabelBitmapSizes(OrvMakeUp* makeUp) const;
@@ -209,8 +214,11 @@ public:
     ORV_PERSISTENT_ACTOR(OrvToggle)
     ~OrvToggle() override;
 
+    // The side of the box, in pixels.
     virtual void setCheckSize(unsigned long size);
+    // 1 draws a radio box (a diamond), 0 a check box.
     virtual void useDiamond(unsigned long on);
+    // The pixels between the box and the text.
     virtual void margin(unsigned short pixels);
     // "Toggle".
     const char* defaultRole() const override;

@@ -37,11 +37,13 @@ public:
 
     // Range, value and thumb at once, put in order and clamped, then repainted.
     virtual void setValues(long min, long max, long value, long sliderSize);
+    // The step of the arrows, at least 1.
     virtual void setIncrement(long step);
     // Kept between 1 and the range.
     virtual void setPageIncrement(long step);
     // Clamped so that the thumb stays inside; nothing when the value stays.
     virtual void setValue(long value);
+    // OrvVertical lays the bar out from top to bottom, anything else from left to right.
     virtual void setPosition(OrvPosition position);
     // The value under a point of the trough, before clamping.
     virtual long positionToValue(const Orv2dPoint& point, const Orv2dMatrix* matrix) const;
@@ -103,6 +105,7 @@ public:
     // Clamped to min and max; nothing when the value stays.
     virtual void setValue(int value);
     void getValues(int& min, int& max, int& value, unsigned long& thumb) const;
+    // OrvVertical lays the slider out from top to bottom, anything else from left to right.
     virtual void setPosition(OrvPosition position);
     // The value whose thumb centre lies under the point, clamped.
     virtual int positionToValue(const Orv2dPoint& point, const Orv2dMatrix* matrix) const;
@@ -144,7 +147,9 @@ public:
     // Stored as given, without the scroll bar's clamping.
     void setValues(long min, long max, long value, long sliderSize) override;
     void setPageIncrement(long step) override;
+    // Arrows at both ends step the value by the increment.
     virtual void arrows(unsigned long on);
+    // With 0 the value stops at min and max instead of going round.
     virtual void setWrap(unsigned long on);
     // The value as an angle in degrees: a full turn over the range.
     virtual float angle() const;
