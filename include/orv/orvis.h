@@ -25,5 +25,7 @@
 #include "orv/message.h"
 #include "orv/image.h"
 #include "orv/bitmapfile.h"
+#include "orv/relief.h"
+#include "orv/value.h"
 
 #endif
