@@ -139,7 +139,7 @@ T* find(OrvStage* s, int n) {
     for (unsigned i = 0; i < count; i++)
         if (T* t = dynamic_cast<T*>(all[i]))
             if (strcmp(t->className(), T::_classInfo->name) == 0 && n-- == 0) found = t;
-    free(all);
+    delete[] all;
     return found;
 }
 
@@ -248,7 +248,7 @@ TEST_F(GadgetFile, EveryClassComesBackEqual) {
         EXPECT_EQ(identity(copy), identity(all[i])) << all[i]->className();
         delete copy;
     }
-    free(all);
+    delete[] all;
 }
 
 TEST_F(GadgetFile, TruncatedAtEveryOffset) {
