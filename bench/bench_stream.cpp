@@ -83,7 +83,7 @@ struct World {
 // saving is measured rather than the growth of a string.
 class FixedBuffer : public std::streambuf {
 public:
-    explicit FixedBuffer(size_t size) : data(new char[size]), size(size) { rewind(); }
+    explicit FixedBuffer(size_t capacity) : data(new char[capacity]), size(capacity) { rewind(); }
     ~FixedBuffer() override { delete[] data; }
     void rewind() { setp(data, data + size); }
     size_t used() const { return (size_t)(pptr() - pbase()); }

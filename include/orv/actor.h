@@ -1,6 +1,6 @@
 // Actors: everything that can be shown on a stage or in a theater, their state
-// flags, user properties, the class registry they are known by, their change
-// protocol and their 2D geometry, focus and selection handles.
+// flags, user properties, their registration with the class registry, their
+// change protocol and their 2D geometry, focus and selection handles.
 #ifndef ORV_ACTOR_H
 #define ORV_ACTOR_H
 
@@ -10,6 +10,7 @@
 #include "orv/geometry.h"
 #include "orv/region.h"
 #include "orv/makeup.h"
+#include "orv/classinfo.h"
 
 class OrvActor;
 class OrvStage;
@@ -21,36 +22,8 @@ class OrvIStream;
 class OrvOStream;
 
 // ---------------------------------------------------------------------------
-// Class registry
+// Registration of a class with the registry of the stream
 // ---------------------------------------------------------------------------
-
-// Makes an actor of a class from the stream that names it.
-typedef OrvActor* (*OrvReadFunction)(OrvIStream&);
-
-// The run-time record of one class: its name, its parent's name and its reader.
-class OrvClassInfo {
-public:
-    char* name;        // owned copy
-    char* parentName;  // owned copy, null when shorter than 3 characters
-    OrvReadFunction readFunction;
-    unsigned index;  // serial number, in order of creation
-
-    OrvClassInfo(const char* name, const char* parentName, OrvReadFunction readFunction);
-    OrvClassInfo(const OrvClassInfo&) = delete;
-    OrvClassInfo& operator=(const OrvClassInfo&) = delete;
-    ~OrvClassInfo();
-
-    // How many records have been made so far.
-    static unsigned _counter;
-};
-
-// Enters the record under the name (the table of 1000 buckets is made on first
-// use) and returns it.
-OrvClassInfo* OrvInsertNewType(const char* name, OrvClassInfo* info);
-// The record of that name, or null.
-OrvClassInfo* OrvGetClassInfo(const char* name);
-// The table itself, null before the first class is registered.
-OrvStringHashTable* OrvGetHashTypes();
 
 // Registration guard: every translation unit that includes a class's header
 // holds one guard object, and the first constructor to run makes the record.
@@ -161,7 +134,7 @@ public:
     unsigned short layer;
     OrvMakeUp* makeUp;  // counted, never null after construction
 
-    OrvActor(OrvDirector* director, OrvMakeUp* makeUp = nullptr);
+    OrvActor(OrvDirector* director, OrvMakeUp* look = nullptr);
     OrvActor(const OrvActor& source);
     OrvActor(OrvIStream& stream);
     OrvActor& operator=(const OrvActor&) = delete;
@@ -237,6 +210,10 @@ public:
     virtual void computeFocusRegion2d(Orv2dRegion& region, const Orv2dMatrix* matrix);
     virtual void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix);
     virtual void apply2d(const Orv2dMatrix& matrix);
+    // Takes the geometry (never the identity, make-up or flags) of an actor of
+    // the same class, with no repaint: the caller nests it. 0 when the class
+    // cannot, as here; undo then maps the actor back by the inverse matrix.
+    virtual unsigned long copyGeometry(const OrvActor& source);
     virtual Orv2dRect bbox2d(const Orv2dMatrix* matrix) const;
     virtual unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix);
 
@@ -340,13 +317,14 @@ protected:
 
 ORV_DECLARE_CLASS_INIT(OrvActor)
 
-// Keys of the user properties that actors hold; made once, by the first use.
+// Keys of the user properties that actors hold; made once, by the first use. These global names
+// (no prefix, an "A" at the end) are kept as they are for file/behaviour compatibility.
 extern OrvKey* callbackA;
 extern OrvKey* secondaryCallbackA;
 extern OrvKey* callbackNameA;
 extern OrvKey* secondaryCallbackNameA;
 extern OrvKey* nameA;
-extern OrvKey* roleA;
+extern OrvKey* roleA;  // the key "P_baheviour": misspelt, kept as it is for file compatibility
 extern OrvKey* engineA;
 
 // "P_layer" and "T_layer": the stage and the theater that hold an actor.

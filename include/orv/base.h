@@ -63,7 +63,8 @@ public:
     void* value;
     OrvLink* next;
 
-    OrvLink(void* value = nullptr, OrvLink* next = nullptr) : value(value), next(next) {}
+    OrvLink(void* linkValue = nullptr, OrvLink* following = nullptr)
+        : value(linkValue), next(following) {}
     OrvLink(const OrvLink&) = delete;
     OrvLink& operator=(const OrvLink&) = delete;
     // Deletes every node that follows, one by one.
@@ -113,8 +114,8 @@ public:
     void* value;
     OrvAListItem* next;
 
-    OrvAListItem(const void* key, void* value, OrvAListItem* next = nullptr)
-        : key(const_cast<void*>(key)), value(value), next(next) {}
+    OrvAListItem(const void* itemKey, void* itemValue, OrvAListItem* following = nullptr)
+        : key(const_cast<void*>(itemKey)), value(itemValue), next(following) {}
     OrvAListItem(const OrvAListItem&) = delete;
     OrvAListItem& operator=(const OrvAListItem&) = delete;
     // Deletes every item that follows, one by one.
@@ -153,7 +154,7 @@ public:
     unsigned cardinal;   // number of entries
     OrvAList** buckets;  // null until the bucket's first insertion
 
-    explicit OrvHashTable(unsigned size);
+    explicit OrvHashTable(unsigned bucketCount);
     OrvHashTable(const OrvHashTable&) = delete;
     OrvHashTable& operator=(const OrvHashTable&) = delete;
     ~OrvHashTable();
@@ -171,7 +172,7 @@ public:
     unsigned cardinal;
     OrvAList** buckets;
 
-    explicit OrvStringHashTable(unsigned size);
+    explicit OrvStringHashTable(unsigned bucketCount);
     OrvStringHashTable(const OrvStringHashTable&) = delete;
     OrvStringHashTable& operator=(const OrvStringHashTable&) = delete;
     ~OrvStringHashTable();
@@ -220,7 +221,8 @@ float* OrvAllocFloat(unsigned n);
 void** OrvAllocInternalPointers(unsigned n);
 
 // 16x16 one-bit patterns (sixteen rows of two bytes) expanded from compact
-// tiles, each in a static buffer of its own overload.
+// tiles, each in a static buffer of its own overload. The name, without the prefix, is kept as
+// it is for behaviour compatibility.
 char* MakeData(unsigned short tile4x4);
 char* MakeData(unsigned int twoRows);
 char* MakeData(unsigned int a, unsigned int b);

@@ -28,6 +28,7 @@ class OrvMakeUpHashTable;
 class OrvTextureHashTable;
 class OrvEnvironment;
 class OrvMessageDatabase;
+class OrvImage;
 
 class OrvDirector {
 public:
@@ -41,7 +42,7 @@ public:
     // Tables, lists and defaults of the shared drawing resources; they are
     // filled by initResources() and emptied by closeResources().
     OrvStringHashTable* colors;
-    OrvList* images;
+    OrvList* images;  // OrvImage, found by name
     OrvStringHashTable* fonts;
     OrvStringHashTable* vfonts;
     OrvMakeUpHashTable* makeUps;
@@ -67,7 +68,8 @@ public:
     OrvTotalMakeUp* tmpMakeUpObject;
     void* tmpTextureObject;
     OrvEnvironment* defaultEnvironment;
-    OrvMakeUp* balloonMakeUp;  // the default make-up on "wheat" in Helvetica 10
+    OrvMakeUp* balloonMakeUp;      // the default make-up on "wheat" in Helvetica 10
+    OrvImage* defaultImageObject;  // made at first use by defaultImage(), counted
     unsigned long makeUpLookups, makeUpCreations;
 
     // Makes the default resources (called by init()).
@@ -125,6 +127,12 @@ public:
     virtual OrvBitmap* bitmap(const char* name) const;
     virtual OrvBitmap* readBitmap(const OrvCanvas* canvas, const char* file);
     virtual OrvBitmap* readAsciiBitmap(const OrvCanvas* canvas, const char* file);
+    // Writes an image as a portable map: "P1"/"P4" for the bits of a one-bit or two-bit
+    // file, "P2"/"P5" for luminance and for what a grey map gave, "P3"/"P6" otherwise (alpha
+    // is lost); `raw` chooses the binary form, `bottomUp` turns the rows (held bottom first)
+    // back to the file's order. 1 on success, 0 after a report.
+    virtual unsigned long writeImage(const char* file, const OrvImage* image, unsigned long raw = 1,
+                                     unsigned long bottomUp = 1);
 
     OrvColor* nearestColor(unsigned short r, unsigned short g, unsigned short b,
                            unsigned* distance) const;
@@ -140,11 +148,23 @@ public:
     const int* fontSizes(const char* family, OrvFontStyle style, int& count,
                          const char* foundry = nullptr) const;
 
+    // The image of that name, read from a portable-map file through the search path at
+    // the first request; the default image for a null or empty name and for every failure,
+    // so the result is never null. The director holds it; a keeper counts it.
+    OrvImage* image(const char* name, unsigned long mipmap = 0);
+    // A 16 by 16 picture, made at first use, named "defaultOrvisImage".
+    OrvImage* defaultImage();
+    // Enters an image in `images` (its constructor does); nothing when it is there.
+    void addImage(OrvImage* image);
+    // The image of that name in `images`, or null.
+    OrvImage* findImage(const char* name) const;
+
     OrvMakeUp* copyMakeUp(const OrvMakeUp* base);
     OrvMakeUp* tmpMakeUp();
     void addMakeUp(OrvMakeUp* makeUp);
     void remove(OrvMakeUp* makeUp);
-    // Plain X graphic contexts of depth 1 and 8 for a canvas, made at first use.
+    // Plain X graphic contexts of depth 1 and 8 for a canvas, made at first use, not make-ups:
+    // the names are kept as they are for behaviour compatibility.
     unsigned long defaultDepth1MakeUp(const OrvCanvas* canvas);
     unsigned long defaultDepth8MakeUp(const OrvCanvas* canvas);
     // The shared off-screen bitmap, at least width by height.
@@ -179,15 +199,15 @@ public:
     int closed;
     OrvList* grabbedViews;
     OrvScene* currentScene;
-    unsigned long colormap;  // Colormap
-    void* visual;            // Visual*
-    OrvMessageDatabase* database;
-    OrvKey* language;
-    void* rootContext;  // GLXContext, root of the shared display lists
+    unsigned long colormap;        // Colormap
+    void* visual;                  // Visual*
+    OrvMessageDatabase* database;  // the messages of OrvGetMessage, 11 buckets
+    OrvKey* language;              // ORVLANG, or "english"
+    void* rootContext;             // GLXContext, root of the shared display lists
     int doNotOptimize;
 
-    OrvDirector(const char* name, const char* displayName, int argc, char** argv);
-    OrvDirector(void* display, const char* name);
+    OrvDirector(const char* appName, const char* displayName, int argc, char** argv);
+    OrvDirector(void* xDisplay, const char* appName);
     virtual ~OrvDirector();
 
     void close();
@@ -248,10 +268,13 @@ public:
     virtual unsigned long initializeVisual();
     void initContext();
     void closeContext();
+    // Sets the language from ORVLANG (or "english"), makes the database, and reads
+    // the file named by ORVDB (or "orv.dbm") when the search path finds it.
+    void initDatabase();
 
 protected:
     void initSlots();
-    void systemInit(const char* name, const char* displayName, int argc, char** argv);
+    void systemInit(const char* appName, const char* displayName, int argc, char** argv);
     void init();
     void systemClose();
     // Parts of closeResources that belong to the loop and the windows.
@@ -263,6 +286,9 @@ protected:
 OrvList* OrvGetAllDirectors();
 [[noreturn]] void OrvExit(int status);
 int OrvWindowsVersion();
+// The text of a message in the director's language, or the name itself when
+// there is none.
+const char* OrvGetMessage(OrvDirector* director, const char* name);
 const char* OrvGetSystem();
 
 #endif

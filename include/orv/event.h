@@ -105,6 +105,8 @@ public:
     virtual void run(int seconds = 0, int milliseconds = 0);
     virtual void suspend();
     virtual void activate() = 0;
+    // Moves the timer's registration to another director (or to none).
+    void setDirector(OrvDirector* director);
 
     int isRunning() const { return record && record->active; }
 };
@@ -144,6 +146,7 @@ unsigned long OrvFastSkipMotionEvents();
 void OrvFastSkipMotionEvents(unsigned long on);
 int OrvFastSkipMotionEvents(OrvView* view, OrvEvent& event);
 int OrvSkipMotionEvents(OrvView* view, OrvEvent& event, void* xevent);
+// Compresses drags when set (1 at start); the name is kept as it is for behaviour compatibility.
 extern int orv_compress_drag_events;
 
 // X error handlers (Display*, XErrorEvent*), installed by every director.

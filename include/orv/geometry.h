@@ -13,6 +13,9 @@ inline int32_t OrvRound(double v) {
     return v >= 0 ? (int32_t)(long)(v + 0.5) : (int32_t)(long)(v - 0.5);
 }
 
+// A constructor that sets the fields one by one names each parameter after
+// its field, with a 0 appended.
+
 // Conversion factors between degrees and radians at interfaces.
 #define ORV_DEG_TO_RAD 0.017453292519943295
 #define ORV_RAD_TO_DEG 57.29577951308232
@@ -25,7 +28,7 @@ struct Orv2dPoint {
     int32_t x, y;
 
     Orv2dPoint() : x(0), y(0) {}
-    Orv2dPoint(int32_t x, int32_t y) : x(x), y(y) {}
+    Orv2dPoint(int32_t x0, int32_t y0) : x(x0), y(y0) {}
 
     bool operator==(const Orv2dPoint& p) const { return x == p.x && y == p.y; }
     bool operator!=(const Orv2dPoint& p) const { return x != p.x || y != p.y; }
@@ -38,7 +41,7 @@ struct Orv2dRect {
     uint32_t w, h;
 
     Orv2dRect() : x(0), y(0), w(0), h(0) {}
-    Orv2dRect(int32_t x, int32_t y, uint32_t w, uint32_t h) : x(x), y(y), w(w), h(h) {}
+    Orv2dRect(int32_t x0, int32_t y0, uint32_t w0, uint32_t h0) : x(x0), y(y0), w(w0), h(h0) {}
 
     Orv2dPoint origin() const { return Orv2dPoint(x, y); }
     int64_t right() const { return (int64_t)x + w; }
@@ -115,7 +118,7 @@ struct Orv3dPoint {
     float x, y, z;
 
     Orv3dPoint() : x(0), y(0), z(0) {}
-    Orv3dPoint(float x, float y, float z) : x(x), y(y), z(z) {}
+    Orv3dPoint(float x0, float y0, float z0) : x(x0), y(y0), z(z0) {}
 
     bool operator==(const Orv3dPoint& p) const { return x == p.x && y == p.y && z == p.z; }
     bool operator!=(const Orv3dPoint& p) const { return !(*this == p); }
@@ -129,7 +132,7 @@ struct Orv3dVector {
     float x, y, z;
 
     Orv3dVector() : x(0), y(0), z(0) {}
-    Orv3dVector(float x, float y, float z) : x(x), y(y), z(z) {}
+    Orv3dVector(float x0, float y0, float z0) : x(x0), y(y0), z(z0) {}
     // The vector from a to b.
     Orv3dVector(const Orv3dPoint& a, const Orv3dPoint& b)
         : x(b.x - a.x), y(b.y - a.y), z(b.z - a.z) {}
@@ -163,7 +166,7 @@ struct Orv4dPoint {
     float x, y, z, w;
 
     Orv4dPoint() : x(0), y(0), z(0), w(0) {}
-    Orv4dPoint(float x, float y, float z, float w) : x(x), y(y), z(z), w(w) {}
+    Orv4dPoint(float x0, float y0, float z0, float w0) : x(x0), y(y0), z(z0), w(w0) {}
 
     bool operator==(const Orv4dPoint& p) const {
         return x == p.x && y == p.y && z == p.z && w == p.w;
@@ -184,7 +187,7 @@ struct Orv3dRect {
     float x, y, w, h;
 
     Orv3dRect() : x(0), y(0), w(0), h(0) {}
-    Orv3dRect(float x, float y, float w, float h) : x(x), y(y), w(w), h(h) {}
+    Orv3dRect(float x0, float y0, float w0, float h0) : x(x0), y(y0), w(w0), h(h0) {}
 
     bool operator==(const Orv3dRect& r) const {
         return x == r.x && y == r.y && w == r.w && h == r.h;
@@ -213,8 +216,8 @@ struct Orv3dVolume {
     float x, y, z, w, h, d;
 
     Orv3dVolume() : x(0), y(0), z(0), w(0), h(0), d(0) {}
-    Orv3dVolume(float x, float y, float z, float w, float h, float d)
-        : x(x), y(y), z(z), w(w), h(h), d(d) {}
+    Orv3dVolume(float x0, float y0, float z0, float w0, float h0, float d0)
+        : x(x0), y(y0), z(z0), w(w0), h(h0), d(d0) {}
     explicit Orv3dVolume(const Orv3dPoint& p) : x(p.x), y(p.y), z(p.z), w(0), h(0), d(0) {}
 
     bool operator==(const Orv3dVolume& v) const {
@@ -246,7 +249,7 @@ struct Orv3dPlane {
     float a, b, c, d;
 
     Orv3dPlane() : a(0), b(0), c(0), d(0) {}
-    Orv3dPlane(float a, float b, float c, float d) : a(a), b(b), c(c), d(d) {}
+    Orv3dPlane(float a0, float b0, float c0, float d0) : a(a0), b(b0), c(c0), d(d0) {}
 
     float evaluate(const Orv3dPoint& p) const { return a * p.x + b * p.y + c * p.z + d; }
     // Through three points; collinear points leave a zero normal and d = 0.
@@ -284,8 +287,8 @@ struct Orv2dMatrix {
         : a(1), b(0), c(0), d(1), tx((float)translation.x), ty((float)translation.y) {
         updateFlags();
     }
-    Orv2dMatrix(float a, float b, float c, float d, float tx, float ty)
-        : a(a), b(b), c(c), d(d), tx(tx), ty(ty) {
+    Orv2dMatrix(float a0, float b0, float c0, float d0, float tx0, float ty0)
+        : a(a0), b(b0), c(c0), d(d0), tx(tx0), ty(ty0) {
         updateFlags();
     }
 

@@ -28,7 +28,7 @@ public:
     unsigned long enabled;  // kept for the application; no operation here reads it
     unsigned short number;
 
-    OrvStageLayer(OrvStage* stage, unsigned short number);
+    OrvStageLayer(OrvStage* forStage, unsigned short layerNumber);
     OrvStageLayer(const OrvStageLayer&) = delete;
     OrvStageLayer& operator=(const OrvStageLayer&) = delete;
     // Deletes the actors and leaves the stage's list, unless the stage is going.
@@ -40,6 +40,9 @@ public:
     void insert(OrvActor* actor);
     int remove(OrvActor* actor);
     int position(const OrvActor* actor) const;
+    // Moves one of the layer's actors to that place in painting order (the
+    // top for an index past the end); 1 when it moved. Undo puts actors back so.
+    int moveTo(OrvActor* actor, uint32_t index);
     // To the top by exchange with the last actor: not a rotation.
     int pop(OrvActor* actor);
     // Does nothing, ever: the exchange with the bottom actor cannot be reached.
@@ -109,8 +112,8 @@ public:
 
     // All fields 0.
     OrvQuadtree();
-    // A null box means -100000, -100000, 200000, 200000.
-    OrvQuadtree(unsigned int max, const Orv2dRect* box);
+    // A null area means -100000, -100000, 200000, 200000.
+    OrvQuadtree(unsigned int leafCapacity, const Orv2dRect* area);
     OrvQuadtree(const OrvQuadtree&) = delete;
     OrvQuadtree& operator=(const OrvQuadtree&) = delete;
     // Frees the lists and the children, not the actors.

@@ -214,7 +214,7 @@ public:
     unsigned long count;
     OrvList** buckets;
 
-    explicit OrvMakeUpHashTable(unsigned long size);
+    explicit OrvMakeUpHashTable(unsigned long bucketCount);
     ~OrvMakeUpHashTable();
     static unsigned makeKey(const OrvMakeUpValues& values);
     static unsigned makeKey(const OrvMakeUp* makeUp);

@@ -17,6 +17,15 @@
 #include "orv/stage.h"
 #include "orv/role.h"
 #include "orv/producer.h"
+#include "orv/classinfo.h"
 #include "orv/stream.h"
+#include "orv/engine.h"
+#include "orv/link.h"
+#include "orv/undo.h"
+#include "orv/message.h"
+#include "orv/image.h"
+#include "orv/bitmapfile.h"
+#include "orv/relief.h"
+#include "orv/value.h"
 
 #endif

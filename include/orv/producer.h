@@ -25,7 +25,7 @@ public:
     OrvProducer* previous;
 
     // Appended to the stage's producers, which the stage deletes.
-    explicit OrvProducer(OrvStage* stage, OrvProducer* previous = nullptr);
+    explicit OrvProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
     OrvProducer(const OrvProducer&) = delete;
     OrvProducer& operator=(const OrvProducer&) = delete;
     virtual ~OrvProducer();
@@ -67,8 +67,9 @@ public:
     unsigned long wasSelected;
     Orv2dPoint start, current;
     Orv3dPoint start3d, current3d;
+    unsigned long gesture;  // of the drag under way: its steps undo as one
 
-    explicit OrvMoveProducer(OrvStage* stage, OrvProducer* previous = nullptr);
+    explicit OrvMoveProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
     int input2d(const OrvEvent& event) override;
     void expose2d(const Orv2dRegion* region) override;
     void abort() override;
@@ -85,11 +86,12 @@ public:
     unsigned long immediate;
     unsigned short mask;
     OrvActor* actor;
-    Orv2dPoint point;  // the moving corner, in the stage's space
+    Orv2dPoint point;       // the moving corner, in the stage's space
+    unsigned long gesture;  // of the drag under way: its steps undo as one
     Orv3dPoint point3d;
     OrvProducer* polylineEditor;  // owned; edits the vertices of polylines
 
-    explicit OrvReshapeProducer(OrvStage* stage, OrvProducer* previous = nullptr);
+    explicit OrvReshapeProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
     ~OrvReshapeProducer() override;
     int input2d(const OrvEvent& event) override;
     void expose2d(const Orv2dRegion* region) override;
@@ -114,8 +116,8 @@ private:
 // Rotation exists only in a scene.
 class OrvRotateProducer : public OrvProducer {
 public:
-    explicit OrvRotateProducer(OrvStage* stage, OrvProducer* previous = nullptr)
-        : OrvProducer(stage, previous) {}
+    explicit OrvRotateProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr)
+        : OrvProducer(forStage, previousProducer) {}
     const char* className() const override { return "Rotate"; }
     virtual void activate3d(const Orv3dPoint& from, const Orv3dPoint& to);
 };
@@ -128,7 +130,7 @@ public:
     unsigned long active;
     unsigned short mask;
 
-    explicit OrvRectangleProducer(OrvStage* stage, OrvProducer* previous = nullptr);
+    explicit OrvRectangleProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
     int input2d(const OrvEvent& event) override;
     void expose2d(const Orv2dRegion* region) override;
     const char* className() const override { return "DragRectangle"; }
@@ -142,8 +144,8 @@ public:
 // Rubber-band selection: what lies inside the rectangle becomes the selection.
 class OrvSelectRectangleProducer : public OrvRectangleProducer {
 public:
-    explicit OrvSelectRectangleProducer(OrvStage* stage, OrvProducer* previous = nullptr)
-        : OrvRectangleProducer(stage, previous) {}
+    explicit OrvSelectRectangleProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr)
+        : OrvRectangleProducer(forStage, previousProducer) {}
     const char* className() const override { return "DragSelectRectangle"; }
     void activate2d(const Orv2dRect& rect) override;
 };
@@ -161,7 +163,7 @@ public:
     OrvProducer* inUse;     // the sub-producer of the running gesture
     unsigned short mask1, mask2;
 
-    explicit OrvSelectProducer(OrvStage* stage, OrvProducer* previous = nullptr);
+    explicit OrvSelectProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
     ~OrvSelectProducer() override;
     int input2d(const OrvEvent& event) override;
     void expose2d(const Orv2dRegion* region) override;

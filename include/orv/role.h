@@ -52,7 +52,7 @@ class OrvRole {
 public:
     unsigned short mask;  // the buttons (or key bits) it answers to
 
-    explicit OrvRole(unsigned short mask = 1) : mask(mask) {}
+    explicit OrvRole(unsigned short buttonMask = 1) : mask(buttonMask) {}
     OrvRole(const OrvRole&) = delete;
     OrvRole& operator=(const OrvRole&) = delete;
     // Takes itself off every actor of every stage that uses it.
@@ -102,6 +102,7 @@ public:
     unsigned long active;
     Orv2dPoint start, current;
     Orv3dPoint start3d, current3d;
+    unsigned long gesture;  // of the drag under way: its steps undo as one
 
     OrvMoveRole();
     int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
@@ -116,8 +117,9 @@ public:
 class OrvReshapeRole : public OrvRole {
 public:
     unsigned long active;
-    Orv2dRect box;    // the new box, in the actor's space
-    Orv2dRect ghost;  // the same through the stage's transformer
+    Orv2dRect box;          // the new box, in the actor's space
+    Orv2dRect ghost;        // the same through the stage's transformer
+    unsigned long gesture;  // of the gesture under way: its steps undo as one
 
     OrvReshapeRole();
     int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
@@ -153,8 +155,8 @@ public:
     unsigned short key;
     unsigned short modifiers;
 
-    OrvAccelerator(OrvEventType type, unsigned short key, unsigned short modifiers)
-        : type(type), key(key), modifiers(modifiers) {}
+    OrvAccelerator(OrvEventType onType, unsigned short onKey, unsigned short onModifiers)
+        : type(onType), key(onKey), modifiers(onModifiers) {}
     OrvAccelerator(const OrvAccelerator&) = delete;
     OrvAccelerator& operator=(const OrvAccelerator&) = delete;
     // Unlinks itself from every stage that holds it.
@@ -168,9 +170,9 @@ class OrvZoomAccelerator : public OrvAccelerator {
 public:
     unsigned long in;  // read by the 3D form only
     float factor;
-    OrvZoomAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long in,
-                       float factor)
-        : OrvAccelerator(t, k, m), in(in), factor(factor) {}
+    OrvZoomAccelerator(OrvEventType onType, unsigned short onKey, unsigned short onModifiers,
+                       unsigned long zoomIn, float zoomFactor)
+        : OrvAccelerator(onType, onKey, onModifiers), in(zoomIn), factor(zoomFactor) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
 };
 
@@ -178,9 +180,9 @@ class OrvTranslateAccelerator : public OrvAccelerator {
 public:
     OrvPosition direction;  // 1 left, 2 right, 4 up, 8 down
     float divisor;          // of the visible size; 0.0 means 8.0
-    OrvTranslateAccelerator(OrvEventType t, unsigned short k, unsigned short m,
-                            OrvPosition direction, float divisor)
-        : OrvAccelerator(t, k, m), direction(direction), divisor(divisor) {}
+    OrvTranslateAccelerator(OrvEventType onType, unsigned short onKey, unsigned short onModifiers,
+                            OrvPosition towards, float sizeDivisor)
+        : OrvAccelerator(onType, onKey, onModifiers), direction(towards), divisor(sizeDivisor) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
 };
 
@@ -211,24 +213,27 @@ public:
 class OrvSelectAccelerator : public OrvAccelerator {
 public:
     unsigned long select;
-    OrvSelectAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long select)
-        : OrvAccelerator(t, k, m), select(select) {}
+    OrvSelectAccelerator(OrvEventType onType, unsigned short onKey, unsigned short onModifiers,
+                         unsigned long selectAll)
+        : OrvAccelerator(onType, onKey, onModifiers), select(selectAll) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
 };
 
 class OrvDeleteAccelerator : public OrvAccelerator {
 public:
     unsigned long readOnly;  // a read-only stage keeps its actors
-    OrvDeleteAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long readOnly)
-        : OrvAccelerator(t, k, m), readOnly(readOnly) {}
+    OrvDeleteAccelerator(OrvEventType onType, unsigned short onKey, unsigned short onModifiers,
+                         unsigned long stageReadOnly)
+        : OrvAccelerator(onType, onKey, onModifiers), readOnly(stageReadOnly) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
 };
 
 class OrvCutAccelerator : public OrvAccelerator {
 public:
     unsigned long readOnly;  // a read-only stage keeps its actors
-    OrvCutAccelerator(OrvEventType t, unsigned short k, unsigned short m, unsigned long readOnly)
-        : OrvAccelerator(t, k, m), readOnly(readOnly) {}
+    OrvCutAccelerator(OrvEventType onType, unsigned short onKey, unsigned short onModifiers,
+                      unsigned long stageReadOnly)
+        : OrvAccelerator(onType, onKey, onModifiers), readOnly(stageReadOnly) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
 };
 

@@ -23,10 +23,11 @@ public:
     Orv2dRect rect;
     unsigned short radius;  // of the rounded corners; 0 for square ones
 
-    OrvRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr,
-                 unsigned short radius = 0);
+    OrvRectangle(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr,
+                 unsigned short cornerRadius = 0);
     OrvRectangle(const OrvRectangle& source);
     ORV_PERSISTENT_ACTOR(OrvRectangle)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
@@ -46,8 +47,8 @@ protected:
 
 class OrvFilledRectangle : public OrvRectangle {
 public:
-    OrvFilledRectangle(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr,
-                       unsigned short radius = 0);
+    OrvFilledRectangle(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr,
+                       unsigned short cornerRadius = 0);
     OrvFilledRectangle(const OrvFilledRectangle& source);
     ORV_PERSISTENT_ACTOR(OrvFilledRectangle)
 
@@ -62,10 +63,11 @@ class OrvLine : public OrvActor {
 public:
     Orv2dPoint from, to;
 
-    OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
-            OrvMakeUp* makeUp = nullptr);
+    OrvLine(OrvDirector* director, const Orv2dPoint& fromPoint, const Orv2dPoint& toPoint,
+            OrvMakeUp* look = nullptr);
     OrvLine(const OrvLine& source);
     ORV_PERSISTENT_ACTOR(OrvLine)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
@@ -85,10 +87,11 @@ class OrvArrowLine : public OrvLine {
 public:
     unsigned long arrows;  // OrvArrowAtEnd, OrvArrowAtStart or both
 
-    OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
-                 OrvMakeUp* makeUp = nullptr, unsigned long arrows = OrvArrowAtEnd);
+    OrvArrowLine(OrvDirector* director, const Orv2dPoint& fromPoint, const Orv2dPoint& toPoint,
+                 OrvMakeUp* look = nullptr, unsigned long arrowEnds = OrvArrowAtEnd);
     OrvArrowLine(const OrvArrowLine& source);
     ORV_PERSISTENT_ACTOR(OrvArrowLine)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
@@ -108,10 +111,11 @@ public:
     unsigned int count;
     Orv2dPoint* points;  // owned
 
-    Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
-                  OrvMakeUp* makeUp = nullptr);
+    Orv2dPolyline(OrvDirector* director, unsigned int pointCount, const Orv2dPoint* vertices,
+                  OrvMakeUp* look = nullptr);
     Orv2dPolyline(const Orv2dPolyline& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolyline)
+    unsigned long copyGeometry(const OrvActor& source) override;
     ~Orv2dPolyline() override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
@@ -137,8 +141,8 @@ class Orv2dPolygon : public Orv2dPolyline {
 public:
     unsigned long filled;
 
-    Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
-                 unsigned long filled = 0, OrvMakeUp* makeUp = nullptr);
+    Orv2dPolygon(OrvDirector* director, unsigned int pointCount, const Orv2dPoint* vertices,
+                 unsigned long solid = 0, OrvMakeUp* look = nullptr);
     Orv2dPolygon(const Orv2dPolygon& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolygon)
 
@@ -156,9 +160,10 @@ class OrvEllipse : public OrvActor {
 public:
     Orv2dRect rect;  // the box of the whole ellipse
 
-    OrvEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr);
+    OrvEllipse(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr);
     OrvEllipse(const OrvEllipse& source);
     ORV_PERSISTENT_ACTOR(OrvEllipse)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
@@ -174,7 +179,7 @@ public:
 
 class OrvFilledEllipse : public OrvEllipse {
 public:
-    OrvFilledEllipse(OrvDirector* director, const Orv2dRect& rect, OrvMakeUp* makeUp = nullptr);
+    OrvFilledEllipse(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr);
     OrvFilledEllipse(const OrvFilledEllipse& source);
     ORV_PERSISTENT_ACTOR(OrvFilledEllipse)
 
@@ -187,10 +192,11 @@ public:
     float start, end;
     unsigned long filled;
 
-    OrvArc(OrvDirector* director, const Orv2dRect& rect, float start, float end,
-           unsigned long filled = 0, OrvMakeUp* makeUp = nullptr);
+    OrvArc(OrvDirector* director, const Orv2dRect& box, float startDegrees, float endDegrees,
+           unsigned long solid = 0, OrvMakeUp* look = nullptr);
     OrvArc(const OrvArc& source);
     ORV_PERSISTENT_ACTOR(OrvArc)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     unsigned long isFilled() const override { return filled; }
     float startAngle() const override { return start; }
@@ -212,10 +218,11 @@ public:
     Orv2dPoint point;
     OrvPosition alignment;
 
-    OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point,
-             OrvPosition alignment = OrvLeft, OrvMakeUp* makeUp = nullptr);
+    OrvLabel(OrvDirector* director, const char* caption, const Orv2dPoint& at,
+             OrvPosition align = OrvLeft, OrvMakeUp* look = nullptr);
     OrvLabel(const OrvLabel& source);
     ORV_PERSISTENT_ACTOR(OrvLabel)
+    unsigned long copyGeometry(const OrvActor& source) override;
     ~OrvLabel() override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
@@ -249,10 +256,11 @@ public:
     OrvBitmap* bitmap;  // locked
     Orv2dPoint point;   // top left
 
-    OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point,
-            OrvMakeUp* makeUp = nullptr);
+    OrvIcon(OrvDirector* director, OrvBitmap* image, const Orv2dPoint& at,
+            OrvMakeUp* look = nullptr);
     OrvIcon(const OrvIcon& source);
     ORV_PERSISTENT_ACTOR(OrvIcon)
+    unsigned long copyGeometry(const OrvActor& source) override;
     ~OrvIcon() override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;

@@ -60,15 +60,16 @@ public:
     int sensitive;
 
     // A top-level view.
-    OrvView(OrvDirector* director, const Orv2dRect& rect, const char* title, unsigned style = 0,
-            unsigned long visible = 1);
+    OrvView(OrvDirector*, const Orv2dRect& rect, const char* title, unsigned viewStyle = 0,
+            unsigned long shown = 1);
     // A child view.
-    OrvView(OrvView* parent, const Orv2dRect& rect, unsigned style = 0, unsigned long visible = 1);
+    OrvView(OrvView* parentView, const Orv2dRect& rect, unsigned viewStyle = 0,
+            unsigned long shown = 1);
     // A child of a foreign X window.
-    OrvView(OrvDirector* director, void* parentWindow, const Orv2dRect& rect, unsigned style = 0,
-            unsigned long visible = 1);
+    OrvView(OrvDirector*, void* parentWindow, const Orv2dRect& rect, unsigned viewStyle = 0,
+            unsigned long shown = 1);
     // Wraps an existing window, which it never destroys.
-    OrvView(OrvDirector* director, void* window);
+    OrvView(OrvDirector*, void* window);
     ~OrvView() override;
 
     unsigned long window() const { return (unsigned long)drawable; }
@@ -133,15 +134,15 @@ public:
     void closeContext();
 
 protected:
-    void initFields(OrvDirector* director, const Orv2dRect& rect, unsigned style,
-                    unsigned long visible);
+    void initFields(OrvDirector*, const Orv2dRect& rect, unsigned viewStyle, unsigned long shown);
     void init2d(const char* title, unsigned long parentWindow);
     void init3d(const char* title, unsigned long parentWindow);
     void nameView();
     void finishWindow(const char* title, unsigned long parentWindow);
 };
 
-// The WM_STATE property of a window (to be freed with XFree), or null.
+// The WM_STATE property of a window (to be freed with XFree), or null. The name, without the
+// prefix, is kept as it is for behaviour compatibility.
 void* CheckWinMgrState(void* display, unsigned long window);
 
 #endif

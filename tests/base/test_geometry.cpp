@@ -96,6 +96,16 @@ TEST(Geometry, PointConversionsAndSphericalCoordinates) {
     Orv3dVector v;
     double az, po;
     float r;
+    Orv3dVector(1, -1, 0).getSpherical(az, po, r);
+    EXPECT_NEAR(az, 315, 1e-9);
+    EXPECT_NEAR(po, 90, 1e-9) << "the float radius must not push asin past 1";
+    // Every finite non-zero vector has finite angles.
+    for (float x : {1.0f, -1.0f, 0.1f, 3e5f, 7e-3f})
+        for (float y : {-1.0f, 1.0f, 0.3f, -2e4f})
+            for (float z : {0.0f, 1e-7f, -1e-7f}) {
+                Orv3dVector(x, y, z).getSpherical(az, po, r);
+                EXPECT_TRUE(std::isfinite(az) && std::isfinite(po)) << x << " " << y << " " << z;
+            }
     Orv3dVector(-1, -1, 0).getSpherical(az, po, r);
     EXPECT_NEAR(az, 225, 1e-9);
     Orv3dVector(0, 0, -2).getSpherical(az, po, r);

@@ -47,7 +47,7 @@ namespace {
 std::vector<unsigned> rows(const char* d) {
     std::vector<unsigned> v;
     for (int row = 0; row < 16; row++)
-        v.push_back((unsigned char)d[2 * row] | (unsigned char)d[2 * row + 1] << 8);
+        v.push_back((unsigned char)d[2 * row] << 8 | (unsigned char)d[2 * row + 1]);
     return v;
 }
 
@@ -77,6 +77,8 @@ TEST(MakeData, TilesAndRowsOfEveryOverload) {
     MakeData(0u, 0u);
     MakeData(0u);
     EXPECT_EQ(rows(d), repeat({0x1122, 0x3344, 0x8001, 0xFFFE}));
+    // Most significant bit leftmost: the high byte leads the row.
+    EXPECT_EQ((unsigned char)MakeData((unsigned short)0xFAAA, 0x57D5, 1, 0x8000)[0], 0xFA);
 }
 
 TEST(OrvFiles, ExistsMeansReadableAndWritableCreates) {

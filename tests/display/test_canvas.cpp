@@ -1,4 +1,5 @@
 // The canvas primitives on real drawables of both test screens, checked pixel by pixel.
+#include <type_traits>
 #include <cmath>
 
 #include "orv_fixtures.h"
@@ -237,7 +238,10 @@ TEST_P(Canvas, ClipStringClipBitmapAndLabels) {
     EXPECT_GT(countPixels(t, Orv2dRect(8, 0, box.w + 1, 40), K), 5) << "the text after it";
     EXPECT_EQ(countPixels(t, Orv2dRect(9 + box.w + 1, 0, 120 - 10 - box.w, 40), K), 0);
     // Labels split at newlines; a last line without one counts.
-    unsigned long count = 0;
+    static_assert(
+        std::is_same<decltype(&OrvTextToLabels), char** (*)(const char*, unsigned&)>::value,
+        "the count of lines is an unsigned");
+    unsigned count = 0;
     char** labels = OrvTextToLabels("a\nbc\n\nd", count);
     EXPECT_EQ(std::vector<std::string>({"a", "bc", "", "d"}),
               std::vector<std::string>(labels, labels + count));

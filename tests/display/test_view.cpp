@@ -130,17 +130,30 @@ TEST_F(ViewTest, ForeignWindowsAreWrappedNotDestroyed) {
 
 TEST_F(ViewTest, ResizeMoveAndConfigureEvents) {
     open("sizes", Orv2dRect(100, 100, 200, 100));
+    // A programmatic resize configures the window; the size is stored, and the
+    // callbacks told, when the configure event comes back.
     EXPECT_EQ(v->resize(0, 0), 1);
+    EXPECT_EQ(v->width, 200u);
     XWindowAttributes a;
     XSync(dpy, False);
     XGetWindowAttributes(raw, v->window(), &a);
     EXPECT_EQ(Orv2dPoint(1, 1), Orv2dPoint(a.width, a.height));
+    ASSERT_TRUE(runUntil([&] { return !log.resizes.empty(); }));
+    OrvTestRunFor(30);
+    ASSERT_EQ(log.resizes.size(), 1u);
+    EXPECT_EQ(Orv2dRect(100, 100, 200, 100), log.resizes[0].first);
+    EXPECT_EQ(Orv2dPoint(1, 1), Orv2dPoint(log.resizes[0].second.w, log.resizes[0].second.h));
     EXPECT_EQ(v->resize(1, 1) + v->move(Orv2dPoint(100, 100)), 0) << "unchanged";
+    // All four fields at once: the position is stored, the size waits for the event.
+    log = ViewLog();
     EXPECT_EQ(v->moveResize(Orv2dRect(130, 115, 250, 140)), 1);
+    EXPECT_EQ(Orv2dPoint(130, 1), Orv2dPoint(v->x, v->width));
     XSync(dpy, False);
     XGetWindowAttributes(raw, v->window(), &a);
     EXPECT_EQ(Orv2dRect(130, 115, 250, 140), Orv2dRect(a.x, a.y, a.width, a.height));
+    ASSERT_TRUE(runUntil([&] { return v->width == 250u; }));
     OrvTestRunFor(50);
+    EXPECT_EQ(log.resizes.size(), 1u);
     log = ViewLog();
     // Another client resizes: the handler stores it and the callback hears old and new.
     XResizeWindow(raw, v->window(), 300, 180);

@@ -135,7 +135,7 @@ TEST_F(StageTest, LayersAreMadeOnDemandAndMovedBetween) {
     unsigned int n = 0;
     OrvActor** all = stage->objects(n);
     EXPECT_EQ(std::vector<OrvActor*>(all, all + n + 1), (std::vector<OrvActor*>{b, c, a, nullptr}));
-    free(all);
+    delete[] all;
     // isVisible needs the layer, the layer's flag and the actor's.
     EXPECT_TRUE(stage->isVisible(a));
     stage->layer(3)->visible = 0;
@@ -188,7 +188,7 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     a->setSelected(1);
     OrvActor** s = stage->selections(n);
     EXPECT_EQ(std::vector<OrvActor*>(s, s + n + 1), (std::vector<OrvActor*>{c, a, nullptr}));
-    free(s);
+    delete[] s;
     // A selected actor appended goes to the list at once.
     TestBox* d = new TestBox(director, red, Orv2dRect(100, 10, 20, 20));
     d->setSelected(1);
@@ -198,7 +198,7 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     b->setSelectable(0);
     b->setSelected(1);
     EXPECT_FALSE(b->isSelected());
-    free(stage->selections(n));
+    delete[] stage->selections(n);
     EXPECT_EQ(n, 3u);
     EXPECT_EQ(stage->containsDragger(Orv2dPoint(10, 10)), a);
 

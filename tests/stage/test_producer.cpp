@@ -14,7 +14,8 @@ protected:
     }
     unsigned selected() {
         unsigned n = 0;
-        free(stage->selections(n));
+        OrvActor** s = stage->selections(n);
+        delete[] s;
         return n;
     }
 };

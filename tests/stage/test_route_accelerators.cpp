@@ -126,7 +126,7 @@ TEST_F(RouteTest, CopyAndPasteAcrossStagesAndDirectorsThroughTheCutBuffer) {
     OrvActor** all = other->objects(count);
     ASSERT_EQ(1u, count);
     EXPECT_EQ(Orv2dRect(100, 70, 40, 20), all[0]->bbox2d(nullptr));
-    free(all);
+    delete[] all;
     EXPECT_EQ(0xff0000ul, rgb(110, 75, other));
     EXPECT_EQ(1u, stage->cardinal());
 

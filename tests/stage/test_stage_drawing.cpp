@@ -220,9 +220,11 @@ TEST_F(StageTest, FitToContentsAndSelections) {
     ASSERT_NE(nullptr, stage->toStage());
     EXPECT_EQ(B, rgb(198, 148));  // b now reaches the far corner
     stage->toStage(nullptr);
-    // The window grows to what lies right and below of the origin.
+    // The window grows to what lies right and below of the origin; the stage
+    // takes the size when the configure event comes back.
     stage->fitToContents();
     XSync(dpy, False);
+    EXPECT_TRUE(OrvTestRunUntil([&] { return stage->width == 150ul; }));
     EXPECT_EQ(Orv2dPoint(150, 100), Orv2dPoint(stage->width, stage->height));
     // Selected actors: their boxes with the handles' margin.
     a->setSelected(1);

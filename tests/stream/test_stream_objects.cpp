@@ -1,5 +1,6 @@
 // Objects in the stream: numbering with references first, the actor's keys, shared make-ups, the
 // object table and the failures of object blocks.
+#include "orv/engine.h"
 #include "orv_fixtures.h"
 
 // Refers to another actor by its number in the file.
@@ -112,6 +113,44 @@ TEST_F(StreamObjects, ActorKeysAndSharedMakeUps) {
     EXPECT_EQ(back[0]->getSecondaryCallbackName(), OrvGetKey("released", 0));
     EXPECT_EQ(std::vector<OrvMakeUp*>({red, red}),
               std::vector<OrvMakeUp*>({back[0]->makeUp, back[1]->makeUp}));
+}
+
+namespace {
+OrvEngine* makeBlinker() {
+    return new OrvInverterEngine();
+}
+}  // namespace
+
+TEST_F(StreamObjects, EngineKeyNamesTheClassOrStandsAlone) {
+    OrvRegisterEngine("Inverter", makeBlinker);
+    TestBox* withEngine = box(0, 0, 5, 5, red);
+    withEngine->setEngine(new OrvInverterEngine(withEngine));
+    TestBox* dropped = box(1, 1, 5, 5, red);
+    dropped->setEngine(new OrvVisibleEngine(dropped));
+    delete dropped->getEngine();
+    dropped->setEngine(nullptr);
+    TestBox* plain = box(2, 2, 5, 5, red);
+    std::string text = save({withEngine, dropped, plain});
+    EXPECT_NE(text.find("\tengine\t\tInverter\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\tengine\t\t\n"), std::string::npos) << text;
+
+    std::vector<OrvActor*> back = load(text);
+    ASSERT_EQ(back.size(), 3u) << "a key that stands alone must not swallow the next line";
+    OrvEngine* engine = back[0]->getEngine();
+    ASSERT_NE(engine, nullptr);
+    EXPECT_STREQ(engine->className(), "Inverter");
+    EXPECT_EQ(engine->target, back[0]);
+    EXPECT_TRUE(engine->isRunning());
+    EXPECT_EQ(back[1]->getEngine(), nullptr);
+    EXPECT_TRUE(back[1]->getProperty(OrvHasEngineBit)) << "the bit stays as read";
+    EXPECT_FALSE(back[2]->getProperty(OrvHasEngineBit));
+    EXPECT_EQ(((TestBox*)back[2])->box, Orv2dRect(2, 2, 5, 5));
+    // A name nobody registered: reported, the actor has no engine, reading goes on.
+    EXPECT_EQ("Engine (Blinking) not found ...\n",
+              OrvTestOutput([&] { back = load(edited(text, "Inverter", "Blinking")); }));
+    ASSERT_EQ(back.size(), 3u);
+    EXPECT_EQ(back[0]->getEngine(), nullptr);
+    EXPECT_TRUE(back[0]->getProperty(OrvHasEngineBit));
 }
 
 TEST_F(StreamObjects, PropertiesStringIsTheFlagWord) {

@@ -129,7 +129,7 @@ TEST_F(StreamStage, FilesOnThePathIntoOneLayerAndEmptyStages) {
     OrvActor** all = t->objects(n);
     EXPECT_EQ(n, 14u);
     for (unsigned i = 0; i < n; i++) EXPECT_EQ(all[i]->layer, 4);
-    free(all);
+    delete[] all;
     // A bare name is found along the search path.
     director->prependToPath(path.substr(0, path.rfind('/')).c_str());
     OrvStage* u = newStage(520);
@@ -230,7 +230,7 @@ TEST_F(StreamStage, CutCopyPasteThroughTheCutBuffer) {
     ASSERT_EQ(n, 2u);
     OrvFilledRectangle* a2 = dynamic_cast<OrvFilledRectangle*>(pasted[0]);
     OrvEllipse* b2 = dynamic_cast<OrvEllipse*>(pasted[1]);
-    free(pasted);
+    delete[] pasted;
     ASSERT_TRUE(a2 && b2);
     EXPECT_EQ(std::vector<long>({100, 50, 130, 1}),
               std::vector<long>({a2->rect.x, a2->rect.y, b2->rect.x, b2->layer}));

@@ -1,4 +1,5 @@
 #include "orv/director.h"
+#include "orv/view.h"
 
 #include "orv_xtest.h"
 

@@ -50,7 +50,10 @@ void* OrvMemoryManager::alloc(unsigned size) {
     // The rest of the chunk is too small: keep it as a free block of its own
     // class, then start a chunk twice as large.
     unsigned left = (unsigned)(end - location);
-    ORV_MLK_ASSERT(!(left % ORV_MLK_ALIGNMENT));
+    // The assertion prints this expression as written, so its spacing is part of the message.
+    // clang-format off
+    ORV_MLK_ASSERT(!(left%ORV_MLK_ALIGNMENT));
+    // clang-format on
     if (left) {
         void** rest = (void**)location;
         int restIndex = orvMlkClass(left);

@@ -32,9 +32,11 @@ void Orv3dVector::getSpherical(double& azimuth, double& polar, float& radius) co
         azimuth = 0;
     }
     radius = (float)std::sqrt((double)x * x + (double)y * y + (double)z * z);
-    if (std::fabs(radius) > 1e-6)
-        polar = std::asin(std::sqrt((double)x * x + (double)y * y) / radius);
-    else
+    if (std::fabs(radius) > 1e-6) {
+        // The radius was rounded to float, so the ratio can pass 1 by an ulp.
+        double ratio = std::sqrt((double)x * x + (double)y * y) / radius;
+        polar = std::asin(ratio > 1.0 ? 1.0 : ratio < -1.0 ? -1.0 : ratio);
+    } else
         polar = 0;
     if (z < 0) polar = M_PI - polar;
     azimuth *= ORV_RAD_TO_DEG;

@@ -27,7 +27,8 @@ static void orvEmptyBuckets(OrvAList** buckets, unsigned size) {
 // ---------------------------------------------------------------------------
 // OrvHashTable
 
-OrvHashTable::OrvHashTable(unsigned size) : size(size), cardinal(0), buckets(orvNewBuckets(size)) {}
+OrvHashTable::OrvHashTable(unsigned bucketCount)
+    : size(bucketCount), cardinal(0), buckets(orvNewBuckets(bucketCount)) {}
 
 OrvHashTable::~OrvHashTable() {
     orvDeleteBuckets(buckets, size);
@@ -67,8 +68,8 @@ void OrvHashTable::empty() {
 // ---------------------------------------------------------------------------
 // OrvStringHashTable
 
-OrvStringHashTable::OrvStringHashTable(unsigned size)
-    : size(size), cardinal(0), buckets(orvNewBuckets(size)) {}
+OrvStringHashTable::OrvStringHashTable(unsigned bucketCount)
+    : size(bucketCount), cardinal(0), buckets(orvNewBuckets(bucketCount)) {}
 
 OrvStringHashTable::~OrvStringHashTable() {
     orvDeleteBuckets(buckets, size);

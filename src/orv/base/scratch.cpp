@@ -84,9 +84,10 @@ void** OrvAllocInternalPointers(unsigned n) {
 // Pattern tiles. A row is two bytes, the first holding the left eight pixels;
 // a sixteen-bit row value puts its low byte first.
 
+// A sixteen-bit row, most significant bit leftmost: the high byte comes first.
 static void orvPutRow(char* data, int row, unsigned bits) {
-    data[2 * row] = (char)(bits & 0xFF);
-    data[2 * row + 1] = (char)((bits >> 8) & 0xFF);
+    data[2 * row] = (char)((bits >> 8) & 0xFF);
+    data[2 * row + 1] = (char)(bits & 0xFF);
 }
 
 char* MakeData(unsigned short v) {

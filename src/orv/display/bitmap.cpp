@@ -1,6 +1,7 @@
 // Bitmaps (canvases on pixmaps) and the copies between drawables, straight and transformed.
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "orv/canvas.h"
 #include "orv/director.h"
@@ -132,8 +133,8 @@ unsigned char* OrvBitmap::getBits(unsigned long& size, const Orv2dRect& rect) co
         XGetImage(displayOf(this), drawable, rect.x, rect.y, rect.w, rect.h, AllPlanes, ZPixmap);
     if (!image) return nullptr;
     size = (unsigned long)image->bytes_per_line * image->height;
-    unsigned char* bits = (unsigned char*)malloc(size ? size : 1);
-    if (bits) memcpy(bits, image->data, size);
+    unsigned char* bits = new unsigned char[size ? size : 1];
+    memcpy(bits, image->data, size);
     XDestroyImage(image);
     return bits;
 }
@@ -157,6 +158,20 @@ void OrvBitmap::setBits(const Orv2dRect& rect, const unsigned char* data, unsign
     if (gc) XPutImage(dpy, drawable, gc, image, 0, 0, rect.x, rect.y, rect.w, rect.h);
     image->data = nullptr;
     XDestroyImage(image);
+}
+
+unsigned long* OrvGetPixels(const OrvCanvas* canvas, const Orv2dRect& rect) {
+    if (!canvas || rect.w == 0 || rect.h == 0) return nullptr;
+    XImage* image = XGetImage(displayOf(canvas), canvas->drawable, rect.x, rect.y, rect.w, rect.h,
+                              AllPlanes, ZPixmap);
+    if (!image) return nullptr;
+    unsigned long* values = new (std::nothrow) unsigned long[(size_t)rect.w * rect.h];
+    if (values)
+        for (unsigned y = 0; y < rect.h; y++)
+            for (unsigned x = 0; x < rect.w; x++)
+                values[y * rect.w + x] = XGetPixel(image, (int)x, (int)y);
+    XDestroyImage(image);
+    return values;
 }
 
 void OrvBitmap::useColor(OrvColor* c) {

@@ -3,6 +3,7 @@
 #include "orv/director.h"
 #include "orv/canvas.h"
 #include "orv/view.h"
+#include "orv/message.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -55,19 +56,19 @@ static void readDisplay(int, void* data) {
     ((const OrvDirector*)data)->readAndDispatchEvents();
 }
 
-OrvDirector::OrvDirector(const char* name, const char* displayName, int argc, char** argv)
+OrvDirector::OrvDirector(const char* appName, const char* displayName, int argc, char** argv)
     : display(nullptr) {
     initSlots();
     ownsDisplay = 1;
-    systemInit(name, displayName, argc, argv);
+    systemInit(appName, displayName, argc, argv);
     closed = 0;
 }
 
-OrvDirector::OrvDirector(void* display, const char* name) : display(nullptr) {
+OrvDirector::OrvDirector(void* xDisplay, const char* appName) : display(nullptr) {
     initSlots();
     ownsDisplay = 0;
-    this->display = display;
-    systemInit(name, nullptr, 0, nullptr);
+    display = xDisplay;
+    systemInit(appName, nullptr, 0, nullptr);
     closed = 0;
 }
 
@@ -101,7 +102,7 @@ void OrvDirector::initSlots() {
     doNotOptimize = 0;
 }
 
-void OrvDirector::systemInit(const char* name, const char* displayName, int, char**) {
+void OrvDirector::systemInit(const char* appName, const char* displayName, int, char**) {
     if (!display) {
         display = XOpenDisplay(displayName && *displayName ? displayName : nullptr);
         if (!display) {
@@ -123,7 +124,7 @@ void OrvDirector::systemInit(const char* name, const char* displayName, int, cha
         }
     }
     Display* dpy = (Display*)display;
-    this->name = copyString(name ? name : "Orv");
+    name = copyString(appName ? appName : "Orv");
     if (!allDirectors) allDirectors = new OrvList;
     allDirectors->insert(this);
     connectionNumber = ConnectionNumber(dpy);
@@ -198,6 +199,7 @@ void OrvDirector::init() {
             free(p);
         }
     }
+    initDatabase();
     grabbedViews = new OrvList;
     initResources();
     if (getenv("ORVDONOTOPTIMIZE")) doNotOptimize = 1;
@@ -216,6 +218,9 @@ OrvDirector::~OrvDirector() {
 void OrvDirector::close() {
     if (closed) return;
     closed = 1;
+    // The messages go first, before any resource.
+    delete database;
+    database = nullptr;
     Display* dpy = (Display*)display;
     // Timers stop before anything they might touch goes away.
     for (OrvLink* l = timers ? timers->first : nullptr; l;) {

@@ -3,8 +3,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "orv/bitmapfile.h"
 #include "orv/canvas.h"
 #include "orv/director.h"
+#include "orv/image.h"
 #include "orv/makeup.h"
 #include "orv/resource.h"
 
@@ -36,6 +38,7 @@ void OrvDirector::initResourceSlots() {
     tmpMakeUpObject = nullptr;
     tmpTextureObject = nullptr;
     defaultEnvironment = nullptr;
+    defaultImageObject = nullptr;
     makeUpLookups = makeUpCreations = 0;
 }
 
@@ -68,6 +71,7 @@ void OrvDirector::initFonts() {
         if (n && (f = font(n))) break;
     }
     if (!f) {
+        // "found" for "font": the text is kept as it is for behaviour compatibility.
         OrvError("## Can't find a default found !.\n");
         fflush(stdout);
         OrvExit(0);
@@ -124,17 +128,10 @@ static const unsigned char* rows16(const unsigned short r[16]) {
     return block;
 }
 
-// Four rows repeated four times.
+// Four rows repeated four times, through the shared tile maker.
 static const unsigned char* rows4(unsigned short a, unsigned short b, unsigned short c,
                                   unsigned short d) {
-    unsigned short r[16];
-    for (int i = 0; i < 16; i += 4) {
-        r[i] = a;
-        r[i + 1] = b;
-        r[i + 2] = c;
-        r[i + 3] = d;
-    }
-    return rows16(r);
+    return (const unsigned char*)MakeData(a, b, c, d);
 }
 
 // A 128-byte polygon stipple of two 32-bit rows repeated.
@@ -324,9 +321,13 @@ void OrvDirector::closeResources() {
         colors = nullptr;
     }
     defaultBackground = defaultForeground = nullptr;
-    // Images and environments belong to the 3D family, which releases them; only the lists go here.
-    delete images;
-    images = nullptr;
+    if (images) {
+        deleteAll<OrvImage>(images);
+        delete images;
+        images = nullptr;
+    }
+    defaultImageObject = nullptr;
+    // Environments belong to the 3D family, which releases them; only the list goes here.
     delete environments;
     environments = nullptr;
 }
@@ -624,9 +625,9 @@ static void nameBitmap(OrvBitmap* b, const char* n) {
 }
 
 OrvBitmap* OrvDirector::readAsciiBitmap(const OrvCanvas* canvas, const char* file) {
-    const char* path = findInPath(file);
-    if (!path) return nullptr;
-    FILE* f = fopen(path, "r");
+    const char* found = findInPath(file);
+    if (!found) return nullptr;
+    FILE* f = fopen(found, "r");
     if (!f) return nullptr;
     char line[256], word[256];
     int width = 0, height = 0;
@@ -670,7 +671,14 @@ OrvBitmap* OrvDirector::readAsciiBitmap(const OrvCanvas* canvas, const char* fil
 OrvBitmap* OrvDirector::readBitmap(const OrvCanvas* canvas, const char* file) {
     OrvBitmap* b = bitmap(file);
     if (b) return b;
-    if (file && (b = readAsciiBitmap(canvas, file))) return b;
+    if (file) {
+        // Each format in turn; a reader that cannot read the file says so and gives null.
+        OrvCanvas* on = const_cast<OrvCanvas*>(canvas ? canvas : rootCanvas);
+        if ((b = readAsciiBitmap(canvas, file))) return b;
+        if ((b = OrvReadDIBBitmap(on, file))) return b;
+        if ((b = OrvReadGIFBitmap(on, file))) return b;
+        if ((b = OrvReadXPM2Bitmap(on, file))) return b;
+    }
     if ((b = bitmap("OrvUnknownBitmap"))) return b;
     // The picture that stands for a bitmap that could not be read.
     static const unsigned char unknown[60] = {

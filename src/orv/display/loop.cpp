@@ -203,6 +203,13 @@ OrvTimer::~OrvTimer() {
     if (director) director->remove(this);
 }
 
+void OrvTimer::setDirector(OrvDirector* d) {
+    if (d == director) return;
+    if (director) director->remove(this);
+    director = d;
+    if (director) director->add(this);
+}
+
 void OrvTimer::run(int seconds, int milliseconds) {
     if (seconds || milliseconds) period = (unsigned long)(seconds * 1000 + milliseconds);
     if (period == 0) {

@@ -23,31 +23,32 @@ static Display* dpyOf(const OrvView* v) {
     return (Display*)v->director->display;
 }
 
-OrvView::OrvView(OrvDirector* d, const Orv2dRect& rect, const char* title, unsigned style,
-                 unsigned long visible)
+OrvView::OrvView(OrvDirector* d, const Orv2dRect& rect, const char* title, unsigned viewStyle,
+                 unsigned long shown)
     : OrvCanvas(d, rect.w, rect.h, nullptr) {
-    initFields(d, rect, style, visible);
-    if (style & OrvViewGL)
+    initFields(d, rect, viewStyle, shown);
+    if (viewStyle & OrvViewGL)
         init3d(title, 0);
     else
         init2d(title, 0);
 }
 
-OrvView::OrvView(OrvView* parentView, const Orv2dRect& rect, unsigned style, unsigned long visible)
+OrvView::OrvView(OrvView* parentView, const Orv2dRect& rect, unsigned viewStyle,
+                 unsigned long shown)
     : OrvCanvas(parentView->director, rect.w, rect.h, nullptr) {
-    initFields(parentView->director, rect, style, visible);
+    initFields(parentView->director, rect, viewStyle, shown);
     parent = parentView;
-    if (style & OrvViewGL)
+    if (viewStyle & OrvViewGL)
         init3d(nullptr, parentView->window());
     else
         init2d(nullptr, parentView->window());
 }
 
-OrvView::OrvView(OrvDirector* d, void* parentWindow, const Orv2dRect& rect, unsigned style,
-                 unsigned long visible)
+OrvView::OrvView(OrvDirector* d, void* parentWindow, const Orv2dRect& rect, unsigned viewStyle,
+                 unsigned long shown)
     : OrvCanvas(d, rect.w, rect.h, nullptr) {
-    initFields(d, rect, style, visible);
-    if (style & OrvViewGL)
+    initFields(d, rect, viewStyle, shown);
+    if (viewStyle & OrvViewGL)
         init3d(nullptr, (unsigned long)parentWindow);
     else
         init2d(nullptr, (unsigned long)parentWindow);
@@ -69,16 +70,17 @@ OrvView::OrvView(OrvDirector* d, void* window) : OrvCanvas(d, 1, 1, nullptr) {
     makeGhost();
 }
 
-void OrvView::initFields(OrvDirector* d, const Orv2dRect& rect, unsigned st, unsigned long vis) {
+void OrvView::initFields(OrvDirector* d, const Orv2dRect& rect, unsigned viewStyle,
+                         unsigned long shown) {
     director = d;
     parent = nullptr;
     x = rect.x;
     y = rect.y;
     width = rect.w ? rect.w : 1;
     height = rect.h ? rect.h : 1;
-    style = st;
+    style = viewStyle;
     mapFlag = 1;
-    visible = vis ? 1 : 0;
+    visible = shown ? 1 : 0;
     cursor = nullptr;
     background = nullptr;
     bitmap = nullptr;
@@ -278,8 +280,8 @@ int OrvView::resize(unsigned long w, unsigned long h) {
     c.height = (int)h;
     XConfigureWindow(dpyOf(this), (Window)drawable, CWWidth | CWHeight, &c);
     if (!parent) setNormalHints(dpyOf(this), (Window)drawable, x, y, w, h);
-    width = w;
-    height = h;
+    // The size is stored when the configure event comes back through
+    // handleResize, which then tells the resize callbacks.
     return 1;
 }
 
@@ -297,10 +299,9 @@ int OrvView::moveResize(const Orv2dRect& r) {
     c.height = (int)h;
     XConfigureWindow(dpyOf(this), (Window)drawable, CWX | CWY | CWWidth | CWHeight, &c);
     if (!parent) setNormalHints(dpyOf(this), (Window)drawable, r.x, r.y, w, h);
+    // As in resize, the new size arrives with the configure event.
     x = r.x;
     y = r.y;
-    width = w;
-    height = h;
     return 1;
 }
 

@@ -6,9 +6,9 @@
 #include "orv/layer.h"
 #include "orv/stage.h"
 
-OrvStageLayer::OrvStageLayer(OrvStage* stage, unsigned short number)
-    : stage(stage), actors(nullptr), count(0), capacity(0), visible(1), enabled(1), number(number),
-      block(nullptr), offset(0) {
+OrvStageLayer::OrvStageLayer(OrvStage* forStage, unsigned short layerNumber)
+    : stage(forStage), actors(nullptr), count(0), capacity(0), visible(1), enabled(1),
+      number(layerNumber), block(nullptr), offset(0) {
     init();
 }
 
@@ -92,6 +92,21 @@ int OrvStageLayer::position(const OrvActor* actor) const {
     for (uint32_t i = 0; i < count; i++)
         if (actors[i] == actor) return (int)i;
     return -1;
+}
+
+int OrvStageLayer::moveTo(OrvActor* actor, uint32_t index) {
+    int at = position(actor);
+    if (at < 0) return 0;
+    if (index >= count) index = count - 1;
+    uint32_t from = (uint32_t)at;
+    if (from == index) return 0;
+    if (from < index)
+        memmove((void*)&actors[from], (void*)&actors[from + 1], (index - from) * sizeof(OrvActor*));
+    else
+        memmove((void*)&actors[index + 1], (void*)&actors[index],
+                (from - index) * sizeof(OrvActor*));
+    actors[index] = actor;
+    return 1;
 }
 
 int OrvStageLayer::pop(OrvActor* actor) {

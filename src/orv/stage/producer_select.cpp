@@ -22,8 +22,8 @@ static Orv2dRect OrvNormalised(const Orv2dPoint& a, const Orv2dPoint& b) {
 // Rectangle
 // ---------------------------------------------------------------------------
 
-OrvRectangleProducer::OrvRectangleProducer(OrvStage* stage, OrvProducer* previous)
-    : OrvProducer(stage, previous), active(0), mask(1) {}
+OrvRectangleProducer::OrvRectangleProducer(OrvStage* forStage, OrvProducer* previousProducer)
+    : OrvProducer(forStage, previousProducer), active(0), mask(1) {}
 
 int OrvRectangleProducer::input2d(const OrvEvent& event) {
     switch (event.type) {
@@ -110,11 +110,12 @@ static P* OrvOwnedBy(OrvStage* stage, P* p) {
     return p;
 }
 
-OrvSelectProducer::OrvSelectProducer(OrvStage* stage, OrvProducer* previous)
-    : OrvProducer(stage, previous), move(OrvOwnedBy(stage, new OrvMoveProducer(stage))),
-      reshape(OrvOwnedBy(stage, new OrvReshapeProducer(stage))),
-      selectRectangle(OrvOwnedBy(stage, new OrvSelectRectangleProducer(stage))), pick3d(nullptr),
-      rotate3d(nullptr), extra(nullptr), inUse(nullptr), mask1(1), mask2(2) {}
+OrvSelectProducer::OrvSelectProducer(OrvStage* forStage, OrvProducer* previousProducer)
+    : OrvProducer(forStage, previousProducer),
+      move(OrvOwnedBy(forStage, new OrvMoveProducer(forStage))),
+      reshape(OrvOwnedBy(forStage, new OrvReshapeProducer(forStage))),
+      selectRectangle(OrvOwnedBy(forStage, new OrvSelectRectangleProducer(forStage))),
+      pick3d(nullptr), rotate3d(nullptr), extra(nullptr), inUse(nullptr), mask1(1), mask2(2) {}
 
 OrvSelectProducer::~OrvSelectProducer() {
     OrvProducer* subs[] = {move, reshape, selectRectangle, pick3d, rotate3d, extra};

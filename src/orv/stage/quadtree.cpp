@@ -25,10 +25,10 @@ OrvQuadtree::OrvQuadtree()
     : topLeft(nullptr), topRight(nullptr), bottomLeft(nullptr), bottomRight(nullptr), head(nullptr),
       tail(nullptr), count(0), internal(0), max(0), held(nullptr), heldCount(0), heldCapacity(0) {}
 
-OrvQuadtree::OrvQuadtree(unsigned int max, const Orv2dRect* b)
+OrvQuadtree::OrvQuadtree(unsigned int leafCapacity, const Orv2dRect* area)
     : topLeft(nullptr), topRight(nullptr), bottomLeft(nullptr), bottomRight(nullptr), head(nullptr),
-      tail(nullptr), count(0), internal(0), max(max),
-      box(b ? *b : Orv2dRect(-100000, -100000, 200000, 200000)), held(nullptr), heldCount(0),
+      tail(nullptr), count(0), internal(0), max(leafCapacity),
+      box(area ? *area : Orv2dRect(-100000, -100000, 200000, 200000)), held(nullptr), heldCount(0),
       heldCapacity(0) {}
 
 OrvQuadtree::~OrvQuadtree() {

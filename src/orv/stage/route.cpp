@@ -283,7 +283,7 @@ void OrvStage::moveFocusAfter() {
     OrvActor** all = objects(count);
     if (!all) return;
     OrvActor* next = OrvFocusStep(all, count, focusActor, 1);
-    free(all);
+    delete[] all;
     if (next && next != focusActor) setFocus(next);
 }
 
@@ -292,7 +292,7 @@ void OrvStage::moveFocusBefore() {
     OrvActor** all = objects(count);
     if (!all) return;
     OrvActor* previous = OrvFocusStep(all, count, focusActor, -1);
-    free(all);
+    delete[] all;
     if (previous && previous != focusActor) setFocus(previous);
 }
 
@@ -331,8 +331,8 @@ void OrvStage::setHighlighted(const Orv2dPoint& point, OrvActor* actor) {
 // Callbacks and quitting
 // ---------------------------------------------------------------------------
 
-void OrvStage::registerCallback(const char* name, OrvCallback* callback) {
-    OrvKey* key = OrvGetKey(name, 1);
+void OrvStage::registerCallback(const char* callbackName, OrvCallback* callback) {
+    OrvKey* key = OrvGetKey(callbackName, 1);
     if (!callback) {
         // The entry stays, emptied, so that nothing can release it twice.
         for (OrvAListItem* item = callbacks.first; item; item = item->next)
@@ -349,14 +349,14 @@ void OrvStage::registerCallback(const char* name, OrvCallback* callback) {
     callbacks.insert(key, callback);
 }
 
-OrvCallback* OrvStage::getCallback(const char* name) const {
-    OrvKey* key = OrvGetKey(name, 0);
+OrvCallback* OrvStage::getCallback(const char* callbackName) const {
+    OrvKey* key = OrvGetKey(callbackName, 0);
     if (!key) return nullptr;
     return (OrvCallback*)const_cast<OrvAList&>(callbacks).get(key);
 }
 
-void OrvStage::removeCallback(const char* name) {
-    OrvKey* key = OrvGetKey(name, 0);
+void OrvStage::removeCallback(const char* callbackName) {
+    OrvKey* key = OrvGetKey(callbackName, 0);
     if (!key) return;
     OrvCallback* c = (OrvCallback*)callbacks.get(key);
     callbacks.remove(key);
@@ -365,9 +365,9 @@ void OrvStage::removeCallback(const char* name) {
 
 void OrvStage::callCallback(OrvActor* actor) const {
     if (!actor) return;
-    OrvKey* name = actor->getCallbackName();
-    if (name) {
-        OrvCallback* c = (OrvCallback*)const_cast<OrvAList&>(callbacks).get(name);
+    OrvKey* callbackKey = actor->getCallbackName();
+    if (callbackKey) {
+        OrvCallback* c = (OrvCallback*)const_cast<OrvAList&>(callbacks).get(callbackKey);
         if (c) {
             c->activate(actor);
             return;

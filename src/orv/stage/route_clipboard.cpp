@@ -5,15 +5,12 @@
 #include <sstream>
 #include <string>
 
+#include "orv/undo.h"
 #include "orv/actor.h"
 #include "orv/director.h"
+#include "orv/link.h"
 #include "orv/stage.h"
-#if __has_include("orv/stream.h")
 #include "orv/stream.h"
-#define ORV_HAVE_STREAM 1
-#else
-#define ORV_HAVE_STREAM 0
-#endif
 
 // The selections as persistent text; empty without a selection.
 static std::string OrvSelectionsText(OrvStage* stage) {
@@ -21,11 +18,9 @@ static std::string OrvSelectionsText(OrvStage* stage) {
     OrvActor** selected = stage->selections(count);
     if (!selected) return std::string();
     std::ostringstream text;
-#if ORV_HAVE_STREAM
     OrvOStream out(text);
     out.write(count, selected, 1);
-#endif
-    free(selected);
+    delete[] selected;
     return text.str();
 }
 
@@ -45,8 +40,8 @@ void OrvStage::cut() {
     }
     unsigned count = 0;
     OrvActor** selected = selections(count);
-    remove(selected, count, 1);
-    free(selected);
+    OrvEditRemove(this, selected, count, "Cut");
+    delete[] selected;
     OrvAllowCallContentsChanged = allow;
     contentsChanged();
     // The clipboard is set last, once the stage is consistent again.
@@ -55,9 +50,9 @@ void OrvStage::cut() {
 
 void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     int length = 0;
-    const char* clip = director->getClipboard(length);
-    if (!clip || !*clip || length <= 0) return;
-    std::string text(clip, (size_t)length);
+    const char* pasted = director->getClipboard(length);
+    if (!pasted || !*pasted || length <= 0) return;
+    std::string text(pasted, (size_t)length);
 
     // The old handles are not repainted: the repaint below covers them.
     int privateNest = nesting == 0;
@@ -66,7 +61,6 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     if (privateNest) abortDrawing();
 
     unsigned count = 0;
-#if ORV_HAVE_STREAM
     std::istringstream in(text);
     OrvIStream reader(director, in);
     OrvActor** actors = reader.read(count, 1);
@@ -74,9 +68,6 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
     unsigned readable = 0;
     while (actors && readable < count && actors[readable]) readable++;
     count = readable;
-#else
-    OrvActor** actors = 0;
-#endif
     if (!actors || !count) {
         delete[] actors;
         drawAll(nullptr, 1);
@@ -93,16 +84,22 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
 
     unsigned long allow = OrvAllowCallContentsChanged;
     OrvAllowCallContentsChanged = 0;
+    if (undoStack) undoStack->beginMacro("Paste");
     for (unsigned i = 0; i < count; i++) {
         OrvActor* a = actors[i];
+        if (isLink(a) && !((OrvLinkImage*)a)->hasEnds()) {
+            delete a;
+            continue;
+        }
         a->apply2d(shift);
-        append(a, a->layer);
+        OrvEditAppend(this, a, a->layer);
         a->setSelected(select);
     }
     if (privateNest) {
         abortDrawing();
         drawAll(nullptr, 1);
     }
+    if (undoStack) undoStack->endMacro();
     // With the flag still clear this reaches no hook: a paste is silent.
     contentsChanged();
     OrvAllowCallContentsChanged = allow;

@@ -5,6 +5,7 @@
 #include "orv/canvas.h"
 #include "orv/makeup.h"
 #include "orv/shapes.h"
+#include "orv/stream.h"
 #include "shapes_geometry.h"
 
 ORV_DEFINE_CLASS_INIT(OrvIcon, "OrvActor", OrvIcon::read)
@@ -20,15 +21,13 @@ static int serverLsbFirst(OrvBitmap* probeSource) {
     unsigned long size = 0;
     unsigned char* bits = probe.getBits(size, Orv2dRect(0, 0, 8, 1));
     known = bits && size && bits[0] == 0x01 ? 1 : 0;
-    free(bits);
+    delete[] bits;
     return known;
 }
 
-OrvIcon::OrvIcon(OrvDirector* director, OrvBitmap* bitmap, const Orv2dPoint& point,
-                 OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), bitmap(bitmap), point(point), maskBits(nullptr),
-      maskBytesPerLine(0) {
-    if (bitmap) bitmap->lock();
+OrvIcon::OrvIcon(OrvDirector* director, OrvBitmap* image, const Orv2dPoint& at, OrvMakeUp* look)
+    : OrvActor(director, look), bitmap(image), point(at), maskBits(nullptr), maskBytesPerLine(0) {
+    if (image) image->lock();
     readMask();
 }
 
@@ -40,7 +39,7 @@ OrvIcon::OrvIcon(const OrvIcon& source)
 }
 
 OrvIcon::~OrvIcon() {
-    free(maskBits);
+    delete[] maskBits;
     if (bitmap) bitmap->unLock();
 }
 
@@ -51,8 +50,31 @@ OrvClassInfo* OrvIcon::classInfo() const {
     return _classInfo;
 }
 
+// Persistent form: the point, then the bitmap by name with its mask.
+
+OrvActor* OrvIcon::read(OrvIStream& in) {
+    return new OrvIcon(in);
+}
+
+void OrvIcon::write(OrvOStream& out) const {
+    OrvActor::write(out);
+    out.writeComments("OrvIcon class", 1);
+    out << point;
+    out << (const OrvBitmap*)bitmap;
+}
+
+OrvIcon::OrvIcon(OrvIStream& in)
+    : OrvActor(in), bitmap(nullptr), point(), maskBits(nullptr), maskBytesPerLine(0) {
+    in >> point;
+    OrvBitmap* b = nullptr;
+    in >> b;
+    bitmap = b;
+    if (bitmap) bitmap->lock();
+    readMask();
+}
+
 void OrvIcon::readMask() {
-    free(maskBits);
+    delete[] maskBits;
     maskBits = nullptr;
     maskBytesPerLine = 0;
     if (!bitmap || !bitmap->mask || bitmap->mask->depth != 1) return;
@@ -111,4 +133,11 @@ void OrvIcon::setBitmap(OrvBitmap* b) {
     bitmap = b;
     readMask();
     flushDrawing(1);
+}
+
+unsigned long OrvIcon::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvIcon& s = (const OrvIcon&)source;
+    point = s.point;
+    return 1;
 }

@@ -6,6 +6,7 @@
 #include "orv/makeup.h"
 #include "orv/resource.h"
 #include "orv/shapes.h"
+#include "orv/stream.h"
 #include "shapes_geometry.h"
 
 ORV_DEFINE_CLASS_INIT(OrvLabel, "OrvActor", OrvLabel::read)
@@ -18,9 +19,9 @@ static char* copyText(const char* text) {
     return copy;
 }
 
-OrvLabel::OrvLabel(OrvDirector* director, const char* text, const Orv2dPoint& point,
-                   OrvPosition alignment, OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), text(copyText(text)), point(point), alignment(alignment),
+OrvLabel::OrvLabel(OrvDirector* director, const char* caption, const Orv2dPoint& at,
+                   OrvPosition align, OrvMakeUp* look)
+    : OrvActor(director, look), text(copyText(caption)), point(at), alignment(align),
       extentText(nullptr), extentMakeUp(nullptr) {}
 
 OrvLabel::OrvLabel(const OrvLabel& source)
@@ -36,6 +37,37 @@ OrvActor* OrvLabel::copy() const {
 }
 OrvClassInfo* OrvLabel::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the text, the anchor point and the alignment.
+
+OrvActor* OrvLabel::read(OrvIStream& in) {
+    return new OrvLabel(in);
+}
+
+void OrvLabel::write(OrvOStream& out) const {
+    OrvActor::write(out);
+    out.writeComments("OrvLabel class", 1);
+    out << (const char*)text;
+    out << point;
+    out.writePosition(alignment);
+}
+
+OrvLabel::OrvLabel(OrvIStream& in)
+    : OrvActor(in), text((char*)calloc(1, 1)), point(), alignment(OrvLeft), extentText(nullptr),
+      extentMakeUp(nullptr) {
+    char* value = nullptr;
+    in >> value;
+    if (value) {
+        // The label keeps its text in malloc'ed memory.
+        char* copy = (char*)malloc(strlen(value) + 1);
+        strcpy(copy, value);
+        delete[] value;
+        free(text);
+        text = copy;
+    }
+    in >> point;
+    in.readPosition(alignment);
 }
 
 // Relative to the baseline origin: y is minus the ascent.
@@ -57,19 +89,19 @@ void OrvLabel::notifyOnMakeUpChanged() {
 // Raster text does not scale or turn: only its anchor follows the matrix.
 Orv2dRect OrvLabel::textBox(const Orv2dMatrix* matrix, Orv2dPoint* baseline) const {
     Orv2dPoint anchor = OrvMapPoint(point, matrix);
-    Orv2dRect extent = textExtent();
+    Orv2dRect measured = textExtent();
     int32_t left = anchor.x;
     if (alignment & OrvRight)
-        left = anchor.x - (int32_t)extent.w;
+        left = anchor.x - (int32_t)measured.w;
     else if (alignment & OrvCenter)
-        left = anchor.x - (int32_t)(extent.w / 2);
+        left = anchor.x - (int32_t)(measured.w / 2);
     int32_t base = anchor.y;
     if (alignment & OrvTop)
-        base = anchor.y - extent.y;
+        base = anchor.y - measured.y;
     else if (alignment & OrvBottom)
-        base = anchor.y - (extent.y + (int32_t)extent.h);
-    if (baseline) *baseline = Orv2dPoint(left - extent.x, base);
-    return Orv2dRect(left, base + extent.y, extent.w, extent.h);
+        base = anchor.y - (measured.y + (int32_t)measured.h);
+    if (baseline) *baseline = Orv2dPoint(left - measured.x, base);
+    return Orv2dRect(left, base + measured.y, measured.w, measured.h);
 }
 
 Orv2dRect OrvLabel::bbox2d(const Orv2dMatrix* matrix) const {
@@ -107,4 +139,12 @@ void OrvLabel::setAlignment(OrvPosition a) {
     beginDrawing(1);
     alignment = a;
     flushDrawing(1);
+}
+
+unsigned long OrvLabel::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvLabel& s = (const OrvLabel&)source;
+    point = s.point;
+    alignment = s.alignment;
+    return 1;
 }

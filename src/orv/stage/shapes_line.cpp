@@ -2,14 +2,15 @@
 #include "orv/canvas.h"
 #include "orv/makeup.h"
 #include "orv/shapes.h"
+#include "orv/stream.h"
 #include "shapes_geometry.h"
 
 ORV_DEFINE_CLASS_INIT(OrvLine, "OrvActor", OrvLine::read)
 ORV_DEFINE_CLASS_INIT(OrvArrowLine, "OrvLine", OrvArrowLine::read)
 
-OrvLine::OrvLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
-                 OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), from(from), to(to) {}
+OrvLine::OrvLine(OrvDirector* director, const Orv2dPoint& fromPoint, const Orv2dPoint& toPoint,
+                 OrvMakeUp* look)
+    : OrvActor(director, look), from(fromPoint), to(toPoint) {}
 
 OrvLine::OrvLine(const OrvLine& source) : OrvActor(source), from(source.from), to(source.to) {}
 
@@ -18,6 +19,24 @@ OrvActor* OrvLine::copy() const {
 }
 OrvClassInfo* OrvLine::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the two ends.
+
+OrvActor* OrvLine::read(OrvIStream& in) {
+    return new OrvLine(in);
+}
+
+void OrvLine::write(OrvOStream& out) const {
+    OrvActor::write(out);
+    out.writeComments("OrvLine class", 1);
+    out << from;
+    out << to;
+}
+
+OrvLine::OrvLine(OrvIStream& in) : OrvActor(in), from(), to() {
+    in >> from;
+    in >> to;
 }
 
 // One pixel more than the stroke, so that a vertical or horizontal line still
@@ -49,9 +68,9 @@ void OrvLine::setPoints(const Orv2dPoint& f, const Orv2dPoint& t) {
     flushDrawing(1);
 }
 
-OrvArrowLine::OrvArrowLine(OrvDirector* director, const Orv2dPoint& from, const Orv2dPoint& to,
-                           OrvMakeUp* makeUp, unsigned long arrows)
-    : OrvLine(director, from, to, makeUp), arrows(arrows) {}
+OrvArrowLine::OrvArrowLine(OrvDirector* director, const Orv2dPoint& fromPoint,
+                           const Orv2dPoint& toPoint, OrvMakeUp* look, unsigned long arrowEnds)
+    : OrvLine(director, fromPoint, toPoint, look), arrows(arrowEnds) {}
 
 OrvArrowLine::OrvArrowLine(const OrvArrowLine& source) : OrvLine(source), arrows(source.arrows) {}
 
@@ -60,6 +79,22 @@ OrvActor* OrvArrowLine::copy() const {
 }
 OrvClassInfo* OrvArrowLine::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the line's, then which ends carry a head.
+
+OrvActor* OrvArrowLine::read(OrvIStream& in) {
+    return new OrvArrowLine(in);
+}
+
+void OrvArrowLine::write(OrvOStream& out) const {
+    OrvLine::write(out);
+    out.writeComments("OrvArrowLine class", 1);
+    out << arrows;
+}
+
+OrvArrowLine::OrvArrowLine(OrvIStream& in) : OrvLine(in), arrows(OrvArrowAtEnd) {
+    in >> arrows;
 }
 
 void OrvArrowLine::head(unsigned long atEnd, const Orv2dMatrix* matrix, Orv2dPoint out[3]) const {
@@ -100,4 +135,21 @@ unsigned long OrvArrowLine::contains2d(const Orv2dPoint& point, const Orv2dMatri
         if (OrvPointInPolygon(point, 3, h) != -1) return 1;
     }
     return 0;
+}
+
+unsigned long OrvLine::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvLine& s = (const OrvLine&)source;
+    from = s.from;
+    to = s.to;
+    return 1;
+}
+
+unsigned long OrvArrowLine::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvArrowLine& s = (const OrvArrowLine&)source;
+    from = s.from;
+    to = s.to;
+    arrows = s.arrows;
+    return 1;
 }

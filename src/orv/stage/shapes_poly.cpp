@@ -6,6 +6,7 @@
 #include "orv/canvas.h"
 #include "orv/makeup.h"
 #include "orv/shapes.h"
+#include "orv/stream.h"
 #include "shapes_geometry.h"
 
 ORV_DEFINE_CLASS_INIT(Orv2dPolyline, "OrvActor", Orv2dPolyline::read)
@@ -17,9 +18,9 @@ static Orv2dPoint* copyPoints(unsigned int n, const Orv2dPoint* source) {
     return points;
 }
 
-Orv2dPolyline::Orv2dPolyline(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
-                             OrvMakeUp* makeUp)
-    : OrvActor(director, makeUp), count(count), points(copyPoints(count, points)) {}
+Orv2dPolyline::Orv2dPolyline(OrvDirector* director, unsigned int pointCount,
+                             const Orv2dPoint* vertices, OrvMakeUp* look)
+    : OrvActor(director, look), count(pointCount), points(copyPoints(pointCount, vertices)) {}
 
 Orv2dPolyline::Orv2dPolyline(const Orv2dPolyline& source)
     : OrvActor(source), count(source.count), points(copyPoints(source.count, source.points)) {}
@@ -33,6 +34,42 @@ OrvActor* Orv2dPolyline::copy() const {
 }
 OrvClassInfo* Orv2dPolyline::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the count, then one point a line.
+
+OrvActor* Orv2dPolyline::read(OrvIStream& in) {
+    return new Orv2dPolyline(in);
+}
+
+void Orv2dPolyline::write(OrvOStream& out) const {
+    OrvActor::write(out);
+    out.writeComments("Orv2dPolyline class", 1);
+    out << count;
+    for (unsigned int i = 0; i < count; i++) out << points[i];
+}
+
+Orv2dPolyline::Orv2dPolyline(OrvIStream& in)
+    : OrvActor(in), count(0), points((Orv2dPoint*)malloc(sizeof(Orv2dPoint))) {
+    unsigned int n = 0;
+    in >> n;
+    // The array grows with the points actually read, so a count that the file
+    // cannot back costs nothing.
+    unsigned int capacity = 1;
+    for (unsigned int i = 0; i < n && in.stream; i++) {
+        unsigned long faults = in.faults;
+        Orv2dPoint p;
+        in >> p;
+        if (in.faults != faults || !in.stream) return;
+        if (count == capacity) {
+            Orv2dPoint* grown =
+                (Orv2dPoint*)realloc((void*)points, 2 * capacity * sizeof(Orv2dPoint));
+            if (!grown) return;
+            points = grown;
+            capacity *= 2;
+        }
+        points[count++] = p;
+    }
 }
 
 Orv2dPoint* Orv2dPolyline::mapped(const Orv2dMatrix* matrix) const {
@@ -100,9 +137,9 @@ void Orv2dPolyline::setPoint(unsigned int index, const Orv2dPoint& point) {
     flushDrawing(1);
 }
 
-Orv2dPolygon::Orv2dPolygon(OrvDirector* director, unsigned int count, const Orv2dPoint* points,
-                           unsigned long filled, OrvMakeUp* makeUp)
-    : Orv2dPolyline(director, count, points, makeUp), filled(filled) {}
+Orv2dPolygon::Orv2dPolygon(OrvDirector* director, unsigned int pointCount,
+                           const Orv2dPoint* vertices, unsigned long solid, OrvMakeUp* look)
+    : Orv2dPolyline(director, pointCount, vertices, look), filled(solid) {}
 
 Orv2dPolygon::Orv2dPolygon(const Orv2dPolygon& source)
     : Orv2dPolyline(source), filled(source.filled) {}
@@ -112,6 +149,22 @@ OrvActor* Orv2dPolygon::copy() const {
 }
 OrvClassInfo* Orv2dPolygon::classInfo() const {
     return _classInfo;
+}
+
+// Persistent form: the polyline's, then whether it is filled.
+
+OrvActor* Orv2dPolygon::read(OrvIStream& in) {
+    return new Orv2dPolygon(in);
+}
+
+void Orv2dPolygon::write(OrvOStream& out) const {
+    Orv2dPolyline::write(out);
+    out.writeComments("Orv2dPolygon class", 1);
+    out << filled;
+}
+
+Orv2dPolygon::Orv2dPolygon(OrvIStream& in) : Orv2dPolyline(in), filled(0) {
+    in >> filled;
 }
 
 void Orv2dPolygon::draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
@@ -139,4 +192,15 @@ void Orv2dPolygon::setFilled(unsigned long on) {
     beginDrawing(0);
     filled = on;
     flushDrawing(0);
+}
+
+// A polygon takes a polyline's points too: both hold a count and an array.
+unsigned long Orv2dPolyline::copyGeometry(const OrvActor& source) {
+    if (!source.isSubtypeOf("Orv2dPolyline")) return 0;
+    const Orv2dPolyline& s = (const Orv2dPolyline&)source;
+    Orv2dPoint* next = copyPoints(s.count, s.points);
+    free((void*)points);
+    points = next;
+    count = s.count;
+    return 1;
 }

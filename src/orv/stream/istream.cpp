@@ -1,14 +1,17 @@
 // The reader: header, object table, object blocks and the typed items.
 #include "orv/stream.h"
-#include "orv/actor.h"
+#include "orv/canvas.h"
+#include "orv/director.h"
 #include "orv/makeup.h"
 #include "orv/resource.h"
 
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
+#include "actor_calls.h"
 #include "scan.h"
 
 OrvIStream::OrvIStream(OrvDirector* d, std::istream& in)
@@ -230,13 +233,13 @@ OrvActor* OrvIStream::read() {
     OrvScanChar(stream, c);
     if (c != '}') {
         fault("OrvIStream : bad separator.\n");
-        delete actor;
+        OrvActorCalls.destroy(actor);
         return nullptr;
     }
     // A fault inside the block means the object was not read in full: it is
     // dropped rather than handed over half built.
     if (faults != before || stream.fail()) {
-        delete actor;
+        OrvActorCalls.destroy(actor);
         return nullptr;
     }
     return actor;
@@ -324,6 +327,7 @@ OrvIStream& OrvIStream::operator>>(Orv2dRect& r) {
 OrvIStream& OrvIStream::operator>>(Orv2dPoint& p) {
     return readTyped(*this, "point2d", "OrvIStream : Not a 2dPoint object.", p);
 }
+// "usData", the key of every unsigned short, is kept as it is for file compatibility.
 OrvIStream& OrvIStream::operator>>(unsigned short& v) {
     return readTyped(*this, "usData", "OrvIStream : Bad data.", v);
 }
@@ -408,4 +412,50 @@ void OrvIStream::readPosition(unsigned long& position) {
     }
     unsigned long v = 0;
     if (OrvScanNumber(stream, v)) position = v;
+}
+
+// A bitmap by name: the director's own first, else loaded along the path.
+static OrvBitmap* findBitmap(OrvDirector* director, const char* name) {
+    if (!director) return nullptr;
+    OrvBitmap* found = director->bitmap(name);
+    if (!found) found = director->readBitmap(director->rootCanvas, name);
+    return found;
+}
+
+OrvIStream& OrvIStream::operator>>(OrvBitmap*& bitmap) {
+    char key[1024];
+    nextItem();
+    word(key);
+    if (strcmp(key, "bitmap")) {
+        fault("OrvIStream : Bad bitmap value.\n");
+        return *this;
+    }
+    const char* read = OrvReadString(stream);
+    if (!stream) {
+        fault("OrvIStream : Bad bitmap value.\n");
+        return *this;
+    }
+    // The string buffer is shared: the name is copied before the next read.
+    char* name = (char*)malloc(strlen(read) + 1);
+    strcpy(name, read);
+    nextItem();
+    word(key);
+    const char* maskName = strcmp(key, "mask") ? nullptr : OrvReadString(stream);
+    if (!maskName || !stream) {
+        free(name);
+        fault("OrvIStream : Bad bitmap mask value.\n");
+        return *this;
+    }
+    if (name[0]) {
+        OrvBitmap* found = findBitmap(director, name);
+        if (found) {
+            bitmap = found;
+            if (maskName[0]) {
+                OrvBitmap* mask = findBitmap(director, maskName);
+                if (mask && mask != found) found->setMask(mask);
+            }
+        }
+    }
+    free(name);
+    return *this;
 }

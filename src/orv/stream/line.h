@@ -11,7 +11,7 @@
 
 class _OrvLine_ {
 public:
-    explicit _OrvLine_(std::ostream& out) : out(out), n(0) {}
+    explicit _OrvLine_(std::ostream& stream) : out(stream), n(0) {}
     ~_OrvLine_() { flush(); }
 
     _OrvLine_& add(const char* s) {

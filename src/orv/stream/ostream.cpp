@@ -1,12 +1,13 @@
 // The writer: header, numbering of the objects, object blocks, end lines and
 // the typed items.
 #include "orv/stream.h"
-#include "orv/actor.h"
+#include "orv/canvas.h"
 
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
+#include "actor_calls.h"
 #include "line.h"
 
 static const char* const tabs = "\t\t\t\t\t\t\t\t\t\t";
@@ -68,10 +69,10 @@ static unsigned numberedCapacity = 0;
 static OrvKey* numberKey = nullptr;
 
 static void numberActor(OrvActor* actor, void*) {
-    if (!actor || actor->hasUserProperty(numberKey)) return;
+    if (!actor || OrvActorCalls.hasUserProperty(actor, numberKey)) return;
     // What the actor refers to is numbered first, so that a reader finds every
     // reference already read.
-    actor->mapReferences(numberActor, nullptr);
+    OrvActorCalls.mapReferences(actor, numberActor, nullptr);
     if (numberedCount == numberedCapacity) {
         unsigned capacity = numberedCapacity ? numberedCapacity * 2 : 64;
         OrvActor** grown = (OrvActor**)realloc(numbered, capacity * sizeof(OrvActor*));
@@ -80,7 +81,7 @@ static void numberActor(OrvActor* actor, void*) {
         numberedCapacity = capacity;
     }
     numbered[numberedCount++] = actor;
-    actor->setUserProperty(numberKey, (void*)(uintptr_t)numberedCount);
+    OrvActorCalls.setUserProperty(actor, numberKey, (void*)(uintptr_t)numberedCount);
 }
 
 void OrvOStream::write(unsigned n, const OrvActor* const* actors, unsigned long is2d) {
@@ -94,18 +95,19 @@ void OrvOStream::write(unsigned n, const OrvActor* const* actors, unsigned long 
     for (unsigned i = 0; i < n; i++) numberActor(const_cast<OrvActor*>(actors[i]), nullptr);
     stream << "cardinal = " << n << '\n';
     for (unsigned i = 0; i < numberedCount; i++) write(numbered[i]);
-    for (unsigned i = 0; i < numberedCount; i++) numbered[i]->removeUserProperty(numberKey);
+    for (unsigned i = 0; i < numberedCount; i++)
+        OrvActorCalls.removeUserProperty(numbered[i], numberKey);
     numberedCount = 0;
     clean();
 }
 
 void OrvOStream::write(const OrvActor* actor) {
-    const char* name = actor->className();
+    const char* name = OrvActorCalls.className(actor);
     _OrvLine_(stream).add(indent()).add(name ? name : "").add(' ');
     writeIndex(actor);
     _OrvLine_(stream).add(" {\n");
     indentation++;
-    actor->write(*this);
+    OrvActorCalls.write(actor, *this);
     indentation--;
     _OrvLine_(stream).add(indent()).add("}\n");
 }
@@ -113,7 +115,7 @@ void OrvOStream::write(const OrvActor* actor) {
 void OrvOStream::writeIndex(const OrvActor* actor) {
     uintptr_t number = 0;
     if (actor && numberKey)
-        number = (uintptr_t) const_cast<OrvActor*>(actor)->getUserProperty(numberKey);
+        number = (uintptr_t)OrvActorCalls.getUserProperty(const_cast<OrvActor*>(actor), numberKey);
     _OrvLine_(stream).add(' ').add((unsigned long)number).add(' ');
 }
 
@@ -161,6 +163,8 @@ OrvOStream& OrvOStream::operator<<(const Orv2dPoint& p) {
     start(line, *this, "point2d").add((long)p.x).add(' ').add((long)p.y).add('\n');
     return *this;
 }
+// Every unsigned short, whatever it means, goes under the key "usData": the key is kept as it is
+// for file compatibility.
 OrvOStream& OrvOStream::operator<<(unsigned short v) {
     _OrvLine_ line(stream);
     start(line, *this, "usData").add((unsigned long)v).add('\n');
@@ -237,5 +241,16 @@ OrvOStream& OrvOStream::operator<<(const Orv4dPoint& p) {
 }
 OrvOStream& OrvOStream::operator<<(const Orv3dVolume& v) {
     stream << indent() << "volume3d\t" << v << '\n';
+    return *this;
+}
+
+// The bitmap item: the name and the mask's name, each quoted.
+
+OrvOStream& OrvOStream::operator<<(const OrvBitmap* bitmap) {
+    stream << indent() << "bitmap\t";
+    OrvWriteString(stream, bitmap ? bitmap->name : nullptr);
+    stream << '\n' << indent() << "mask\t";
+    OrvWriteString(stream, bitmap && bitmap->mask ? bitmap->mask->name : nullptr);
+    stream << '\n';
     return *this;
 }

@@ -2,9 +2,13 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "orv/actor.h"
+#include "orv/classinfo.h"
+
+#include "actor_calls.h"
 
 unsigned OrvClassInfo::_counter = 0;
+
+_OrvActorCalls_ OrvActorCalls = {};
 
 static OrvStringHashTable* _types = nullptr;
 
@@ -15,12 +19,14 @@ static char* copyName(const char* s) {
     return copy;
 }
 
-OrvClassInfo::OrvClassInfo(const char* name, const char* parentName, OrvReadFunction readFunction)
-    : name(copyName(name)),
+OrvClassInfo::OrvClassInfo(const char* className, const char* parentClassName,
+                           OrvReadFunction reader)
+    : name(copyName(className)),
       // A parent name of fewer than 3 characters ("" for one) means none, so
       // that isSubtypeOf stops at this class.
-      parentName(parentName && strlen(parentName) >= 3 ? copyName(parentName) : nullptr),
-      readFunction(readFunction), index(_counter++) {}
+      parentName(parentClassName && strlen(parentClassName) >= 3 ? copyName(parentClassName)
+                                                                 : nullptr),
+      readFunction(reader), index(_counter++) {}
 
 OrvClassInfo::~OrvClassInfo() {
     free(name);
