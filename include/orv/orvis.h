@@ -20,5 +20,6 @@
 #include "orv/classinfo.h"
 #include "orv/stream.h"
 #include "orv/engine.h"
+#include "orv/vertex.h"
 
 #endif
