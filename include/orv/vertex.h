@@ -143,4 +143,351 @@ private:
     }
 };
 
+// ---------------------------------------------------------------------------
+// Vertex layouts: one class per combination of arrays
+// ---------------------------------------------------------------------------
+
+// The base of the layouts: every accessor answers 0 or null here, and each
+// class overrides what it has, so that an object holds exactly the shares
+// it uses. Classes are named by letters in a fixed order: I (indexed), P
+// (points, always), C (colours), N (normals), E (edges), T (textures); each
+// derives from the one with its last letter removed, _OrvVertexIP_ from
+// _OrvVertexP_. Each constructor locks the shares it is given and the
+// destructor unlocks them.
+//
+// An indexed layout has one index share of dataNumber blocks of cardinal
+// values, in the order point, colour, normal, edge, texture, leaving out
+// what the layout does not have.
+class _OrvVertexType_ {
+public:
+    _OrvVertexType_() {}
+    _OrvVertexType_& operator=(const _OrvVertexType_&) = delete;
+
+    // Installs a ready index share (indexed layouts); ignored by the others.
+    virtual void setIndex(OrvShare* index);
+    virtual ~_OrvVertexType_() {}
+    // Whether the layout goes through an index.
+    virtual unsigned long isIndexed() const { return 0; }
+    // Arrays in use, points included: the number of blocks of an index.
+    virtual unsigned dataNumber() const { return 0; }
+    // Elements of each array.
+    virtual unsigned pointsCardinal() const { return 0; }
+    virtual unsigned colorsCardinal() const { return 0; }
+    virtual unsigned normalsCardinal() const { return 0; }
+    virtual unsigned edgesCardinal() const { return 0; }
+    virtual unsigned texturesCardinal() const { return 0; }
+    // Vertices: the points, or the values of one index block.
+    virtual unsigned cardinal() const { return 0; }
+    // The arrays; points for 3D points only, points4d for rational ones.
+    virtual const Orv3dPoint* points() const { return nullptr; }
+    virtual const Orv4dPoint* points4d() const { return nullptr; }
+    virtual const OrvRGB* colors() const { return nullptr; }
+    virtual const Orv3dVector* normals() const { return nullptr; }
+    virtual const OrvEdge* edges() const { return nullptr; }
+    virtual const OrvTextureUV* textures() const { return nullptr; }
+    // The whole index, then the start of each block.
+    virtual const unsigned* index() const { return nullptr; }
+    virtual const unsigned* pointsIndex() const { return nullptr; }
+    virtual const unsigned* colorsIndex() const { return nullptr; }
+    virtual const unsigned* normalsIndex() const { return nullptr; }
+    virtual const unsigned* edgesIndex() const { return nullptr; }
+    virtual const unsigned* texturesIndex() const { return nullptr; }
+    // Whether the points are homogeneous (Orv4dPoint).
+    virtual unsigned long isRationalPoint() const { return 0; }
+    // The shares behind the arrays.
+    virtual OrvShare* sharedPoints() const { return nullptr; }
+    virtual OrvShare* sharedPoints4d() const { return nullptr; }
+    virtual OrvShare* sharedColors() const { return nullptr; }
+    virtual OrvShare* sharedNormals() const { return nullptr; }
+    virtual OrvShare* sharedEdges() const { return nullptr; }
+    virtual OrvShare* sharedTextures() const { return nullptr; }
+    virtual OrvShare* sharedIndex() const { return nullptr; }
+    // An object of the same class that locks the same shares.
+    virtual _OrvVertexType_* copy() const = 0;
+
+protected:
+    _OrvVertexType_(const _OrvVertexType_&) {}
+};
+
+// Points of either kind; all arrays of a layout without index are parallel.
+class _OrvVertexP_ : public _OrvVertexType_ {
+public:
+    OrvShare* pointShare;
+
+    explicit _OrvVertexP_(OrvShare* points) : pointShare(points) {
+        if (pointShare) pointShare->lock();
+    }
+    ~_OrvVertexP_() override {
+        if (pointShare) pointShare->unLock();
+    }
+    unsigned dataNumber() const override { return 1; }
+    unsigned pointsCardinal() const override { return pointShare ? pointShare->cardinal : 0; }
+    unsigned cardinal() const override { return pointsCardinal(); }
+    const Orv3dPoint* points() const override {
+        return pointShare ? pointShare->points() : nullptr;
+    }
+    const Orv4dPoint* points4d() const override {
+        return pointShare ? pointShare->points4d() : nullptr;
+    }
+    unsigned long isRationalPoint() const override {
+        return pointShare && pointShare->kind == OrvShare4dPoints;
+    }
+    OrvShare* sharedPoints() const override { return isRationalPoint() ? nullptr : pointShare; }
+    OrvShare* sharedPoints4d() const override { return isRationalPoint() ? pointShare : nullptr; }
+    _OrvVertexType_* copy() const override { return new _OrvVertexP_(*this); }
+
+protected:
+    _OrvVertexP_(const _OrvVertexP_& source)
+        : _OrvVertexType_(source), pointShare(source.pointShare) {
+        if (pointShare) pointShare->lock();
+    }
+};
+
+// Points through an index share, which may be missing until setIndex.
+class _OrvVertexIP_ : public _OrvVertexP_ {
+public:
+    OrvShare* indexShare;
+
+    _OrvVertexIP_(OrvShare* points, OrvShare* index) : _OrvVertexP_(points), indexShare(index) {
+        if (indexShare) indexShare->lock();
+    }
+    ~_OrvVertexIP_() override {
+        if (indexShare) indexShare->unLock();
+    }
+    void setIndex(OrvShare* index) override;
+    // Builds an owned index share from one array per block and installs it;
+    // a count of 0 without point index removes the index.
+    void setIndex(unsigned long readOnly, unsigned count, const unsigned* points,
+                  const unsigned* colors, const unsigned* normals, const unsigned* edges,
+                  const unsigned* textures);
+    unsigned long isIndexed() const override { return 1; }
+    unsigned cardinal() const override;
+    const unsigned* index() const override { return indexShare ? indexShare->index() : nullptr; }
+    const unsigned* pointsIndex() const override { return index(); }
+    const unsigned* colorsIndex() const override;
+    const unsigned* normalsIndex() const override;
+    const unsigned* edgesIndex() const override;
+    const unsigned* texturesIndex() const override;
+    OrvShare* sharedIndex() const override { return indexShare; }
+    _OrvVertexType_* copy() const override { return new _OrvVertexIP_(*this); }
+
+protected:
+    _OrvVertexIP_(const _OrvVertexIP_& source)
+        : _OrvVertexP_(source), indexShare(source.indexShare) {
+        if (indexShare) indexShare->lock();
+    }
+    // The block of the attribute at that place in the fixed order, or null.
+    const unsigned* block(unsigned place) const;
+};
+
+// One layout class: the base plus one share of an attribute. Params is the
+// parameter list in letter order (index last), BaseArgs what the base takes.
+#define ORV_VERTEX_LAYOUT(Name, Base, Params, BaseArgs, arg, field, Type, accessor, shared, count) \
+    class Name : public Base {                                                                     \
+    public:                                                                                        \
+        OrvShare* field;                                                                           \
+        Name Params : Base BaseArgs, field(arg) {                                                  \
+            if (field) field->lock();                                                              \
+        }                                                                                          \
+        ~Name() override {                                                                         \
+            if (field) field->unLock();                                                            \
+        }                                                                                          \
+        unsigned dataNumber() const override { return Base::dataNumber() + 1; }                    \
+        unsigned count() const override { return field ? field->cardinal : 0; }                    \
+        const Type* accessor() const override { return field ? field->accessor() : nullptr; }      \
+        OrvShare* shared() const override { return field; }                                        \
+        _OrvVertexType_* copy() const override { return new Name(*this); }                         \
+                                                                                                   \
+    protected:                                                                                     \
+        Name(const Name& source) : Base(source), field(source.field) {                             \
+            if (field) field->lock();                                                              \
+        }                                                                                          \
+    };
+
+#define ORV_VERTEX_C(Name, Base, Params, BaseArgs)                                                 \
+    ORV_VERTEX_LAYOUT(Name, Base, Params, BaseArgs, c, colorShare, OrvRGB, colors, sharedColors,   \
+                      colorsCardinal)
+#define ORV_VERTEX_N(Name, Base, Params, BaseArgs)                                                 \
+    ORV_VERTEX_LAYOUT(Name, Base, Params, BaseArgs, n, normalShare, Orv3dVector, normals,          \
+                      sharedNormals, normalsCardinal)
+#define ORV_VERTEX_E(Name, Base, Params, BaseArgs)                                                 \
+    ORV_VERTEX_LAYOUT(Name, Base, Params, BaseArgs, e, edgeShare, OrvEdge, edges, sharedEdges,     \
+                      edgesCardinal)
+#define ORV_VERTEX_T(Name, Base, Params, BaseArgs)                                                 \
+    ORV_VERTEX_LAYOUT(Name, Base, Params, BaseArgs, t, textureShare, OrvTextureUV, textures,       \
+                      sharedTextures, texturesCardinal)
+
+// Shares in letter order: p points, c colours, n normals, e edges,
+// t textures, and i the index last for the indexed layouts.
+ORV_VERTEX_C(_OrvVertexPC_, _OrvVertexP_, (OrvShare * p, OrvShare* c), (p))
+ORV_VERTEX_N(_OrvVertexPN_, _OrvVertexP_, (OrvShare * p, OrvShare* n), (p))
+ORV_VERTEX_E(_OrvVertexPE_, _OrvVertexP_, (OrvShare * p, OrvShare* e), (p))
+ORV_VERTEX_T(_OrvVertexPT_, _OrvVertexP_, (OrvShare * p, OrvShare* t), (p))
+ORV_VERTEX_N(_OrvVertexPCN_, _OrvVertexPC_, (OrvShare * p, OrvShare* c, OrvShare* n), (p, c))
+ORV_VERTEX_E(_OrvVertexPCE_, _OrvVertexPC_, (OrvShare * p, OrvShare* c, OrvShare* e), (p, c))
+ORV_VERTEX_T(_OrvVertexPCT_, _OrvVertexPC_, (OrvShare * p, OrvShare* c, OrvShare* t), (p, c))
+ORV_VERTEX_E(_OrvVertexPNE_, _OrvVertexPN_, (OrvShare * p, OrvShare* n, OrvShare* e), (p, n))
+ORV_VERTEX_T(_OrvVertexPNT_, _OrvVertexPN_, (OrvShare * p, OrvShare* n, OrvShare* t), (p, n))
+ORV_VERTEX_T(_OrvVertexPET_, _OrvVertexPE_, (OrvShare * p, OrvShare* e, OrvShare* t), (p, e))
+ORV_VERTEX_E(_OrvVertexPCNE_, _OrvVertexPCN_, (OrvShare * p, OrvShare* c, OrvShare* n, OrvShare* e),
+             (p, c, n))
+ORV_VERTEX_T(_OrvVertexPCNT_, _OrvVertexPCN_, (OrvShare * p, OrvShare* c, OrvShare* n, OrvShare* t),
+             (p, c, n))
+ORV_VERTEX_T(_OrvVertexPCET_, _OrvVertexPCE_, (OrvShare * p, OrvShare* c, OrvShare* e, OrvShare* t),
+             (p, c, e))
+ORV_VERTEX_T(_OrvVertexPNET_, _OrvVertexPNE_, (OrvShare * p, OrvShare* n, OrvShare* e, OrvShare* t),
+             (p, n, e))
+ORV_VERTEX_T(_OrvVertexPCNET_, _OrvVertexPCNE_,
+             (OrvShare * p, OrvShare* c, OrvShare* n, OrvShare* e, OrvShare* t), (p, c, n, e))
+
+ORV_VERTEX_C(_OrvVertexIPC_, _OrvVertexIP_, (OrvShare * p, OrvShare* c, OrvShare* i), (p, i))
+ORV_VERTEX_N(_OrvVertexIPN_, _OrvVertexIP_, (OrvShare * p, OrvShare* n, OrvShare* i), (p, i))
+ORV_VERTEX_E(_OrvVertexIPE_, _OrvVertexIP_, (OrvShare * p, OrvShare* e, OrvShare* i), (p, i))
+ORV_VERTEX_T(_OrvVertexIPT_, _OrvVertexIP_, (OrvShare * p, OrvShare* t, OrvShare* i), (p, i))
+ORV_VERTEX_N(_OrvVertexIPCN_, _OrvVertexIPC_, (OrvShare * p, OrvShare* c, OrvShare* n, OrvShare* i),
+             (p, c, i))
+ORV_VERTEX_E(_OrvVertexIPCE_, _OrvVertexIPC_, (OrvShare * p, OrvShare* c, OrvShare* e, OrvShare* i),
+             (p, c, i))
+ORV_VERTEX_T(_OrvVertexIPCT_, _OrvVertexIPC_, (OrvShare * p, OrvShare* c, OrvShare* t, OrvShare* i),
+             (p, c, i))
+ORV_VERTEX_E(_OrvVertexIPNE_, _OrvVertexIPN_, (OrvShare * p, OrvShare* n, OrvShare* e, OrvShare* i),
+             (p, n, i))
+ORV_VERTEX_T(_OrvVertexIPNT_, _OrvVertexIPN_, (OrvShare * p, OrvShare* n, OrvShare* t, OrvShare* i),
+             (p, n, i))
+ORV_VERTEX_T(_OrvVertexIPET_, _OrvVertexIPE_, (OrvShare * p, OrvShare* e, OrvShare* t, OrvShare* i),
+             (p, e, i))
+ORV_VERTEX_E(_OrvVertexIPCNE_, _OrvVertexIPCN_,
+             (OrvShare * p, OrvShare* c, OrvShare* n, OrvShare* e, OrvShare* i), (p, c, n, i))
+ORV_VERTEX_T(_OrvVertexIPCNT_, _OrvVertexIPCN_,
+             (OrvShare * p, OrvShare* c, OrvShare* n, OrvShare* t, OrvShare* i), (p, c, n, i))
+ORV_VERTEX_T(_OrvVertexIPCET_, _OrvVertexIPCE_,
+             (OrvShare * p, OrvShare* c, OrvShare* e, OrvShare* t, OrvShare* i), (p, c, e, i))
+ORV_VERTEX_T(_OrvVertexIPNET_, _OrvVertexIPNE_,
+             (OrvShare * p, OrvShare* n, OrvShare* e, OrvShare* t, OrvShare* i), (p, n, e, i))
+ORV_VERTEX_T(_OrvVertexIPCNET_, _OrvVertexIPCNE_,
+             (OrvShare * p, OrvShare* c, OrvShare* n, OrvShare* e, OrvShare* t, OrvShare* i),
+             (p, c, n, e, i))
+
+#undef ORV_VERTEX_C
+#undef ORV_VERTEX_N
+#undef ORV_VERTEX_E
+#undef ORV_VERTEX_T
+#undef ORV_VERTEX_LAYOUT
+
+// ---------------------------------------------------------------------------
+// Vertex data
+// ---------------------------------------------------------------------------
+
+// The base of every object with vertices. It holds one layout, chosen by
+// the arrays in use, or none until a create call.
+class OrvVertexData {
+public:
+    _OrvVertexType_* vertex;  // may be null
+
+    OrvVertexData();
+    // Shares the arrays: the layout is copied, never the arrays.
+    OrvVertexData(const OrvVertexData& source);
+    OrvVertexData& operator=(const OrvVertexData&) = delete;
+    // Deletes the layout, which lets go of its shares.
+    virtual ~OrvVertexData();
+    // The layout and the size of each array, on the standard output.
+    virtual void print() const;
+    // The name of the class, for messages and printing.
+    virtual const char* className() const;
+    // The volume of the points.
+    virtual Orv3dVolume bbox3d() const;
+    // Brings a cached volume up to date; the base caches nothing.
+    virtual void computeBBox();
+
+    // A new layout of the same class on the same shares, or null.
+    _OrvVertexType_* copyVertex() const { return vertex ? vertex->copy() : nullptr; }
+
+    // The layout's answers; 0 or null without a layout.
+    unsigned vertexCardinal() const { return vertex ? vertex->cardinal() : 0; }
+    unsigned vertexPointsCardinal() const { return vertex ? vertex->pointsCardinal() : 0; }
+    unsigned vertexColorsCardinal() const { return vertex ? vertex->colorsCardinal() : 0; }
+    unsigned vertexNormalsCardinal() const { return vertex ? vertex->normalsCardinal() : 0; }
+    unsigned vertexEdgesCardinal() const { return vertex ? vertex->edgesCardinal() : 0; }
+    unsigned vertexTexturesCardinal() const { return vertex ? vertex->texturesCardinal() : 0; }
+    const Orv3dPoint* vertexPoints() const { return vertex ? vertex->points() : nullptr; }
+    const Orv4dPoint* vertexPoints4d() const { return vertex ? vertex->points4d() : nullptr; }
+    const OrvRGB* vertexColors() const { return vertex ? vertex->colors() : nullptr; }
+    const Orv3dVector* vertexNormals() const { return vertex ? vertex->normals() : nullptr; }
+    const OrvEdge* vertexEdges() const { return vertex ? vertex->edges() : nullptr; }
+    const OrvTextureUV* vertexTextures() const { return vertex ? vertex->textures() : nullptr; }
+    OrvShare* vertexSharedPoints() const { return vertex ? vertex->sharedPoints() : nullptr; }
+    OrvShare* vertexSharedPoints4d() const { return vertex ? vertex->sharedPoints4d() : nullptr; }
+    OrvShare* vertexSharedColors() const { return vertex ? vertex->sharedColors() : nullptr; }
+    OrvShare* vertexSharedNormals() const { return vertex ? vertex->sharedNormals() : nullptr; }
+    OrvShare* vertexSharedEdges() const { return vertex ? vertex->sharedEdges() : nullptr; }
+    OrvShare* vertexSharedTextures() const { return vertex ? vertex->sharedTextures() : nullptr; }
+    const unsigned* vertexPointsIndex() const { return vertex ? vertex->pointsIndex() : nullptr; }
+    const unsigned* vertexColorsIndex() const { return vertex ? vertex->colorsIndex() : nullptr; }
+    const unsigned* vertexNormalsIndex() const { return vertex ? vertex->normalsIndex() : nullptr; }
+    const unsigned* vertexEdgesIndex() const { return vertex ? vertex->edgesIndex() : nullptr; }
+    const unsigned* vertexTexturesIndex() const {
+        return vertex ? vertex->texturesIndex() : nullptr;
+    }
+    const unsigned* vertexIndex() const { return vertex ? vertex->index() : nullptr; }
+    OrvShare* vertexSharedIndex() const { return vertex ? vertex->sharedIndex() : nullptr; }
+    unsigned long isIndexed() const { return vertex ? vertex->isIndexed() : 0; }
+    unsigned long isRationalPoint() const { return vertex ? vertex->isRationalPoint() : 0; }
+    unsigned dataNumber() const { return vertex ? vertex->dataNumber() : 0; }
+    // The points share of either kind.
+    OrvShare* vertexSharedAnyPoints() const {
+        return vertex
+                   ? (vertex->isRationalPoint() ? vertex->sharedPoints4d() : vertex->sharedPoints())
+                   : nullptr;
+    }
+
+    // The i-th vertex, through the index when there is one; 0 when i is at
+    // or past vertexCardinal, or when the index points past the points.
+    unsigned long point(unsigned i, Orv3dPoint& result) const;
+    unsigned long point(unsigned i, Orv4dPoint& result) const;
+    // The place of the i-th vertex in the points array.
+    unsigned long point(unsigned i, unsigned& result) const;
+
+    // Replace the layout by the one for the arrays given (null for absent
+    // ones) and lock them; the old layout goes. Without points, or with a
+    // share of the wrong kind, a message and the layout stays.
+    void createNonIndexedVertex(OrvShare* points, OrvShare* colors, OrvShare* normals,
+                                OrvShare* textures, OrvShare* edges);
+    void createIndexedVertex(OrvShare* points, OrvShare* colors, OrvShare* normals,
+                             OrvShare* textures, OrvShare* edges);
+    // Builds the index from one array per block (see _OrvVertexIP_::setIndex).
+    void setVertexIndex(unsigned long readOnly, unsigned count, const unsigned* points,
+                        const unsigned* colors, const unsigned* normals, const unsigned* edges,
+                        const unsigned* textures);
+    void setVertexIndex(OrvShare* index);
+    void cleanIndex();
+    // 0 without a layout; an indexed layout also needs its index.
+    unsigned long checkValidity() const;
+    // Whether every index value lies inside its array.
+    unsigned long checkIndex() const;
+
+    // Normal arithmetic on raw arrays: exactly one of points and points4d is
+    // given, and index, when given, maps vertex numbers to points.
+    // Newell's normal; 1 when it could be normalised, 0 otherwise (with the
+    // sum left as it is).
+    static unsigned long computeNormal(unsigned count, const Orv3dPoint* points,
+                                       const Orv4dPoint* points4d, const unsigned* index,
+                                       Orv3dVector& result);
+    // One normal a triangle of a strip, or of a fan when fan is not 0, all
+    // facing one way; returns the number written.
+    static unsigned computeTriangleNormals(unsigned count, const Orv3dPoint* points,
+                                           const Orv4dPoint* points4d, const unsigned* index,
+                                           unsigned normalCount, Orv3dVector* normals,
+                                           unsigned long fan);
+    // One normal a cell of a grid of (columns + 1) * (rows + 1) vertices,
+    // row after row; returns the number written.
+    static unsigned computeQuadrilateralMeshNormals(unsigned columns, unsigned rows,
+                                                    const Orv3dPoint* points,
+                                                    const Orv4dPoint* points4d,
+                                                    const unsigned* index, unsigned normalCount,
+                                                    Orv3dVector* normals);
+    // Whether the turns round the polygon all go one way.
+    static unsigned long isConvex(unsigned count, const Orv3dPoint* points,
+                                  const Orv4dPoint* points4d, const unsigned* index);
+};
+
 #endif
