@@ -490,4 +490,208 @@ public:
                                   const Orv4dPoint* points4d, const unsigned* index);
 };
 
+// ---------------------------------------------------------------------------
+// Polygons
+// ---------------------------------------------------------------------------
+
+// One face with a cached bounding volume.
+class OrvPolygon : public OrvVertexData {
+public:
+    Orv3dVolume bbox;
+
+    OrvPolygon();
+    // Shares the arrays through copyVertex.
+    OrvPolygon(const OrvPolygon& source);
+    ~OrvPolygon() override {}
+
+    const char* className() const override;
+    Orv3dVolume bbox3d() const override { return bbox; }
+    void computeBBox() override;
+    // A new object of the same class sharing the arrays.
+    virtual OrvPolygon* copy() const;
+
+    // Installs arrays without (or with) an index; points must be 3D or 4D
+    // points, and without index each other array must reach as far as the
+    // points. 1 done, 0 after the message.
+    unsigned long setNonIndexed(OrvShare* points, OrvShare* colors, OrvShare* normals,
+                                OrvShare* textures, OrvShare* edges);
+    unsigned long setIndexed(OrvShare* points, OrvShare* colors, OrvShare* normals,
+                             OrvShare* textures, OrvShare* edges);
+    // The index of an indexed polygon, one array per block.
+    unsigned long setIndex(unsigned long readOnly, unsigned count, const unsigned* points,
+                           const unsigned* colors, const unsigned* normals, const unsigned* edges,
+                           const unsigned* textures);
+    unsigned long setIndex(OrvShare* index);
+    // For hand-written tables: count vertices, each given as its point index
+    // followed by its colour, normal, texture and edge index for the arrays
+    // that exist (in that order), all as unsigned values. Beware that seven
+    // arguments all written 0 choose the form above.
+    unsigned long setIndex(unsigned long readOnly, unsigned count, ...);
+
+    // Newell's normal of the polygon's own vertices.
+    virtual unsigned long computeNormal(Orv3dVector& result) const;
+    // Uniform access to the vertices of the faces of any of the surface
+    // classes: the vertices of a face, and the nth of them, whose vertex
+    // number is returned (-1 after a message).
+    virtual unsigned subFaceVertexCardinal(unsigned face) const;
+    virtual long subFaceVertex(Orv3dPoint& result, unsigned face, unsigned nth) const;
+    virtual long subFaceVertex(Orv4dPoint& result, unsigned face, unsigned nth) const;
+    // Moves vertex i, and recolours it when a colour is given and the colours
+    // are writable; 0 when i is out of range or the points are read only.
+    // The other attributes are not changed, which is said on every success.
+    unsigned long changePoint(unsigned i, const Orv3dPoint& point, const OrvRGB* color,
+                              const Orv3dVector* normal, const OrvTextureUV* texture,
+                              const OrvEdge* edge);
+    unsigned long changePoint(unsigned i, const Orv4dPoint& point, const OrvRGB* color,
+                              const Orv3dVector* normal, const OrvTextureUV* texture,
+                              const OrvEdge* edge);
+    // Texture coordinates from the position in a box (the polygon's own box
+    // by default): s along its longest side, t along the next in proportion.
+    // Nothing happens without points or when there are textures already.
+    virtual void computeVerticeTextures(const Orv3dVolume* box = nullptr);
+
+protected:
+    // The number of the nth vertex of a face, or -1 after the message.
+    virtual long faceVertex(unsigned face, unsigned nth) const;
+};
+
+// ---------------------------------------------------------------------------
+// Series: a vertex set and a rule that makes faces of it
+// ---------------------------------------------------------------------------
+
+enum OrvSeriesType {
+    OrvQuadMesh = 0,      // data1 rows, data2 columns; (rows + 1) * (columns + 1) vertices
+    OrvTriStrip = 1,      // one strip
+    OrvRowsTriStrip = 2,  // data2 strips of equal length, one after the other
+    OrvTriFan = 3,        // one fan round the first vertex
+    OrvFaces = 4          // faces of data1 vertices each
+};
+
+// Face numbering follows the drawn primitive. QuadMesh face r * columns + c
+// has, with a = r * (columns + 1) + c, the vertices a, a + 1, a + columns + 2,
+// a + columns + 1. TriStrip face i has i, i + 1, i + 2 for even i and i + 1,
+// i, i + 2 for odd i; RowsTriStrip the same within each row, rows one after
+// the other. TriFan face i has 0, i + 1, i + 2. Faces face i has i * data1 to
+// i * data1 + data1 - 1.
+class OrvSeries : public OrvPolygon {
+public:
+    OrvSeriesType kind;
+    unsigned data1, data2;
+    OrvShare* faceNormals;  // one normal a face, locked; may be null
+
+    OrvSeries(OrvSeriesType kind, unsigned data1, unsigned data2);
+    OrvSeries(const OrvSeries& source);
+    ~OrvSeries() override;
+
+    const char* className() const override;
+    OrvPolygon* copy() const override;
+
+    // Locks a share of face normals in place of the old one.
+    void normals(OrvShare* faceNormals);
+    unsigned vertexPerFace() const;
+    unsigned faceCardinal() const;
+    // data1 for a QuadMesh, data2 for RowsTriStrip, else 0.
+    unsigned rows() const;
+    unsigned columns() const { return data2; }
+    unsigned long isQuadrilateral() const { return vertexPerFace() == 4; }
+    unsigned long isTriangle() const { return vertexPerFace() == 3; }
+    // The vertices of strip i.
+    virtual unsigned vertexInTriangleStrip(unsigned i) const;
+
+    unsigned subFaceVertexCardinal(unsigned face) const override;
+    // One normal a face, from the kind's own rule, into an owned share.
+    virtual unsigned long computeFacesNormals();
+    // Smooth vertex normals: at each vertex the average of the normals of
+    // the faces round its point that lie within creaseAngle degrees of its
+    // face. Kinds 0 to 3 get one normal a vertex; Faces get a table of
+    // distinct normals through the index.
+    virtual unsigned long computeVerticeNormals(const double creaseAngle);
+
+protected:
+    long faceVertex(unsigned face, unsigned nth) const override;
+    // The first vertex of strip i.
+    unsigned stripStart(unsigned i) const;
+};
+
+// Strips of uneven length: kind RowsTriStrip with one length a strip.
+class OrvTriangleStripSet : public OrvSeries {
+public:
+    OrvShare* stripLengths;  // unsigned values, locked
+
+    explicit OrvTriangleStripSet(OrvShare* lengths);
+    OrvTriangleStripSet(const OrvTriangleStripSet& source);
+    ~OrvTriangleStripSet() override;
+
+    const char* className() const override;
+    OrvPolygon* copy() const override;
+    unsigned vertexInTriangleStrip(unsigned i) const override;
+};
+
+// ---------------------------------------------------------------------------
+// Faces and face sets
+// ---------------------------------------------------------------------------
+
+// A polygon with a colour and a normal of its own.
+class OrvFace : public OrvPolygon {
+public:
+    Orv3dVector* normal_;  // owned; null when unset
+    OrvRGB* color_;        // owned; null when unset
+
+    OrvFace();
+    OrvFace(const OrvFace& source);
+    ~OrvFace() override;
+
+    const char* className() const override;
+    OrvPolygon* copy() const override;
+
+    // Copies the value in, or with null forgets it.
+    void color(const OrvRGB* color);
+    void normal(const Orv3dVector* normal);
+    const OrvRGB* color() const { return color_; }
+    const Orv3dVector* normal() const { return normal_; }
+    // Computes the polygon's normal and keeps it.
+    unsigned long computeNormal();
+    // The kept normal; 0 when there is none.
+    unsigned long computeNormal(Orv3dVector& result) const override;
+};
+
+// A list of faces that usually share their arrays.
+class OrvFaceSet {
+public:
+    OrvList faces;  // OrvFace*, owned
+    Orv3dVolume bbox;
+
+    // count faces follow, each an OrvFace* that the set takes.
+    OrvFaceSet(unsigned count, ...);
+    // Copies the faces, which share their arrays with the originals.
+    OrvFaceSet(const OrvFaceSet& source);
+    OrvFaceSet& operator=(const OrvFaceSet&) = delete;
+    virtual ~OrvFaceSet();
+
+    // The name of the class.
+    virtual const char* className() const;
+    // A new set sharing the arrays.
+    virtual OrvFaceSet* copy() const;
+    Orv3dVolume bbox3d() const { return bbox; }
+    // The volume of all faces again, after their points moved.
+    void computeBBox();
+
+    // Take the face, at the front or at the end.
+    void insert(OrvFace* face);
+    void add(OrvFace* face);
+    unsigned faceCardinal() const { return faces.length(); }
+
+    // Each face's own normal.
+    unsigned long computeFacesNormals();
+    // Smooth vertex normals by crease angle over faces that share points;
+    // every face becomes indexed into one table of distinct normals.
+    unsigned long computeVerticeNormals(const double creaseAngle);
+    // Texture coordinates from one box for all faces (the set's by default),
+    // so that the texture runs on from face to face.
+    void computeVerticeTextures(const Orv3dVolume* box = nullptr);
+};
+
+// OrvSetOptimizeMode and OrvGetOptimizeMode, the flag for applications that
+// nothing here reads, stand in orv/layer.h.
+
 #endif
