@@ -488,6 +488,43 @@ public:
     // Whether the turns round the polygon all go one way.
     static unsigned long isConvex(unsigned count, const Orv3dPoint* points,
                                   const Orv4dPoint* points4d, const unsigned* index);
+
+    // The saved form: "indexed", with an index "indexCardinal", "rational",
+    // the cardinal of each array with its read-only flag, the arrays, and
+    // the index blocks. An array or index that the stream has written before
+    // is written by number. 1 written, 0 after the message.
+    unsigned long writeNonIndexed(OrvOStream& out) const;
+    unsigned long writeIndexed(OrvOStream& out) const;
+    // The arrays: key, number, and a bracketed list of one element a line;
+    // a share written before is the key, ".USE" and its number.
+    static void writePoints(OrvOStream& out, const OrvShare* share);
+    static void writePoints4d(OrvOStream& out, const OrvShare* share);
+    static void writeColors(OrvOStream& out, const OrvShare* share);
+    static void writeNormals(OrvOStream& out, const OrvShare* share);
+    static void writeTextures(OrvOStream& out, const OrvShare* share);
+    static void writeEdges(OrvOStream& out, const OrvShare* share);
+    // The index blocks under "pointIndex", "colorIndex", "normalIndex",
+    // "textureIndex", "edgeIndex", ten values a line.
+    static void writeIndex(OrvOStream& out, const OrvVertexData* data);
+    // Each reads its key and an array of count elements, or a ".USE" of an
+    // earlier one; the share is the stream's until someone locks it. Null
+    // after the message.
+    static OrvShare* readPoints(OrvIStream& in, unsigned count, unsigned long readOnly);
+    static OrvShare* readPoints4d(OrvIStream& in, unsigned count, unsigned long readOnly);
+    static OrvShare* readColors(OrvIStream& in, unsigned count, unsigned long readOnly);
+    static OrvShare* readNormals(OrvIStream& in, unsigned count, unsigned long readOnly);
+    static OrvShare* readTextures(OrvIStream& in, unsigned count, unsigned long readOnly);
+    static OrvShare* readEdges(OrvIStream& in, unsigned count, unsigned long readOnly);
+    // All index blocks, count values in all; the blocks present are told by
+    // their keys and the length of the first.
+    static OrvShare* readIndex(OrvIStream& in, unsigned count, unsigned long readOnly);
+
+protected:
+    // Reads what writeNonIndexed or writeIndexed wrote and makes the layout;
+    // 0 after the message, with no layout.
+    unsigned long readVertex(OrvIStream& in);
+    // Whichever of the two writers fits.
+    unsigned long writeVertex(OrvOStream& out) const;
 };
 
 // ---------------------------------------------------------------------------
@@ -502,6 +539,9 @@ public:
     OrvPolygon();
     // Shares the arrays through copyVertex.
     OrvPolygon(const OrvPolygon& source);
+    // Reads a "polygon" block, or a ".USE" of an earlier one, whose arrays
+    // it then shares. A failure leaves no layout.
+    explicit OrvPolygon(OrvIStream& in);
     ~OrvPolygon() override {}
 
     const char* className() const override;
@@ -509,6 +549,11 @@ public:
     void computeBBox() override;
     // A new object of the same class sharing the arrays.
     virtual OrvPolygon* copy() const;
+    // The saved form: "polygon" and the vertex data in braces, or, for a
+    // polygon with the same arrays as one written before, a ".USE" of it.
+    virtual void write(OrvOStream& out) const;
+    // A new polygon, or null after the message.
+    static OrvPolygon* read(OrvIStream& in);
 
     // Installs arrays without (or with) an index; points must be 3D or 4D
     // points, and without index each other array must reach as far as the
@@ -581,10 +626,16 @@ public:
 
     OrvSeries(OrvSeriesType kind, unsigned data1, unsigned data2);
     OrvSeries(const OrvSeries& source);
+    // Reads a "series" block; a failure leaves no layout.
+    explicit OrvSeries(OrvIStream& in);
     ~OrvSeries() override;
 
     const char* className() const override;
     OrvPolygon* copy() const override;
+    // The saved form: the kind, data1, data2, the vertex data and the face
+    // normals, in braces under "series".
+    void write(OrvOStream& out) const override;
+    static OrvSeries* read(OrvIStream& in);
 
     // Locks a share of face normals in place of the old one.
     void normals(OrvShare* faceNormals);
@@ -620,10 +671,14 @@ public:
 
     explicit OrvTriangleStripSet(OrvShare* lengths);
     OrvTriangleStripSet(const OrvTriangleStripSet& source);
+    explicit OrvTriangleStripSet(OrvIStream& in);
     ~OrvTriangleStripSet() override;
 
     const char* className() const override;
     OrvPolygon* copy() const override;
+    // "triangleStripSet", the series, then the lengths as a shared array.
+    void write(OrvOStream& out) const override;
+    static OrvTriangleStripSet* read(OrvIStream& in);
     unsigned vertexInTriangleStrip(unsigned i) const override;
 };
 
@@ -639,10 +694,15 @@ public:
 
     OrvFace();
     OrvFace(const OrvFace& source);
+    // Reads a "face" block; a failure leaves no layout.
+    explicit OrvFace(OrvIStream& in);
     ~OrvFace() override;
 
     const char* className() const override;
     OrvPolygon* copy() const override;
+    // "face", and in braces the vertex data, "faceColor" and "faceNormal".
+    void write(OrvOStream& out) const override;
+    static OrvFace* read(OrvIStream& in);
 
     // Copies the value in, or with null forgets it.
     void color(const OrvRGB* color);
@@ -665,6 +725,8 @@ public:
     OrvFaceSet(unsigned count, ...);
     // Copies the faces, which share their arrays with the originals.
     OrvFaceSet(const OrvFaceSet& source);
+    // Reads a "faceSet" block; a failure leaves no faces.
+    explicit OrvFaceSet(OrvIStream& in);
     OrvFaceSet& operator=(const OrvFaceSet&) = delete;
     virtual ~OrvFaceSet();
 
@@ -672,6 +734,16 @@ public:
     virtual const char* className() const;
     // A new set sharing the arrays.
     virtual OrvFaceSet* copy() const;
+    // "faceSet" and in braces either the compact form, when all faces are
+    // indexed into the same arrays, or each face in full.
+    virtual void write(OrvOStream& out) const;
+    // A new set, or null after the message.
+    static OrvFaceSet* read(OrvIStream& in);
+    // Writes the compact form and returns 1 when the faces allow it; 0 and
+    // nothing written otherwise.
+    unsigned long writeOptimizeIndex(OrvOStream& out) const;
+    // "faceCardinal", "optimized" and, when optimized, "indexCardinal".
+    void writeData(OrvOStream& out, unsigned long optimized) const;
     Orv3dVolume bbox3d() const { return bbox; }
     // The volume of all faces again, after their points moved.
     void computeBBox();

@@ -3,9 +3,14 @@
 #include "orv/vertex.h"
 
 #include <cstdarg>
+#include <cstdlib>
+#include <cstring>
 #include <vector>
 
+#include "../stream/line.h"
+#include "../stream/scan.h"
 #include "crease.h"
+#include "vertex_io.h"
 
 // ---------------------------------------------------------------------------
 // Polygon
@@ -21,6 +26,62 @@ const char* OrvPolygon::className() const {
 
 OrvPolygon* OrvPolygon::copy() const {
     return new OrvPolygon(*this);
+}
+
+OrvPolygon::OrvPolygon(OrvIStream& in) : bbox() {
+    char word[1024];
+    if (!_OrvReadKey_(in, "polygon", "OrvPolygon : OrvIStream : Bad key (%s %s).\n")) return;
+    in.word(word);
+    if (!strcmp(word, ".USE")) {
+        // The arrays of a polygon read before, shared.
+        unsigned number = 0;
+        OrvPolygon* known = nullptr;
+        if (OrvScanNumber(in.stream, number)) known = in.findPolygon(number, nullptr);
+        if (!known) {
+            in.fault("OrvPolygon::OrvPolygon : Can't find points array.\n");
+            return;
+        }
+        vertex = known->copyVertex();
+        bbox = known->bbox;
+        return;
+    }
+    if (strcmp(word, "{")) {
+        in.fault("OrvPolygon::OrvPolygon : Bad begin separator.\n");
+        return;
+    }
+    // Blocks in full are numbered by their place, as the writer numbered them.
+    unsigned number = ++in.polygonCounter;
+    unsigned long before = in.faults;
+    if (!readVertex(in)) return;
+    if (!_OrvReadClosing_(in)) {
+        in.fault("OrvPolygon::OrvPolygon : Bad end separator.\n");
+        delete vertex;
+        vertex = nullptr;
+        return;
+    }
+    computeBBox();
+    if (in.faults == before) in.findPolygon(number, copy());
+}
+
+void OrvPolygon::write(OrvOStream& out) const {
+    unsigned number;
+    if (out.similarVertex(number, this)) {
+        _OrvLine_(out.stream)
+            .add(out.indent())
+            .add("polygon\t.USE ")
+            .add((unsigned long)number)
+            .add('\n');
+        return;
+    }
+    _OrvLine_(out.stream).add(out.indent()).add("polygon {\n");
+    out.indentation++;
+    writeVertex(out);
+    out.indentation--;
+    _OrvLine_(out.stream).add(out.indent()).add("}\n");
+}
+
+OrvPolygon* OrvPolygon::read(OrvIStream& in) {
+    return _OrvReadOrNull_<OrvPolygon>(in);
 }
 
 void OrvPolygon::computeBBox() {
@@ -258,6 +319,87 @@ unsigned long OrvFace::computeNormal() {
     unsigned long done = OrvPolygon::computeNormal(n);
     normal(&n);
     return done;
+}
+
+// "None" or three floats.
+static bool readTriple(OrvIStream& in, bool& none, float v[3]) {
+    char word[1024];
+    in.word(word);
+    none = !strcmp(word, "None");
+    if (none) return true;
+    char* end = nullptr;
+    v[0] = strtof(word, &end);
+    return word[0] && !*end && OrvScanNumber(in.stream, v[1]) && OrvScanNumber(in.stream, v[2]);
+}
+
+void _OrvWriteFaceItems_(OrvOStream& out, const OrvFace& face) {
+    if (face.color())
+        out << *face.color();
+    else
+        _OrvLine_(out.stream).add(out.indent()).add("faceColor\tNone\n");
+    _OrvLine_ line(out.stream);
+    line.add(out.indent()).add("faceNormal\t");
+    if (const Orv3dVector* n = face.normal())
+        line.add((double)n->x).add(' ').add((double)n->y).add(' ').add((double)n->z);
+    else
+        line.add("None");
+    line.add('\n');
+}
+
+bool _OrvReadFaceItems_(OrvIStream& in, OrvFace& face) {
+    char word[1024];
+    bool none;
+    float v[3];
+    in.nextItem();
+    in.word(word);
+    if (strcmp(word, "faceColor") || !readTriple(in, none, v))
+        return in.fault("OrvFace::OrvFace : Not a face color item\n");
+    if (!none) {
+        OrvRGB c(v[0], v[1], v[2]);
+        face.color(&c);
+    }
+    in.nextItem();
+    in.word(word);
+    if (strcmp(word, "faceNormal") || !readTriple(in, none, v))
+        return in.fault("OrvFace::OrvFace : Not a face normal item\n");
+    if (!none) {
+        Orv3dVector n(v[0], v[1], v[2]);
+        face.normal(&n);
+    }
+    return true;
+}
+
+OrvFace::OrvFace(OrvIStream& in) : normal_(nullptr), color_(nullptr) {
+    if (!_OrvReadKey_(in, "face", "OrvFace::OrvFace : Bad item (%s %s)\n")) return;
+    char word[1024];
+    in.word(word);
+    if (strcmp(word, "{")) {
+        in.fault("OrvFace::OrvFace : Bad begin separator.\n");
+        return;
+    }
+    if (!readVertex(in)) return;
+    bool good = _OrvReadFaceItems_(in, *this);
+    if (good && !_OrvReadClosing_(in)) good = in.fault("OrvFace::OrvFace : Bad end separator.\n");
+    if (!good) {
+        delete vertex;
+        vertex = nullptr;
+        return;
+    }
+    computeBBox();
+}
+
+void OrvFace::write(OrvOStream& out) const {
+    out.writeComments("... OrvFace description", 1);
+    _OrvLine_(out.stream).add(out.indent()).add("face {\n");
+    out.indentation++;
+    writeVertex(out);
+    _OrvWriteFaceItems_(out, *this);
+    out.indentation--;
+    _OrvLine_(out.stream).add(out.indent()).add("}\n");
+}
+
+OrvFace* OrvFace::read(OrvIStream& in) {
+    return _OrvReadOrNull_<OrvFace>(in);
 }
 
 unsigned long OrvFace::computeNormal(Orv3dVector& result) const {

@@ -2,9 +2,13 @@
 // the smoothing of vertex normals over them.
 #include "orv/vertex.h"
 
+#include <cstring>
 #include <vector>
 
+#include "../stream/line.h"
+#include "../stream/scan.h"
 #include "crease.h"
+#include "vertex_io.h"
 
 // ---------------------------------------------------------------------------
 // Series
@@ -321,6 +325,114 @@ unsigned long OrvSeries::computeVerticeNormals(const double creaseAngle) {
 }
 
 // ---------------------------------------------------------------------------
+// Saved form of a series
+// ---------------------------------------------------------------------------
+
+static const char* const badItem = "OrvSeries::OrvSeries : Bad item (%s %s)\n";
+
+void OrvSeries::write(OrvOStream& out) const {
+    out.writeComments("... OrvSeries description", 1);
+    _OrvLine_(out.stream).add(out.indent()).add("series {\n");
+    out.indentation++;
+    out.writeComments("... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, ", 1);
+    out.writeComments("     3 : TriFan, 4 : Faces)", 1);
+    out << (unsigned long)kind;
+    out.key("seriesData1") << data1 << '\n';
+    out.key("seriesData2") << data2 << '\n';
+    writeVertex(out);
+    unsigned number;
+    if (!faceNormals || !faceNormals->normals()) {
+        _OrvLine_(out.stream).add(out.indent()).add("faceNormal\tNone\n");
+    } else if (out.find(number, faceNormals)) {
+        _OrvLine_(out.stream)
+            .add(out.indent())
+            .add("faceNormal\t.USE ")
+            .add((unsigned long)number)
+            .add('\n');
+    } else {
+        _OrvLine_(out.stream)
+            .add(out.indent())
+            .add("faceNormal ")
+            .add((unsigned long)number)
+            .add(" [\n");
+        _OrvWriteVectors_(out, faceNormals->normals(), faceNormals->cardinal);
+        _OrvLine_(out.stream).add(out.indent()).add("]\n");
+    }
+    out.indentation--;
+    _OrvLine_(out.stream).add(out.indent()).add("}\n");
+}
+
+// "faceNormal" and "None", ".USE" and a number, or a number and a list.
+static bool readFaceNormals(OrvIStream& in, OrvSeries& series) {
+    char word[1024];
+    if (!_OrvReadKey_(in, "faceNormal", badItem)) return false;
+    in.word(word);
+    if (!strcmp(word, "None")) return true;
+    const char* badSeparator = "OrvSeries::OrvSeries : Bad data separator (normals).\n";
+    unsigned number = 0;
+    if (!strcmp(word, ".USE")) {
+        OrvShare* known = nullptr;
+        if (OrvScanNumber(in.stream, number)) known = in.findShared(number, nullptr);
+        if (!known || known->kind != OrvShareNormals) return in.fault("%s", badSeparator);
+        series.normals(known);
+        return true;
+    }
+    const _OrvListMessages_ m = {badSeparator,
+                                 "OrvSeries::OrvSeries : Bad data end separator (1).\n",
+                                 "OrvSeries::OrvSeries : Bad data end separator (2).\n", ""};
+    std::vector<Orv3dVector> values;
+    if (!_OrvNumber_(word, number)) return in.fault("%s", badSeparator);
+    if (!_OrvReadVectors_(in, values, m)) return false;
+    unsigned n = (unsigned)values.size();
+    Orv3dVector* array = new Orv3dVector[n ? n : 1];
+    for (unsigned i = 0; i < n; i++) array[i] = values[i];
+    OrvShare* share = new OrvShare(n, array, 0, 1);
+    in.findShared(number, share);
+    share->lock();  // the list's
+    series.normals(share);
+    return true;
+}
+
+OrvSeries::OrvSeries(OrvIStream& in) : kind(OrvQuadMesh), data1(0), data2(0), faceNormals(nullptr) {
+    // A strip set whose own key was wrong has said so already.
+    if (!in.stream) return;
+    if (!_OrvReadKey_(in, "series", badItem)) return;
+    char word[1024];
+    in.word(word);
+    if (strcmp(word, "{")) {
+        in.fault("OrvSeries::OrvSeries : Bad begin separator.\n");
+        return;
+    }
+    unsigned long before = in.faults, k = ~0ul;
+    in >> k;
+    if (in.faults != before) return;
+    if (k > OrvFaces) {
+        in.fault(badItem, "ulData", "");
+        return;
+    }
+    kind = (OrvSeriesType)k;
+    if (!_OrvReadKey_(in, "seriesData1", badItem) || !OrvScanNumber(in.stream, data1) ||
+        !_OrvReadKey_(in, "seriesData2", badItem) || !OrvScanNumber(in.stream, data2)) {
+        if (in.faults == before) in.fault(badItem, "seriesData", "");
+        return;
+    }
+    if (!readVertex(in)) return;
+    bool good = readFaceNormals(in, *this);
+    if (good && !_OrvReadClosing_(in))
+        good = in.fault("OrvSeries::OrvSeries : Bad end separator.\n");
+    if (!good) {
+        delete vertex;
+        vertex = nullptr;
+        return;
+    }
+    computeBBox();
+}
+
+OrvSeries* OrvSeries::read(OrvIStream& in) {
+    return _OrvReadOrNull_<OrvSeries>(in);
+}
+
+// ---------------------------------------------------------------------------
 // Triangle strip set
 // ---------------------------------------------------------------------------
 
@@ -353,6 +465,49 @@ const char* OrvTriangleStripSet::className() const {
 
 OrvPolygon* OrvTriangleStripSet::copy() const {
     return new OrvTriangleStripSet(*this);
+}
+
+// The strip set's key before the series; a wrong one stops the reading.
+static OrvIStream& stripSetKey(OrvIStream& in) {
+    if (!_OrvReadKey_(in, "triangleStripSet", badItem)) in.stream.setstate(std::ios::failbit);
+    return in;
+}
+
+OrvTriangleStripSet::OrvTriangleStripSet(OrvIStream& in)
+    : OrvSeries(stripSetKey(in)), stripLengths(nullptr) {
+    if (!vertex) return;
+    unsigned long before = in.faults;
+    OrvShare* lengths = nullptr;
+    in >> lengths;
+    bool good = in.faults == before && lengths;
+    if (good) {
+        // As many lengths as strips, covering the vertices exactly.
+        unsigned long sum = 0;
+        for (unsigned i = 0; lengths->index() && i < lengths->cardinal; i++)
+            sum += lengths->index()[i];
+        good = kind == OrvRowsTriStrip && lengths->kind == OrvShareIndex &&
+               lengths->cardinal == data2 && sum == vertexCardinal();
+        if (!good)
+            in.fault("OrvTriangleStripSet::vertexInTriangleStrip: Bad strip set definition.\n");
+    }
+    if (!good) {
+        delete vertex;
+        vertex = nullptr;
+        return;
+    }
+    stripLengths = lengths;
+    stripLengths->lock();
+}
+
+void OrvTriangleStripSet::write(OrvOStream& out) const {
+    out.writeComments("... OrvTriangleStripSet description", 1);
+    _OrvLine_(out.stream).add(out.indent()).add("triangleStripSet\n");
+    OrvSeries::write(out);
+    out << (const OrvShare*)stripLengths;
+}
+
+OrvTriangleStripSet* OrvTriangleStripSet::read(OrvIStream& in) {
+    return _OrvReadOrNull_<OrvTriangleStripSet>(in);
 }
 
 unsigned OrvTriangleStripSet::vertexInTriangleStrip(unsigned i) const {
