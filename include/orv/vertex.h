@@ -132,6 +132,12 @@ public:
     unsigned* indexToBeChanged() { return changed<unsigned>(OrvShareIndex); }
 
 private:
+    // Where the share stands in sharedData: the link before its own (null
+    // for the first), so that it leaves the list at once.
+    bool listed;
+    OrvLink* before;
+    friend void _OrvForgetShare_(OrvShare*);
+
     void init(int kind, void* array, unsigned count, unsigned long readOnly, unsigned long owned);
     template <class T>
     const T* as(int k) const {

@@ -35,45 +35,98 @@ static inline uint64_t cellKey(int64_t x, int64_t y, int64_t z) {
 
 static const unsigned none = ~0u;
 
-_OrvNormalTable_::_OrvNormalTable_() : linear(_OrvNormalTableLinearSearch_ != 0) {}
+_OrvNormalTable_::_OrvNormalTable_(size_t expected)
+    : entries(64, Entry{0, none}), cells(0), linear(_OrvNormalTableLinearSearch_ != 0) {
+    size_t room = 64;
+    while (room < 2 * expected && room < ((size_t)1 << 24)) room *= 2;
+    entries.assign(room, Entry{0, none});
+    vectors.reserve(expected);
+    next.reserve(expected);
+}
+
+// The head of a cell, or null when it has none and make is false.
+unsigned* _OrvNormalTable_::cell(uint64_t key, bool make) {
+    // The short key is also where the entry goes: a table twice the size
+    // places the entries again from it alone.
+    uint32_t short_ = (uint32_t)((key * 0x9E3779B97F4A7C15ull) >> 32);
+    size_t mask = entries.size() - 1;
+    for (size_t i = short_ & mask;; i = (i + 1) & mask) {
+        Entry& e = entries[i];
+        if (e.head == none) {
+            if (!make) return nullptr;
+            if (2 * (cells + 1) <= entries.size()) {
+                e.key = short_;
+                cells++;
+                return &e.head;
+            }
+            // Half full at most: twice the room.
+            std::vector<Entry> old(entries.size() * 2, Entry{0, none});
+            old.swap(entries);
+            mask = entries.size() - 1;
+            for (const Entry& o : old) {
+                if (o.head == none) continue;
+                size_t k = o.key & mask;
+                while (entries[k].head != none) k = (k + 1) & mask;
+                entries[k] = o;
+            }
+            return cell(key, true);
+        }
+        if (e.key == short_) return &e.head;
+    }
+}
 
 unsigned _OrvNormalTable_::find(const Orv3dVector& v) {
     unsigned found = none;
-    if (linear || !gridded(v)) {
+    bool grid = !linear && gridded(v);
+    int64_t lo[3], hi[3];
+    if (grid) {
+        const float c[3] = {v.x, v.y, v.z};
+        int64_t home[3];
+        bool alone = true;
+        for (int k = 0; k < 3; k++) {
+            home[k] = (int64_t)std::floor((double)c[k] * cellScale);
+            lo[k] = (int64_t)std::floor(((double)c[k] - 1e-6) * cellScale);
+            hi[k] = (int64_t)std::floor(((double)c[k] + 1e-6) * cellScale);
+            alone = alone && lo[k] == hi[k];
+        }
+        if (alone) {
+            // All candidates are in the vector's own cell, the usual case:
+            // one visit finds them and makes room for the vector if it is new.
+            unsigned* head = cell(cellKey(home[0], home[1], home[2]), true);
+            for (unsigned i = *head; i != none; i = next[i])
+                if (i < found && near(vectors[i], v)) found = i;
+            if (found != none) return found;
+            unsigned place = (unsigned)vectors.size();
+            vectors.push_back(v);
+            next.push_back(*head);
+            *head = place;
+            return place;
+        }
+        for (int64_t x = lo[0]; x <= hi[0]; x++)
+            for (int64_t y = lo[1]; y <= hi[1]; y++)
+                for (int64_t z = lo[2]; z <= hi[2]; z++) {
+                    unsigned* head = cell(cellKey(x, y, z), false);
+                    for (unsigned i = head ? *head : none; i != none; i = next[i])
+                        if (i < found && near(vectors[i], v)) found = i;
+                }
+    } else {
         for (unsigned i = 0; i < vectors.size(); i++)
             if (near(vectors[i], v)) {
                 found = i;
                 break;
             }
-    } else {
-        int64_t lo[3], hi[3];
-        const float c[3] = {v.x, v.y, v.z};
-        for (int k = 0; k < 3; k++) {
-            lo[k] = (int64_t)std::floor(((double)c[k] - 1e-6) * cellScale);
-            hi[k] = (int64_t)std::floor(((double)c[k] + 1e-6) * cellScale);
-        }
-        for (int64_t x = lo[0]; x <= hi[0]; x++)
-            for (int64_t y = lo[1]; y <= hi[1]; y++)
-                for (int64_t z = lo[2]; z <= hi[2]; z++) {
-                    auto cell = head.find(cellKey(x, y, z));
-                    if (cell == head.end()) continue;
-                    for (unsigned i = cell->second; i != none; i = next[i])
-                        if (i < found && near(vectors[i], v)) found = i;
-                }
     }
     if (found != none) return found;
     unsigned place = (unsigned)vectors.size();
     vectors.push_back(v);
     next.push_back(none);
-    if (!linear && gridded(v)) {
-        uint64_t key = cellKey((int64_t)std::floor((double)v.x * cellScale),
-                               (int64_t)std::floor((double)v.y * cellScale),
-                               (int64_t)std::floor((double)v.z * cellScale));
-        auto inserted = head.emplace(key, place);
-        if (!inserted.second) {
-            next[place] = inserted.first->second;
-            inserted.first->second = place;
-        }
+    if (grid) {
+        unsigned* head = cell(cellKey((int64_t)std::floor((double)v.x * cellScale),
+                                      (int64_t)std::floor((double)v.y * cellScale),
+                                      (int64_t)std::floor((double)v.z * cellScale)),
+                              true);
+        next[place] = *head;
+        *head = place;
     }
     return place;
 }
@@ -86,17 +139,23 @@ void _OrvCreaseNormals_(const _OrvCreaseMesh_& mesh, double creaseAngle,
                         std::vector<unsigned>& result, _OrvNormalTable_& table) {
     unsigned faces = (unsigned)mesh.faceNormal.size();
     result.assign(mesh.slotPoint.size(), none);
-    // The faces round each point, in face order.
+    // The faces round each point, in face order, with the slot each has
+    // there.
     std::vector<unsigned> start(mesh.pointCount + 1, 0);
     for (unsigned s : mesh.faceSlots) start[mesh.slotPoint[s] + 1]++;
     for (unsigned p = 0; p < mesh.pointCount; p++) start[p + 1] += start[p];
-    std::vector<unsigned> round(mesh.faceSlots.size());
+    std::vector<unsigned> round(mesh.faceSlots.size()), roundSlot(mesh.faceSlots.size());
     std::vector<unsigned> fill(start.begin(), start.end() - 1);
     for (unsigned f = 0; f < faces; f++)
-        for (unsigned k = mesh.faceStart[f]; k < mesh.faceStart[f + 1]; k++)
-            round[fill[mesh.slotPoint[mesh.faceSlots[k]]]++] = f;
+        for (unsigned k = mesh.faceStart[f]; k < mesh.faceStart[f + 1]; k++) {
+            unsigned slot = mesh.faceSlots[k];
+            unsigned at = fill[mesh.slotPoint[slot]]++;
+            round[at] = f;
+            roundSlot[at] = slot;
+        }
 
     double limit = std::cos(creaseAngle * M_PI / 180.0);
+    std::vector<unsigned> within;  // the faces round the point within the crease
     for (unsigned f = 0; f < faces; f++) {
         const Orv3dVector& n = mesh.faceNormal[f];
         for (unsigned k = mesh.faceStart[f]; k < mesh.faceStart[f + 1]; k++) {
@@ -104,7 +163,7 @@ void _OrvCreaseNormals_(const _OrvCreaseMesh_& mesh, double creaseAngle,
             if (result[slot] != none) continue;
             unsigned p = mesh.slotPoint[slot];
             Orv3dVector sum;
-            unsigned count = 0;
+            within.clear();
             for (unsigned r = start[p]; r < start[p + 1]; r++) {
                 const Orv3dVector& other = mesh.faceNormal[round[r]];
                 if ((double)n.x * other.x + (double)n.y * other.y + (double)n.z * other.z < limit)
@@ -112,10 +171,10 @@ void _OrvCreaseNormals_(const _OrvCreaseMesh_& mesh, double creaseAngle,
                 sum.x += other.x;
                 sum.y += other.y;
                 sum.z += other.z;
-                count++;
+                within.push_back(r);
             }
             Orv3dVector v = n;
-            if (count) {
+            if (unsigned count = (unsigned)within.size()) {
                 v = Orv3dVector(sum.x / count, sum.y / count, sum.z / count);
                 v.normalize();
             }
@@ -123,16 +182,8 @@ void _OrvCreaseNormals_(const _OrvCreaseMesh_& mesh, double creaseAngle,
             result[slot] = place;
             // The faces round the point that are within the crease of this
             // one take the same normal there, so each is computed once.
-            for (unsigned r = start[p]; r < start[p + 1]; r++) {
-                unsigned g = round[r];
-                const Orv3dVector& other = mesh.faceNormal[g];
-                if ((double)n.x * other.x + (double)n.y * other.y + (double)n.z * other.z < limit)
-                    continue;
-                for (unsigned j = mesh.faceStart[g]; j < mesh.faceStart[g + 1]; j++) {
-                    unsigned s = mesh.faceSlots[j];
-                    if (mesh.slotPoint[s] == p && result[s] == none) result[s] = place;
-                }
-            }
+            for (unsigned r : within)
+                if (result[roundSlot[r]] == none) result[roundSlot[r]] = place;
         }
     }
 }
@@ -141,92 +192,79 @@ void _OrvCreaseNormals_(const _OrvCreaseMesh_& mesh, double creaseAngle,
 // Rebuilding
 // ---------------------------------------------------------------------------
 
-static void identity(std::vector<unsigned>& block, unsigned n) {
-    block.resize(n);
-    for (unsigned i = 0; i < n; i++) block[i] = i;
-}
-
-static void copyOrIdentity(std::vector<unsigned>& block, const unsigned* from, bool present,
-                           unsigned n) {
-    block.clear();
-    if (!present) return;
-    if (from)
-        block.assign(from, from + n);
-    else
-        identity(block, n);
-}
-
-void _OrvGetIndexBlocks_(const OrvVertexData& data, _OrvIndexBlocks_& b) {
+// The index of a rebuilt vertex: its blocks as they are (an identity for an
+// attribute of an object without index), with the block at `place` (2 the
+// normals, 4 the textures) present and taken from `with`, or from the point
+// block when `with` is null.
+static unsigned* rebuiltIndex(const OrvVertexData& data, unsigned place, const unsigned* with,
+                              unsigned& total) {
     unsigned n = data.vertexCardinal();
     bool indexed = data.isIndexed() != 0;
-    copyOrIdentity(b.point, indexed ? data.vertexPointsIndex() : nullptr, true, n);
-    copyOrIdentity(b.color, indexed ? data.vertexColorsIndex() : nullptr,
-                   data.vertexSharedColors() != nullptr, n);
-    copyOrIdentity(b.normal, indexed ? data.vertexNormalsIndex() : nullptr,
-                   data.vertexSharedNormals() != nullptr, n);
-    copyOrIdentity(b.edge, indexed ? data.vertexEdgesIndex() : nullptr,
-                   data.vertexSharedEdges() != nullptr, n);
-    copyOrIdentity(b.texture, indexed ? data.vertexTexturesIndex() : nullptr,
-                   data.vertexSharedTextures() != nullptr, n);
-    b.present[1] = data.vertexSharedColors() != nullptr;
-    b.present[2] = data.vertexSharedNormals() != nullptr;
-    b.present[3] = data.vertexSharedEdges() != nullptr;
-    b.present[4] = data.vertexSharedTextures() != nullptr;
-    OrvShare* index = data.vertexSharedIndex();
-    b.readOnly = index ? index->isReadOnly() : 0;
-}
-
-// Installs an owned index share built from the blocks, in the fixed order.
-static void installIndex(OrvVertexData& data, const _OrvIndexBlocks_& b, unsigned n) {
-    const std::vector<unsigned>* order[5] = {&b.point, &b.color, &b.normal, &b.edge, &b.texture};
+    bool present[5] = {true, data.vertexSharedColors() != nullptr,
+                       data.vertexSharedNormals() != nullptr, data.vertexSharedEdges() != nullptr,
+                       data.vertexSharedTextures() != nullptr};
+    const unsigned* from[5] = {nullptr, nullptr, nullptr, nullptr, nullptr};
+    if (indexed) {
+        from[0] = data.vertexPointsIndex();
+        from[1] = data.vertexColorsIndex();
+        from[2] = data.vertexNormalsIndex();
+        from[3] = data.vertexEdgesIndex();
+        from[4] = data.vertexTexturesIndex();
+    }
+    present[place] = true;
+    from[place] = with ? with : from[0];
     unsigned used = 0;
-    for (bool p : b.present) used += p;
-    unsigned* all = new unsigned[(size_t)used * n + 1];
-    unsigned at = 0;
+    for (bool p : present) used += p;
+    total = used * n;
+    unsigned* all = new unsigned[(size_t)total + 1];
+    unsigned* at = all;
     for (int k = 0; k < 5; k++) {
-        if (!b.present[k]) continue;
-        if (n) memcpy(all + at, order[k]->data(), n * sizeof(unsigned));
+        if (!present[k]) continue;
+        if (from[k])
+            memcpy(at, from[k], n * sizeof(unsigned));
+        else
+            for (unsigned i = 0; i < n; i++) at[i] = i;
         at += n;
     }
-    data.setVertexIndex(new OrvShare(used * n, all, b.readOnly, 1));
+    return all;
+}
+
+// Makes the indexed layout for the arrays and installs the index. The
+// points do not move, so the cached volume stays as it is.
+static unsigned long rebuild(OrvVertexData& data, OrvShare* normals, OrvShare* textures,
+                             unsigned place, const unsigned* with) {
+    OrvShare* points = data.vertexSharedAnyPoints();
+    OrvShare* old = data.vertexSharedIndex();
+    unsigned long readOnly = old ? old->isReadOnly() : 0;
+    unsigned total;
+    unsigned* all = rebuiltIndex(data, place, with, total);
+    _OrvVertexType_* before = data.vertex;
+    data.createIndexedVertex(points, data.vertexSharedColors(), normals, textures,
+                             data.vertexSharedEdges());
+    if (data.vertex == before) {
+        delete[] all;
+        return 0;
+    }
+    data.vertex->setIndex(new OrvShare(total, all, readOnly, 1));
+    return 1;
 }
 
 unsigned long _OrvRebuildWithNormals_(OrvVertexData& data, OrvShare* normals,
                                       const unsigned* normalIndex) {
-    OrvShare* points = data.vertexSharedAnyPoints();
-    if (!points || !normals) return 0;
-    unsigned n = data.vertexCardinal();
-    _OrvIndexBlocks_ b;
-    _OrvGetIndexBlocks_(data, b);
-    b.normal.assign(normalIndex, normalIndex + n);
-    b.present[2] = true;
-    _OrvVertexType_* before = data.vertex;
-    data.createIndexedVertex(points, data.vertexSharedColors(), normals,
-                             data.vertexSharedTextures(), data.vertexSharedEdges());
-    if (data.vertex == before) return 0;
-    installIndex(data, b, n);
-    return 1;
+    if (!data.vertexSharedAnyPoints() || !normals || !normalIndex) return 0;
+    return rebuild(data, normals, data.vertexSharedTextures(), 2, normalIndex);
 }
 
 unsigned long _OrvRebuildWithTextures_(OrvVertexData& data, OrvShare* textures) {
     OrvShare* points = data.vertexSharedAnyPoints();
     if (!points || !textures) return 0;
-    _OrvVertexType_* before = data.vertex;
     if (!data.isIndexed()) {
+        _OrvVertexType_* before = data.vertex;
         data.createNonIndexedVertex(points, data.vertexSharedColors(), data.vertexSharedNormals(),
                                     textures, data.vertexSharedEdges());
         return data.vertex != before;
     }
-    unsigned n = data.vertexCardinal();
-    _OrvIndexBlocks_ b;
-    _OrvGetIndexBlocks_(data, b);
-    b.texture = b.point;
-    b.present[4] = true;
-    data.createIndexedVertex(points, data.vertexSharedColors(), data.vertexSharedNormals(),
-                             textures, data.vertexSharedEdges());
-    if (data.vertex == before) return 0;
-    installIndex(data, b, n);
-    return 1;
+    return rebuild(data, data.vertexSharedNormals(), textures, 4, nullptr);
 }
 
 unsigned long _OrvBoxTextures_(const Orv3dVolume& box, unsigned n, const Orv3dPoint* points,

@@ -6,7 +6,6 @@
 #include "orv/vertex.h"
 
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 // Distinct vectors, each stored once: find gives the place of the first one
@@ -17,13 +16,25 @@ class _OrvNormalTable_ {
 public:
     std::vector<Orv3dVector> vectors;
 
-    _OrvNormalTable_();
+    // Room made at once for about that many vectors.
+    explicit _OrvNormalTable_(size_t expected = 0);
     unsigned find(const Orv3dVector& v);
 
 private:
-    std::unordered_map<uint64_t, unsigned> head;  // cell -> last place in it
-    std::vector<unsigned> next;                   // place -> earlier place in its cell
+    // An open-addressed table of cells: 32 bits of the cell's key and the
+    // last place stored there (~0u for a free entry); each place links to
+    // the one stored before it. Cells whose keys agree in those bits share a
+    // chain, which costs a comparison and never a wrong answer.
+    struct Entry {
+        uint32_t key;
+        uint32_t head;
+    };
+    std::vector<Entry> entries;
+    std::vector<unsigned> next;
+    size_t cells;  // in use
     bool linear;
+
+    unsigned* cell(uint64_t key, bool make);
 };
 
 // Non-zero makes every table search from its start, as the tests do to
@@ -44,16 +55,6 @@ struct _OrvCreaseMesh_ {
 // that no face uses.
 void _OrvCreaseNormals_(const _OrvCreaseMesh_& mesh, double creaseAngle,
                         std::vector<unsigned>& result, _OrvNormalTable_& table);
-
-// The index blocks of a vertex as arrays of vertexCardinal values: what it
-// has, or the identity for an attribute without index (or any attribute of
-// an object without index).
-struct _OrvIndexBlocks_ {
-    std::vector<unsigned> point, color, normal, edge, texture;
-    bool present[5] = {true, false, false, false, false};  // in the order above
-    unsigned long readOnly = 0;
-};
-void _OrvGetIndexBlocks_(const OrvVertexData& data, _OrvIndexBlocks_& blocks);
 
 // Rebuilds the vertex as indexed with these normals and normal block, every
 // other array and block kept; 0 when the vertex could not be made.

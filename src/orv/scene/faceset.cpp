@@ -107,7 +107,7 @@ unsigned long OrvFaceSet::computeVerticeNormals(const double creaseAngle) {
     }
     if (all.empty()) return 1;
     std::vector<unsigned> result;
-    _OrvNormalTable_ table;
+    _OrvNormalTable_ table(mesh.pointCount);
     _OrvCreaseNormals_(mesh, creaseAngle, result, table);
 
     // One share of the table for all faces, read only as the points are.

@@ -284,7 +284,7 @@ unsigned long OrvSeries::computeVerticeNormals(const double creaseAngle) {
     mesh.pointCount = vertexPointsCardinal();
     mesh.faceNormal.assign(faceNormals->normals(), faceNormals->normals() + faces);
     std::vector<unsigned> result;
-    _OrvNormalTable_ table;
+    _OrvNormalTable_ table(mesh.pointCount);
     _OrvCreaseNormals_(mesh, creaseAngle, result, table);
 
     OrvShare* points = vertexSharedAnyPoints();

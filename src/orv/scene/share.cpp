@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
-#include <unordered_map>
 #include <vector>
 
 void OrvRGB::setHSV(float h, float s, float v) {
@@ -40,7 +39,6 @@ OrvList* OrvShare::sharedData = nullptr;
 // another (only a share that overlapped nothing enters), so for each kind
 // they also sit in a map ordered by address, where the ones that meet a new
 // range are found at once; the serial puts the warnings back in list order.
-// The link before each listed share lets it leave the list at once.
 namespace {
 struct Range {
     OrvShare* share;
@@ -49,7 +47,6 @@ struct Range {
 };
 struct Ranges {
     std::map<uintptr_t, Range> byStart[7];
-    std::unordered_map<const OrvShare*, OrvLink*> previous;  // null for the first
     unsigned long serial = 0;
 };
 }  // namespace
@@ -81,8 +78,8 @@ unsigned OrvShare::elementSize(int k) {
 
 unsigned long OrvShare::check() {
     if (!data || kind < 0 || kind > OrvShareIndex) return 0;
+    if (listed) return 1;
     Ranges& all = ranges();
-    if (all.previous.count(this)) return 1;
     uintptr_t start = (uintptr_t)data;
     uintptr_t bytes = (uintptr_t)cardinal * elementSize(kind);
     uintptr_t end = start + (bytes ? bytes - 1 : 0);
@@ -109,23 +106,22 @@ unsigned long OrvShare::check() {
         return 0;
     }
     if (!sharedData) sharedData = new OrvList;
-    all.previous[this] = sharedData->last;
+    before = sharedData->last;
+    listed = true;
     sharedData->append(this);
     map[start] = Range{this, end, ++all.serial};
     return 1;
 }
 
 // Takes the share out of sharedData and of the map, if it is there.
-static void forget(OrvShare* share) {
-    Ranges& all = ranges();
-    auto found = all.previous.find(share);
-    if (found == all.previous.end()) return;
-    OrvLink* before = found->second;
-    all.previous.erase(found);
+void _OrvForgetShare_(OrvShare* share) {
+    if (!share->listed) return;
+    share->listed = false;
     OrvList* list = OrvShare::sharedData;
+    OrvLink* before = share->before;
     OrvLink* link = before ? before->next : list->first;
     if (!link || link->value != share) {
-        // The list was changed behind the map's back: fall back on a search.
+        // The list was changed from outside: fall back on a search.
         list->remove(share);
     } else {
         OrvLink* after = link->next;
@@ -134,11 +130,11 @@ static void forget(OrvShare* share) {
         else
             list->first = after;
         if (list->last == link) list->last = before;
-        if (after) all.previous[(OrvShare*)after->value] = before;
+        if (after) ((OrvShare*)after->value)->before = before;
         link->next = nullptr;
         delete link;
     }
-    all.byStart[share->kind].erase((uintptr_t)share->data);
+    ranges().byStart[share->kind].erase((uintptr_t)share->data);
 }
 
 // ---------------------------------------------------------------------------
@@ -147,6 +143,8 @@ static void forget(OrvShare* share) {
 
 void OrvShare::init(int k, void* array, unsigned count, unsigned long readOnly,
                     unsigned long owned) {
+    listed = false;
+    before = nullptr;
     kind = k;
     data = array;
     lockCount = 0;
@@ -181,7 +179,7 @@ OrvShare::OrvShare(unsigned count, unsigned* array, unsigned long readOnly, unsi
 }
 
 OrvShare::~OrvShare() {
-    forget(this);
+    _OrvForgetShare_(this);
     if (!isOwned()) return;
     // Freed as the array of its element type that it was made as.
     switch (kind) {
