@@ -769,6 +769,20 @@ public:
     void computeVerticeTextures(const Orv3dVolume* box = nullptr);
 };
 
+// ---------------------------------------------------------------------------
+// Mesh files
+// ---------------------------------------------------------------------------
+
+// Reads a mesh file (Wavefront OBJ, PLY, STL, glTF 2.0 and the other formats
+// assimp knows) into a new face set: every mesh of the file, placed by its
+// nodes' transforms, becomes faces indexed into one array of points, with
+// the file's normals, texture coordinates and vertex colours when every
+// mesh has them. Without normals in the file they are smoothed at
+// creaseAngle degrees, or left out for a negative angle. Faces get their own
+// normals. A file that cannot be read gives a message naming it and the
+// reason, and null. A library built without assimp says so and gives null.
+OrvFaceSet* OrvImportMesh(const char* file, double creaseAngle);
+
 // OrvSetOptimizeMode and OrvGetOptimizeMode, the flag for applications that
 // nothing here reads, stand in orv/layer.h.
 
