@@ -25,6 +25,8 @@
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
 
+#ifdef ORV_WITH_ASSIMP
+
 namespace {
 
 // A directory of its own for the files of a test, removed with it.
@@ -229,8 +231,6 @@ void expectCube(OrvFaceSet* set, unsigned points, unsigned faces, bool smoothed)
 }
 
 }  // namespace
-
-#ifdef ORV_WITH_ASSIMP
 
 TEST(MeshImport, CubesOfEveryFormat) {
     Folder folder;
