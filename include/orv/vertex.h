@@ -734,6 +734,7 @@ public:
     // Reads a "faceSet" block; a failure leaves no faces.
     explicit OrvFaceSet(OrvIStream& in);
     OrvFaceSet& operator=(const OrvFaceSet&) = delete;
+    // Deletes the faces, which let go of their arrays.
     virtual ~OrvFaceSet();
 
     // The name of the class.
