@@ -42,5 +42,15 @@ run drawing_sheet --shot "$OUT/drawing_sheet.ppm"
 run stage_demo --shots "$OUT"
 run editor --script "$OUT"
 run gadget_dialog --shot "$OUT/gadget_dialog.ppm"
+run mesh_normals "$OUT/mesh_normals.orv" "$OUT/mesh_normals.txt"
+# A torus of 24 x 12 quads as Wavefront OBJ, imported, smoothed and saved.
+awk 'BEGIN { pi = atan2(0, -1); n = 24; m = 12
+  for (i = 0; i < n; i++) for (j = 0; j < m; j++) {
+    u = 2 * pi * i / n; v = 2 * pi * j / m; r = 2 + 0.6 * cos(v)
+    printf "v %.6f %.6f %.6f\n", r * cos(u), r * sin(u), 0.6 * sin(v) }
+  for (i = 0; i < n; i++) for (j = 0; j < m; j++) {
+    a = i * m + j; b = ((i + 1) % n) * m + j; c = ((i + 1) % n) * m + (j + 1) % m; d = i * m + (j + 1) % m
+    printf "f %d %d %d %d\n", a + 1, b + 1, c + 1, d + 1 } }' >"$OUT/torus.obj"
+run mesh_import "$OUT/torus.obj" "$OUT/mesh_import.orv" 40
 topng
 echo "screenshots:"; ls -1 "$OUT" 2>/dev/null || true

@@ -27,5 +27,6 @@
 #include "orv/bitmapfile.h"
 #include "orv/relief.h"
 #include "orv/value.h"
+#include "orv/vertex.h"
 
 #endif

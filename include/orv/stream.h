@@ -17,6 +17,12 @@ class OrvColor;
 class OrvTexture;
 class OrvBitmap;
 class OrvStage;
+class OrvShare;
+class OrvVertexData;
+class OrvPolygon;
+struct OrvRGB;
+struct _OrvWriterTables_;
+struct _OrvReaderTables_;
 
 // Writes actors in the text format over a standard output stream.
 class OrvOStream {
@@ -26,10 +32,16 @@ public:
     unsigned int makeUpCounter;
     OrvHashTable* textureTable;  // OrvTexture* -> number
     unsigned int textureCounter;
-    short indentation;      // current level of tabs
+    short indentation;           // current level of tabs
+    OrvHashTable* shareTable;    // number -> OrvShare*, made on first use
+    unsigned int shareCounter;   // last share number given
+    OrvHashTable* polygonTable;  // number -> polygon written in full, made on first use
+    unsigned int polygonCounter;
     Orv2dRect defaultSize;  // set by the caller before write()
 
     explicit OrvOStream(std::ostream&);
+    OrvOStream(const OrvOStream&) = delete;
+    OrvOStream& operator=(const OrvOStream&) = delete;
 
     virtual void header(unsigned long is2d);
     virtual void write(const OrvActor*);
@@ -49,6 +61,16 @@ public:
     // Non-zero when the record already has a number; otherwise gives it the next.
     unsigned long find(unsigned& number, const OrvMakeUp*);
     unsigned long find(unsigned& number, const OrvTexture*);
+    unsigned long find(unsigned& number, const OrvShare*);
+    // Non-zero, with the number of that share, when a polygon written in
+    // full has an index share equal to this vertex data's: the same vertex
+    // count and the same values in the same blocks. (Defined with the
+    // vertex classes, as are the other vertex records below.)
+    unsigned long similarIndex(unsigned& number, const OrvVertexData*);
+    // Non-zero, with its number, when a polygon written in full has the very
+    // same arrays and index; otherwise the polygon is entered under the next
+    // number, as the writer of a full block does.
+    unsigned long similarVertex(unsigned& number, const OrvPolygon*);
     void clean();
 
     // Typed items: indentation, key, a tab, the value, a newline.
@@ -70,11 +92,18 @@ public:
     OrvOStream& operator<<(const Orv3dVector&);
     OrvOStream& operator<<(const Orv4dPoint&);
     OrvOStream& operator<<(const Orv3dVolume&);
+    // The "faceColor" item.
+    OrvOStream& operator<<(const OrvRGB&);
     // Shared records.
     OrvOStream& operator<<(const OrvMakeUp*);
     OrvOStream& operator<<(const OrvColor*);
+    // A shared array: in full the first time, by number afterwards.
+    OrvOStream& operator<<(const OrvShare*);
     // The "position" item; a function of its own since a position is a number.
     void writePosition(unsigned long position);
+
+private:
+    _OrvWriterTables_* tables;  // quick ways into the share and polygon tables
 };
 
 // Reads the text format from a standard input stream.
@@ -82,8 +111,11 @@ class OrvIStream {
 public:
     OrvDirector* director;
     std::istream& stream;
-    OrvAList makeUps;   // number -> OrvMakeUp*
-    OrvAList textures;  // number -> OrvTexture*
+    OrvAList makeUps;             // number -> OrvMakeUp*
+    OrvAList textures;            // number -> OrvTexture*
+    OrvAList polygons;            // number -> OrvPolygon*, copies that the list owns
+    OrvAList shares;              // number -> OrvShare*, each locked by the list
+    unsigned int polygonCounter;  // polygon blocks read in full
     // Objects read so far, by position; valid only during read(count, is2d).
     OrvActor** objects;
     unsigned int objectCount;
@@ -93,6 +125,8 @@ public:
     unsigned long faults;
 
     OrvIStream(OrvDirector*, std::istream&);
+    OrvIStream(const OrvIStream&) = delete;
+    OrvIStream& operator=(const OrvIStream&) = delete;
 
     virtual OrvActor* read();
     // A new array, free with delete[], or null. Reading stops at the
@@ -112,6 +146,12 @@ public:
     OrvActor* readIndex();
     // Reports through OrvError, counts the fault and returns 0.
     int fault(const char* format, ...);
+    // With a polygon, enters it under the number (the list takes it) and
+    // returns null; with null, the polygon of that number, or null.
+    OrvPolygon* findPolygon(unsigned number, const OrvPolygon* polygon);
+    // The same for shares. The list keeps a lock on each share, which the
+    // one that enters it takes for the list.
+    OrvShare* findShared(unsigned number, OrvShare* share);
 
     OrvIStream& operator>>(Orv2dRect&);
     OrvIStream& operator>>(Orv2dPoint&);
@@ -134,9 +174,14 @@ public:
     OrvIStream& operator>>(Orv3dVolume&);
     OrvIStream& operator>>(OrvMakeUp*&);
     OrvIStream& operator>>(OrvColor*&);
+    // A shared array, in full or by number; the share belongs to the
+    // reader's list, and whoever keeps it locks it. Null after a message.
+    OrvIStream& operator>>(OrvShare*&);
+    OrvIStream& operator>>(OrvRGB&);
     void readPosition(unsigned long& position);
 
 private:
+    _OrvReaderTables_* tables;
     unsigned int objectCapacity;
     void keep(OrvActor*);
 };

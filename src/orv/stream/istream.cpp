@@ -13,10 +13,12 @@
 
 #include "actor_calls.h"
 #include "scan.h"
+#include "vertex_tables.h"
 
 OrvIStream::OrvIStream(OrvDirector* d, std::istream& in)
-    : director(d), stream(in), makeUps(), textures(), objects(nullptr), objectCount(0),
-      defaultSize(), faults(0), objectCapacity(0) {
+    : director(d), stream(in), makeUps(), textures(), polygons(), shares(), polygonCounter(0),
+      objects(nullptr), objectCount(0), defaultSize(), faults(0), tables(nullptr),
+      objectCapacity(0) {
     clean();
 }
 
@@ -76,6 +78,17 @@ void OrvIStream::clean() {
         OrvRelease((OrvMakeUp*)item->value);
     emptyList(makeUps);
     emptyList(textures);
+    // The lists own a copy of each polygon and a lock on each share, so that
+    // what the reading made and nobody kept goes with it.
+    for (OrvAListItem* item = polygons.first; item; item = item->next)
+        OrvVertexCalls.destroy((OrvPolygon*)item->value);
+    emptyList(polygons);
+    for (OrvAListItem* item = shares.first; item; item = item->next)
+        OrvVertexCalls.unLock((OrvShare*)item->value);
+    emptyList(shares);
+    polygonCounter = 0;
+    delete tables;
+    tables = nullptr;
 }
 
 int OrvIStream::fault(const char* format, ...) {

@@ -9,12 +9,14 @@
 
 #include "actor_calls.h"
 #include "line.h"
+#include "vertex_tables.h"
 
 static const char* const tabs = "\t\t\t\t\t\t\t\t\t\t";
 
 OrvOStream::OrvOStream(std::ostream& out)
     : stream(out), makeUpTable(nullptr), makeUpCounter(0), textureTable(nullptr), textureCounter(0),
-      indentation(0), defaultSize() {}
+      indentation(0), shareTable(nullptr), shareCounter(0), polygonTable(nullptr),
+      polygonCounter(0), defaultSize(), tables(nullptr) {}
 
 OrvOStream::~OrvOStream() {
     clean();
@@ -29,8 +31,16 @@ void OrvOStream::clean() {
     makeUpTable = nullptr;
     delete textureTable;
     textureTable = nullptr;
+    delete shareTable;
+    shareTable = nullptr;
+    delete polygonTable;
+    polygonTable = nullptr;
+    delete tables;
+    tables = nullptr;
     makeUpCounter = 0;
     textureCounter = 0;
+    shareCounter = 0;
+    polygonCounter = 0;
     indentation = 0;
 }
 

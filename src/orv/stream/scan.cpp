@@ -2,8 +2,12 @@
 #include "scan.h"
 
 #include <cerrno>
+#include <cfloat>
 #include <climits>
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <streambuf>
 
 typedef std::char_traits<char> Traits;
@@ -69,22 +73,54 @@ bool OrvScanWord(std::istream& in, char* buffer, size_t size) {
     return true;
 }
 
+// The value of a decimal number as its digits read it: up to 19 significant
+// digits as an integer, and the power of ten that scales them. Numbers with
+// more digits, or exponents too long to hold, are left to the C library.
+struct Decimal {
+    unsigned long long digits = 0;
+    int significant = 0;  // digits counted, leading zeros left out
+    long scale = 0;       // the power of ten
+    bool negative = false;
+    bool exact = true;  // digits and scale hold the value
+
+    void digit(int c, bool afterPoint) {
+        if (significant == 0 && c == '0') {
+            if (afterPoint) scale--;
+            return;
+        }
+        if (significant == 19) {
+            exact = false;
+            return;
+        }
+        digits = digits * 10 + (unsigned)(c - '0');
+        significant++;
+        if (afterPoint) scale--;
+    }
+};
+
 // Takes the characters of a decimal number into text: an optional sign and
 // digits, and for a float a fraction and an exponent. False without digits.
-static bool takeNumber(std::istream& in, char* text, size_t size, bool fraction) {
+static bool takeNumber(std::istream& in, char* text, size_t size, bool fraction,
+                       Decimal* value = nullptr) {
     text[0] = 0;
     if (!OrvScanSkip(in)) return false;
     std::streambuf* source = in.rdbuf();
     size_t n = 0;
     bool digits = false;
+    Decimal ignored;
+    Decimal& d = value ? *value : ignored;
     int c = source->sgetc();
     auto take = [&]() {
         if (n + 1 < size) text[n++] = (char)c;
         c = source->snextc();
     };
-    if (c == '+' || c == '-') take();
+    if (c == '+' || c == '-') {
+        d.negative = c == '-';
+        take();
+    }
     while (isDigit(c)) {
         digits = true;
+        d.digit(c, false);
         take();
     }
     if (fraction) {
@@ -92,17 +128,23 @@ static bool takeNumber(std::istream& in, char* text, size_t size, bool fraction)
             take();
             while (isDigit(c)) {
                 digits = true;
+                d.digit(c, true);
                 take();
             }
         }
         if (digits && (c == 'e' || c == 'E')) {
             take();
+            bool minus = c == '-';
             if (c == '+' || c == '-') take();
             bool exponent = false;
+            long e = 0;
             while (isDigit(c)) {
                 exponent = true;
+                if (e < 100000) e = e * 10 + (c - '0');
                 take();
             }
+            if (e >= 100000) d.exact = false;
+            d.scale += minus ? -e : e;
             if (!exponent) digits = false;
         }
     }
@@ -119,10 +161,16 @@ static bool takeNumber(std::istream& in, char* text, size_t size, bool fraction)
 // a magnitude beyond the type fails.
 static bool scanUnsigned(std::istream& in, unsigned long long max, unsigned long long& value) {
     char text[64];
-    if (!takeNumber(in, text, sizeof text, false)) return false;
-    const char* digits = text + (text[0] == '-' || text[0] == '+');
+    Decimal d;
+    if (!takeNumber(in, text, sizeof text, false, &d)) return false;
+    unsigned long long magnitude;
     errno = 0;
-    unsigned long long magnitude = strtoull(digits, nullptr, 10);
+    if (d.exact) {
+        magnitude = d.digits;
+    } else {
+        const char* digits = text + (text[0] == '-' || text[0] == '+');
+        magnitude = strtoull(digits, nullptr, 10);
+    }
     if (errno == ERANGE || magnitude > max) {
         in.setstate(std::ios::failbit);
         return false;
@@ -181,9 +229,29 @@ bool OrvScanNumber(std::istream& in, long& value) {
     return true;
 }
 
+// Clinger's fast path: digits and a power of ten that a double holds
+// exactly give the correctly rounded double in one operation.
+static const double exactPowers[23] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                       1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                       1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+static bool quickDouble(const Decimal& d, double& v) {
+    if (!d.exact || d.digits > (1ull << 53) || d.scale > 22 || d.scale < -22) return false;
+    v = d.scale >= 0 ? (double)d.digits * exactPowers[d.scale]
+                     : (double)d.digits / exactPowers[-d.scale];
+    if (d.negative) v = -v;
+    return true;
+}
+
 bool OrvScanNumber(std::istream& in, double& value) {
     char text[128];
-    if (!takeNumber(in, text, sizeof text, true)) return false;
+    Decimal d;
+    if (!takeNumber(in, text, sizeof text, true, &d)) return false;
+    double quick;
+    if (quickDouble(d, quick)) {
+        value = quick;
+        return true;
+    }
     errno = 0;
     double v = strtod(text, nullptr);
     if (errno == ERANGE && (v > 1 || v < -1)) {
@@ -194,9 +262,32 @@ bool OrvScanNumber(std::istream& in, double& value) {
     return true;
 }
 
+// The double of the fast path rounded to a float is the float of the text,
+// unless the double lies within a unit of its last place of a point halfway
+// between two floats; such numbers, and those outside the normal floats, go
+// to the C library.
+static bool quickFloat(const Decimal& d, float& f) {
+    double v;
+    if (!quickDouble(d, v)) return false;
+    double a = std::fabs(v);
+    if (a != 0 && (a < 2 * (double)FLT_MIN || a > (double)FLT_MAX)) return false;
+    uint64_t bits;
+    memcpy(&bits, &v, sizeof bits);
+    uint64_t low = bits & ((1ull << 29) - 1);  // the bits a float drops
+    if (low >= (1ull << 28) - 1 && low <= (1ull << 28) + 1) return false;
+    f = (float)v;
+    return true;
+}
+
 bool OrvScanNumber(std::istream& in, float& value) {
     char text[128];
-    if (!takeNumber(in, text, sizeof text, true)) return false;
+    Decimal d;
+    if (!takeNumber(in, text, sizeof text, true, &d)) return false;
+    float quick;
+    if (quickFloat(d, quick)) {
+        value = quick;
+        return true;
+    }
     errno = 0;
     float v = strtof(text, nullptr);
     if (errno == ERANGE && (v > 1 || v < -1)) {

@@ -1,0 +1,540 @@
+// The text form of vertex data: byte layouts, round trips of every class,
+// shares and polygons written once and referred to by number, edges as raw
+// bytes, and the shared-array records.
+#include "orv/stream.h"
+#include "orv/vertex.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <typeinfo>
+#include <vector>
+
+#include "vertex_samples.h"
+
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+namespace {
+
+// Both null, or the same kind, size, flag and bytes.
+void expectSameShare(const OrvShare* a, const OrvShare* b, const char* what) {
+    ASSERT_EQ(a == nullptr, b == nullptr) << what;
+    if (!a) return;
+    EXPECT_EQ(a->kind, b->kind) << what;
+    ASSERT_EQ(a->cardinal, b->cardinal) << what;
+    EXPECT_EQ(a->isReadOnly(), b->isReadOnly()) << what;
+    EXPECT_EQ(memcmp(a->data, b->data, a->cardinal * OrvShare::elementSize(a->kind)), 0) << what;
+}
+
+void expectSameVertex(const OrvVertexData& a, const OrvVertexData& b) {
+    ASSERT_NE(a.vertex, nullptr);
+    ASSERT_NE(b.vertex, nullptr);
+    EXPECT_EQ(typeid(*a.vertex), typeid(*b.vertex));
+    EXPECT_EQ(a.vertexCardinal(), b.vertexCardinal());
+    expectSameShare(a.vertexSharedAnyPoints(), b.vertexSharedAnyPoints(), "points");
+    expectSameShare(a.vertexSharedColors(), b.vertexSharedColors(), "colors");
+    expectSameShare(a.vertexSharedNormals(), b.vertexSharedNormals(), "normals");
+    expectSameShare(a.vertexSharedTextures(), b.vertexSharedTextures(), "textures");
+    expectSameShare(a.vertexSharedEdges(), b.vertexSharedEdges(), "edges");
+    expectSameShare(a.vertexSharedIndex(), b.vertexSharedIndex(), "index");
+}
+
+void expectSameFace(const OrvFace& a, const OrvFace& b) {
+    expectSameVertex(a, b);
+    ASSERT_EQ(a.color() == nullptr, b.color() == nullptr);
+    if (a.color()) {
+        EXPECT_EQ(*a.color(), *b.color());
+    }
+    // Normals are as exact as the six digits of the format.
+    ASSERT_EQ(a.normal() == nullptr, b.normal() == nullptr);
+    if (a.normal()) {
+        EXPECT_NEAR(a.normal()->x, b.normal()->x, 1e-6);
+        EXPECT_NEAR(a.normal()->y, b.normal()->y, 1e-6);
+        EXPECT_NEAR(a.normal()->z, b.normal()->z, 1e-6);
+    }
+    EXPECT_EQ(a.bbox, b.bbox);
+}
+
+void expectSameSet(const OrvFaceSet& a, const OrvFaceSet& b) {
+    ASSERT_EQ(a.faceCardinal(), b.faceCardinal());
+    for (OrvLink *l = a.faces.first, *m = b.faces.first; l; l = l->next, m = m->next)
+        expectSameFace(*(OrvFace*)l->value, *(OrvFace*)m->value);
+    EXPECT_EQ(a.bbox, b.bbox);
+}
+
+std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) out.push_back(line);
+    return out;
+}
+
+void expectLines(const std::string& text, const std::vector<std::string>& expected) {
+    std::vector<std::string> got = lines(text);
+    for (size_t i = 0; i < got.size() && i < expected.size(); i++)
+        EXPECT_EQ(got[i], expected[i]) << "line " << i + 1;
+    EXPECT_EQ(got.size(), expected.size());
+}
+
+}  // namespace
+
+TEST(VertexText, PolygonLayout) {
+    OrvShare* points = sampleShare<Orv3dPoint>({{0, 0, 0}, {1.5f, 0, 0}, {0, -2, 1e-5f}});
+    OrvShare* colors = sampleShare<OrvRGB>({{1, 0, 0}, {0, 1, 0}, {0, 0, 0.5f}}, 1);
+    OrvShare* edges = sampleShare<OrvEdge>({1, 0, 1});
+    OrvPolygon plain, indexed;
+    plain.setNonIndexed(points, colors, nullptr, nullptr, nullptr);
+    indexed.setIndexed(points, nullptr, nullptr, nullptr, edges);
+    unsigned v[12] = {0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2},
+             e[12] = {2, 1, 0, 2, 1, 0, 2, 1, 0, 2, 1, 0};
+    indexed.setIndex(1, 12, v, nullptr, nullptr, e, nullptr);
+    std::string text = sampleText([&](OrvOStream& out) {
+        plain.write(out);
+        out.indentation = 1;
+        indexed.write(out);
+    });
+    expectLines(text, {"polygon {",
+                       "\tindexed\t\tno",
+                       "\trational\tno",
+                       "\tpointCardinal\t3\treadWrite",
+                       "\tcolorCardinal\t3\treadOnly",
+                       "\tnormalCardinal\t0\treadWrite",
+                       "\ttextureCardinal\t0\treadWrite",
+                       "\tedgeCardinal\t0\treadWrite",
+                       "\tpoint 1 [",
+                       "\t\t0 0 0,",
+                       "\t\t1.5 0 0,",
+                       "\t\t0 -2 1e-05",
+                       "\t]",
+                       "\tcolor 2 [",
+                       "\t\t1 0 0,",
+                       "\t\t0 1 0,",
+                       "\t\t0 0 0.5",
+                       "\t]",
+                       "}",
+                       "\tpolygon {",
+                       "\t\tindexed\t\tyes",
+                       "\t\tindexCardinal\t24\treadOnly",
+                       "\t\trational\tno",
+                       "\t\tpointCardinal\t3\treadWrite",
+                       "\t\tcolorCardinal\t0\treadWrite",
+                       "\t\tnormalCardinal\t0\treadWrite",
+                       "\t\ttextureCardinal\t0\treadWrite",
+                       "\t\tedgeCardinal\t3\treadWrite",
+                       "\t\tpoint\t.USE 1",
+                       "\t\tedge 3 [",
+                       "\t\t\t\x01,",
+                       std::string("\t\t\t\0,", 5),
+                       "\t\t\t\x01",
+                       "\t\t]",
+                       "\t\tpointIndex 4 [",
+                       "\t\t\t0, 1, 2, 0, 1, 2, 0, 1, 2, 0,",
+                       "\t\t\t1, 2",
+                       "\t\t]",
+                       "\t\tedgeIndex 4 [",
+                       "\t\t\t2, 1, 0, 2, 1, 0, 2, 1, 0, 2,",
+                       "\t\t\t1, 0",
+                       "\t\t]",
+                       "\t}"});
+    // The edges come back from their bytes, 0 among them.
+    std::istringstream in(text);
+    OrvIStream reader(nullptr, in);
+    OrvPolygon* first = OrvPolygon::read(reader);
+    OrvPolygon* second = OrvPolygon::read(reader);
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    expectSameVertex(plain, *first);
+    expectSameVertex(indexed, *second);
+    EXPECT_EQ(second->vertexEdges()[1], 0);
+    EXPECT_EQ(second->vertexEdges()[2], 1);
+    EXPECT_EQ(first->vertexSharedPoints(), second->vertexSharedPoints());
+    EXPECT_EQ(first->bbox, plain.bbox);
+    delete first;
+    delete second;
+    for (OrvShare* s : {points, colors, edges}) s->unLock();
+}
+
+TEST(VertexText, SeriesAndStripSetLayout) {
+    OrvShare* points =
+        sampleShare<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0, 2, 0}, {1, 2, 0}});
+    OrvSeries mesh(OrvQuadMesh, 2, 1);
+    mesh.setNonIndexed(points, nullptr, nullptr, nullptr, nullptr);
+    mesh.computeFacesNormals();
+    OrvShare* lengths = sampleShare<unsigned>({3, 3});
+    OrvTriangleStripSet strips(lengths);
+    strips.setNonIndexed(points, nullptr, nullptr, nullptr, nullptr);
+    std::string text = sampleText([&](OrvOStream& out) {
+        mesh.write(out);
+        strips.write(out);
+    });
+    expectLines(text, {"% ... OrvSeries description",
+                       "series {",
+                       "\t% ... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, ",
+                       "\t%      3 : TriFan, 4 : Faces)",
+                       "\tulData\t0",
+                       "\tseriesData1\t2",
+                       "\tseriesData2\t1",
+                       "\tindexed\t\tno",
+                       "\trational\tno",
+                       "\tpointCardinal\t6\treadWrite",
+                       "\tcolorCardinal\t0\treadWrite",
+                       "\tnormalCardinal\t0\treadWrite",
+                       "\ttextureCardinal\t0\treadWrite",
+                       "\tedgeCardinal\t0\treadWrite",
+                       "\tpoint 1 [",
+                       "\t\t0 0 0,",
+                       "\t\t1 0 0,",
+                       "\t\t0 1 0,",
+                       "\t\t1 1 0,",
+                       "\t\t0 2 0,",
+                       "\t\t1 2 0",
+                       "\t]",
+                       "\tfaceNormal 2 [",
+                       "\t\t0 0 1,",
+                       "\t\t0 0 1",
+                       "\t]",
+                       "}",
+                       "% ... OrvTriangleStripSet description",
+                       "triangleStripSet",
+                       "% ... OrvSeries description",
+                       "series {",
+                       "\t% ... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, ",
+                       "\t%      3 : TriFan, 4 : Faces)",
+                       "\tulData\t2",
+                       "\tseriesData1\t3",
+                       "\tseriesData2\t2",
+                       "\tindexed\t\tno",
+                       "\trational\tno",
+                       "\tpointCardinal\t6\treadWrite",
+                       "\tcolorCardinal\t0\treadWrite",
+                       "\tnormalCardinal\t0\treadWrite",
+                       "\ttextureCardinal\t0\treadWrite",
+                       "\tedgeCardinal\t0\treadWrite",
+                       "\tpoint\t.USE 1",
+                       "\tfaceNormal\tNone",
+                       "}",
+                       "% Shared data ...",
+                       "cardinal\t2\treadWrite",
+                       "sharedIndex 3 [",
+                       "\t3, 3",
+                       "]"});
+    std::istringstream in(text);
+    OrvIStream reader(nullptr, in);
+    OrvSeries* m = OrvSeries::read(reader);
+    OrvTriangleStripSet* s = OrvTriangleStripSet::read(reader);
+    ASSERT_NE(m, nullptr);
+    ASSERT_NE(s, nullptr);
+    expectSameVertex(mesh, *m);
+    expectSameShare(mesh.faceNormals, m->faceNormals, "face normals");
+    EXPECT_EQ(m->kind, OrvQuadMesh);
+    EXPECT_EQ(m->rows(), 2u);
+    EXPECT_EQ(m->columns(), 1u);
+    expectSameVertex(strips, *s);
+    expectSameShare(lengths, s->stripLengths, "lengths");
+    EXPECT_EQ(s->faceCardinal(), 2u);
+    EXPECT_EQ(s->faceNormals, nullptr);
+    delete m;
+    delete s;
+    points->unLock();
+    lengths->unLock();
+}
+
+TEST(VertexText, FaceSetLayouts) {
+    SampleArrays a;
+    OrvFaceSet* compact = compactSample(a);
+    std::string text = sampleText([&](OrvOStream& out) { compact->write(out); });
+    expectLines(text, {"faceSet {",
+                       "\tfaceCardinal\t3",
+                       "\toptimized\tyes",
+                       "\tindexCardinal\t12",
+                       "\trational\tno",
+                       "\tpointCardinal\t6\treadWrite",
+                       "\tcolorCardinal\t4\treadWrite",
+                       "\tnormalCardinal\t0\treadWrite",
+                       "\ttextureCardinal\t0\treadWrite",
+                       "\tedgeCardinal\t6\treadWrite",
+                       "\tpoint 1 [",
+                       "\t\t0 0 0,",
+                       "\t\t1 0 0,",
+                       "\t\t1 1 0,",
+                       "\t\t0 1 0,",
+                       "\t\t0.5 0.5 1,",
+                       "\t\t2 -1.25 3",
+                       "\t]",
+                       "\tcolor 2 [",
+                       "\t\t1 0 0,",
+                       "\t\t0 1 0,",
+                       "\t\t0 0 1,",
+                       "\t\t0.25 0.5 0.75",
+                       "\t]",
+                       "\tedge 3 [",
+                       "\t\t\x01,",
+                       std::string("\t\t\0,", 4),
+                       "\t\t\x01,",
+                       "\t\t\x01,",
+                       std::string("\t\t\0,", 4),
+                       std::string("\t\t\0", 3),
+                       "\t]",
+                       "\tpointIndex\tyes",
+                       "\tcolorIndex\tyes",
+                       "\tnormalIndex\tno",
+                       "\ttextureIndex\tno",
+                       "\tedgeIndex\tyes",
+                       "\tfaceVertices [",
+                       "\t\t4, 3, 5",
+                       "\t]",
+                       "\tpointFIndex [",
+                       "\t\t0, 1, 2, 3, 0, 1, 4, 1, 2, 4,",
+                       "\t\t5, 3",
+                       "\t]",
+                       "\tcolorFIndex [",
+                       "\t\t0, 1, 2, 3, 0, 1, 2, 0, 1, 2,",
+                       "\t\t3, 0",
+                       "\t]",
+                       "\tedgeFIndex [",
+                       "\t\t0, 1, 2, 3, 0, 1, 4, 1, 2, 4,",
+                       "\t\t5, 3",
+                       "\t]",
+                       "\tfaceColor\t1 0 0",
+                       "\tfaceNormal\t0 0 1",
+                       "\tfaceColor\tNone",
+                       "\tfaceNormal\t0 -0.894427 0.447214",
+                       "\tfaceColor\tNone",
+                       "\tfaceNormal\tNone",
+                       "}"});
+    OrvFaceSet* full = fullSample(a);
+    std::string fullText = sampleText([&](OrvOStream& out) { full->write(out); });
+    std::vector<std::string> got = lines(fullText);
+    ASSERT_GT(got.size(), 8u);
+    EXPECT_EQ(got[0], "faceSet {");
+    EXPECT_EQ(got[1], "\tfaceCardinal\t3");
+    EXPECT_EQ(got[2], "\toptimized\tno");
+    EXPECT_EQ(got[3], "\t% ... OrvFace description");
+    EXPECT_EQ(got[4], "\tface {");
+    EXPECT_EQ(got[5], "\t\tindexed\t\tyes");
+    EXPECT_EQ(got.back(), "}");
+    EXPECT_NE(fullText.find("\t\tfaceColor\t0.5 0.25 1\n"), std::string::npos);
+    EXPECT_NE(fullText.find("\t\trational\tyes\n"), std::string::npos);
+    // The second and third face use the first's points by number.
+    EXPECT_NE(fullText.find("\t\tpoint\t.USE 1\n"), std::string::npos);
+
+    // Both read back equal, and the compact one's faces share their arrays.
+    std::istringstream in(text + fullText);
+    OrvIStream reader(nullptr, in);
+    OrvFaceSet* c = OrvFaceSet::read(reader);
+    OrvFaceSet* f = OrvFaceSet::read(reader);
+    ASSERT_NE(c, nullptr);
+    ASSERT_NE(f, nullptr);
+    expectSameSet(*compact, *c);
+    expectSameSet(*full, *f);
+    OrvFace* c0 = (OrvFace*)c->faces.first->value;
+    OrvFace* c2 = (OrvFace*)c->faces.last->value;
+    EXPECT_EQ(c0->vertexSharedPoints(), c2->vertexSharedPoints());
+    EXPECT_EQ(c0->vertexSharedEdges(), c2->vertexSharedEdges());
+    EXPECT_NE(c0->vertexSharedIndex(), c2->vertexSharedIndex());
+    // Written again, the text is the same.
+    EXPECT_EQ(sampleText([&](OrvOStream& out) { c->write(out); }), text);
+    EXPECT_EQ(sampleText([&](OrvOStream& out) { f->write(out); }), fullText);
+    for (OrvFaceSet* s : {compact, full, c, f}) delete s;
+}
+
+TEST(VertexText, SharedNumbersAcrossObjects) {
+    SampleArrays a;
+    OrvPolygon p1;
+    p1.setIndexed(a.points, a.colors, nullptr, nullptr, nullptr);
+    unsigned v[4] = {0, 1, 2, 3}, c[4] = {3, 2, 1, 0};
+    p1.setIndex(0, 4, v, c, nullptr, nullptr, nullptr);
+    OrvPolygon p2(p1);  // the very same arrays and index
+    OrvPolygon p3;      // other arrays
+    p3.setNonIndexed(a.points4d, nullptr, nullptr, nullptr, nullptr);
+    OrvPolygon p4(p3);
+    // The same index values in a share of its own: the index goes by number.
+    OrvPolygon p5;
+    p5.setIndexed(a.points, a.colors, nullptr, nullptr, nullptr);
+    p5.setIndex(0, 4, v, c, nullptr, nullptr, nullptr);
+    OrvSeries fan(OrvTriFan, 3, 0);
+    fan.setNonIndexed(a.points, nullptr, nullptr, nullptr, nullptr);
+    OrvFace face;
+    face.setIndexed(a.points, a.colors, nullptr, nullptr, nullptr);
+    face.setIndex(0, 4, v, c, nullptr, nullptr, nullptr);
+    std::string text = sampleText([&](OrvOStream& out) {
+        p1.write(out);
+        fan.write(out);
+        p2.write(out);
+        p3.write(out);
+        face.write(out);
+        p4.write(out);
+        p5.write(out);
+        p2.write(out);
+        out << (const OrvShare*)a.points;
+    });
+    std::vector<std::string> got = lines(text);
+    std::vector<std::string> uses;
+    for (const std::string& l : got)
+        if (l.find(".USE") != std::string::npos) uses.push_back(l);
+    EXPECT_EQ(uses, std::vector<std::string>({
+                        "\tpoint\t.USE 1",       // the fan
+                        "polygon\t.USE 1",       // p2
+                        "\tpoint\t.USE 1",       // the face
+                        "\tcolor\t.USE 2",       //
+                        "\tpointIndex\t.USE 3",  // the face's index equals p1's
+                        "polygon\t.USE 2",       // p4
+                        "\tpoint\t.USE 1",       // p5
+                        "\tcolor\t.USE 2",       //
+                        "\tpointIndex\t.USE 3",  //
+                        "polygon\t.USE 1",       // p2 again
+                        "sharedPoints\t.USE 1",  // the record form, same number
+                    }));
+
+    std::istringstream in(text);
+    OrvIStream reader(nullptr, in);
+    OrvPolygon* r1 = OrvPolygon::read(reader);
+    OrvSeries* rfan = OrvSeries::read(reader);
+    OrvPolygon* r2 = OrvPolygon::read(reader);
+    OrvPolygon* r3 = OrvPolygon::read(reader);
+    OrvFace* rface = OrvFace::read(reader);
+    OrvPolygon* r4 = OrvPolygon::read(reader);
+    OrvPolygon* r5 = OrvPolygon::read(reader);
+    OrvPolygon* r2again = OrvPolygon::read(reader);
+    OrvShare* shared = nullptr;
+    reader >> shared;
+    for (OrvVertexData* d : std::vector<OrvVertexData*>{r1, rfan, r2, r3, rface, r4, r5, r2again})
+        ASSERT_NE(d, nullptr);
+    expectSameVertex(p1, *r1);
+    expectSameVertex(p3, *r3);
+    expectSameVertex(face, *rface);
+    expectSameVertex(fan, *rfan);
+    // Shared in memory as they were in the file.
+    EXPECT_EQ(r2->vertexSharedIndex(), r1->vertexSharedIndex());
+    EXPECT_EQ(r2again->vertexSharedIndex(), r1->vertexSharedIndex());
+    EXPECT_EQ(r4->vertexSharedPoints4d(), r3->vertexSharedPoints4d());
+    EXPECT_EQ(r5->vertexSharedIndex(), r1->vertexSharedIndex());
+    EXPECT_EQ(rface->vertexSharedIndex(), r1->vertexSharedIndex());
+    EXPECT_EQ(rfan->vertexSharedPoints(), r1->vertexSharedPoints());
+    EXPECT_EQ(shared, r1->vertexSharedPoints());
+    EXPECT_EQ(r2->bbox, r1->bbox);
+    // Each object holds its own locks: the reader can go first.
+    OrvShare* points = r1->vertexSharedPoints();
+    int locks = points->lockCount;
+    for (OrvVertexData* d : std::vector<OrvVertexData*>{r1, rfan, r2, r3, rface, r4, r5, r2again})
+        delete d;
+    EXPECT_EQ(points->lockCount, locks - 6);
+}
+
+TEST(VertexText, SharedRecords) {
+    SampleArrays a;
+    std::vector<unsigned> many;
+    for (unsigned i = 0; i < 23; i++) many.push_back(i * 7);
+    OrvShare* index = sampleShare(many, 1);
+    OrvShare* one = sampleShare<OrvTextureUV>({{0.5f, 1}});
+    std::string text = sampleText([&](OrvOStream& out) {
+        out << (const OrvShare*)one;
+        out.indentation = 2;
+        out << (const OrvShare*)index;
+        out << (const OrvShare*)one;
+        out.indentation = 0;
+        for (OrvShare* s : {a.points, a.points4d, a.colors, a.normals, a.edges}) out << s;
+        OrvVertexData::writeNormals(out, a.normals);  // the vertex form, by number
+        out << OrvRGB(1, 0.5f, 0);
+    });
+    std::vector<std::string> got = lines(text);
+    std::vector<std::string> head(got.begin(), got.begin() + 17);
+    EXPECT_EQ(head,
+              std::vector<std::string>(
+                  {"% Shared data ...", "cardinal\t1\treadWrite", "sharedTextures 1 [", "\t0.5 1",
+                   "]", "\t\t% Shared data ...", "\t\tcardinal\t23\treadOnly",
+                   "\t\tsharedIndex 2 [", "\t\t\t0, 7, 14, 21, 28, 35, 42, 49, 56, 63,",
+                   "\t\t\t70, 77, 84, 91, 98, 105, 112, 119, 126, 133,", "\t\t\t140, 147, 154",
+                   "\t\t]", "\t\tsharedTextures\t.USE 1", "% Shared data ...",
+                   "cardinal\t6\treadWrite", "sharedPoints 3 [", "\t0 0 0,"}));
+    for (const char* key :
+         {"sharedPoints4d 4 [", "sharedColors 5 [", "sharedVectors 6 [", "sharedEdges 7 ["})
+        EXPECT_NE(text.find(std::string("\n") + key + "\n"), std::string::npos) << key;
+    EXPECT_NE(text.find("\nnormal\t.USE 6\n"), std::string::npos);
+    EXPECT_EQ(got.back(), "faceColor\t1 0.5 0");
+
+    std::istringstream in(text);
+    OrvIStream reader(nullptr, in);
+    OrvShare *t1 = nullptr, *ix = nullptr, *t2 = nullptr;
+    reader >> t1 >> ix >> t2;
+    expectSameShare(one, t1, "textures");
+    expectSameShare(index, ix, "index");
+    EXPECT_EQ(t1, t2);
+    for (OrvShare* s : {a.points, a.points4d, a.colors, a.normals, a.edges}) {
+        OrvShare* back = nullptr;
+        reader >> back;
+        expectSameShare(s, back, "record");
+    }
+    OrvShare* normals = OrvVertexData::readNormals(reader, 3, 0);
+    expectSameShare(a.normals, normals, "vertex form");
+    OrvRGB color;
+    reader >> color;
+    EXPECT_EQ(color, OrvRGB(1, 0.5f, 0));
+    EXPECT_EQ(reader.faults, 0u);
+
+    // Bad records: one message each and no share.
+    struct {
+        const char* text;
+        const char* message;
+    } bad[] = {
+        {"sharedPoints\t.USE 9", "OrvIStream : readSharedPoints : Can't find shared index.\n"},
+        {"sharedThings\t.USE 1", "OrvIStream : OrvShare : Bad key (sharedThings).\n"},
+        {"cardinal 1 readSome sharedEdges 1 [ \x01 ]",
+         "OrvIStream: OrvShare : Bad flag (readOnly or readWrite - readSome)\n"},
+        {"cardinal 2 readOnly sharedColors 1 ( 1 1 1, 0 0 0 ]",
+         "OrvIStream : readSharedColors : Bad data begin separator. \n"},
+        {"cardinal 2 readOnly sharedColors 1 [ 1 1 1; 0 0 0 ]",
+         "OrvIStream : readSharedColors : Bad comma separator.\n"},
+        {"cardinal 2 readOnly sharedIndex 1 [ 1, 2 )",
+         "OrvIStream : readSharedIndex : Bad data end separator.\n"},
+        {"faceColour 1 1 1", "OrvIStream : Bad data.\n"},
+    };
+    for (const auto& b : bad) {
+        std::istringstream bin(b.text);
+        OrvIStream r(nullptr, bin);
+        OrvShare* s = nullptr;
+        CaptureStdout();
+        if (strncmp(b.text, "faceC", 5)) {
+            r >> s;
+        } else {
+            OrvRGB c(9, 9, 9);
+            r >> c;
+            EXPECT_EQ(c, OrvRGB(9, 9, 9));
+        }
+        EXPECT_EQ(GetCapturedStdout(), b.message) << b.text;
+        EXPECT_EQ(s, nullptr) << b.text;
+    }
+    CaptureStdout();
+    sampleText([](OrvOStream& out) { out << (const OrvShare*)nullptr; });
+    EXPECT_EQ(GetCapturedStdout(), "OrvOStream::writeSharedData : Bad arguments. \n");
+    index->unLock();
+    one->unLock();
+}
+
+TEST(VertexText, WritersRefuseInvalidData) {
+    SampleArrays a;
+    OrvVertexData empty, plain, unindexed;
+    plain.createNonIndexedVertex(a.points, nullptr, nullptr, nullptr, nullptr);
+    unindexed.createIndexedVertex(a.points, nullptr, nullptr, nullptr, nullptr);
+    struct {
+        const OrvVertexData* data;
+        bool indexed;
+        const char* message;
+    } rows[] = {
+        {&empty, false, "OrvVertexData::writeNonIndexed : Invalid vertex data.\n"},
+        {&empty, true, "OrvVertexData::writeIndexed : Invalid vertex data.\n"},
+        {&unindexed, true, "OrvVertexData::writeIndexed : Invalid vertex data.\n"},
+        {&plain, true, "OrvVertexData::writeIndexed : Non indexed vertex data.\n"},
+    };
+    for (const auto& r : rows) {
+        CaptureStdout();
+        std::string text = sampleText([&](OrvOStream& out) {
+            EXPECT_EQ(r.indexed ? r.data->writeIndexed(out) : r.data->writeNonIndexed(out), 0u);
+        });
+        EXPECT_EQ(GetCapturedStdout(), r.message);
+        EXPECT_EQ(text, "");
+    }
+}
