@@ -1,6 +1,6 @@
 // Lists, association lists, hash tables and interned keys, with what each
 // step did printed on the standard output.
-#include <orv/base.h>
+#include <orv/orvis.h>
 
 #include <cstdio>
 

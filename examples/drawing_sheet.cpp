@@ -9,16 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "orv/canvas.h"
-#include "orv/director.h"
-#include "orv/event.h"
-#include "orv/makeup.h"
-#include "orv/region.h"
-#include "orv/resource.h"
-#include "orv/view.h"
-
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
+#include <orv/orvis.h>
 
 static const int W = 760, H = 560;
 
@@ -179,46 +170,6 @@ static void quit(OrvView*, void*) {
     OrvExit(0);
 }
 
-// Writes the window's pixels as a binary PPM, through the colormap on any visual.
-static bool writePPM(Display* dpy, Window w, unsigned long colormap, const char* path) {
-    XWindowAttributes a;
-    if (!XGetWindowAttributes(dpy, w, &a)) return false;
-    XImage* im = XGetImage(dpy, w, 0, 0, a.width, a.height, AllPlanes, ZPixmap);
-    if (!im) return false;
-    FILE* f = fopen(path, "wb");
-    if (!f) {
-        XDestroyImage(im);
-        return false;
-    }
-    fprintf(f, "P6\n%d %d\n255\n", a.width, a.height);
-    static XColor cache[256];
-    static bool known[256];
-    for (int y = 0; y < a.height; y++)
-        for (int x = 0; x < a.width; x++) {
-            unsigned long p = XGetPixel(im, x, y);
-            unsigned char rgb[3];
-            if (a.depth > 8) {
-                rgb[0] = (unsigned char)(p >> 16);
-                rgb[1] = (unsigned char)(p >> 8);
-                rgb[2] = (unsigned char)p;
-            } else {
-                p &= 255;
-                if (!known[p]) {
-                    cache[p].pixel = p;
-                    XQueryColor(dpy, (Colormap)colormap, &cache[p]);
-                    known[p] = true;
-                }
-                rgb[0] = (unsigned char)(cache[p].red >> 8);
-                rgb[1] = (unsigned char)(cache[p].green >> 8);
-                rgb[2] = (unsigned char)(cache[p].blue >> 8);
-            }
-            fwrite(rgb, 1, 3, f);
-        }
-    fclose(f);
-    XDestroyImage(im);
-    return true;
-}
-
 int main(int argc, char** argv) {
     const char* shot = nullptr;
     for (int i = 1; i < argc; i++)
@@ -231,10 +182,8 @@ int main(int argc, char** argv) {
     if (!shot) OrvPlay();
 
     // Wait until the window shows, then draw once and save it.
-    Display* dpy = (Display*)d->display;
     for (int i = 0; i < 300; i++) {
-        XWindowAttributes a;
-        if (XGetWindowAttributes(dpy, sheet.view->window(), &a) && a.map_state == IsViewable) break;
+        if (sheet.view->isViewable()) break;
         OrvDispatchToDirector();
         usleep(10000);
     }
@@ -243,8 +192,7 @@ int main(int argc, char** argv) {
         usleep(10000);
     }
     sheet.draw();
-    XSync(dpy, False);
-    bool ok = writePPM(dpy, sheet.view->window(), sheet.view->colormap, shot);
+    bool ok = OrvSaveViewPPM(sheet.view, shot) == 1;
     printf("%s %s\n", ok ? "wrote" : "could not write", shot);
     delete sheet.view;
     delete d;

@@ -3,8 +3,12 @@
 //   editor                 opens a window on $DISPLAY; use it with the mouse:
 //                          s select (click, shift-click, rubber band, move,
 //                          handles), m move, r reshape by handles, c create
-//                          rectangles; Delete, control-X, -C, -V, -D, -A, -B,
-//                          arrows and control-Z/-U/-O as usual; q quits.
+//                          rectangles, l link two shapes (drag from one to the
+//                          other), b the same with a bent link, u bring the
+//                          selection to the front; Alt-Z undoes and Alt-Y
+//                          redoes every edit; Delete, control-X, -C, -V, -D,
+//                          -A, -B, arrows and control-Z (zoom)/-U/-O as usual;
+//                          q quits.
 //   editor --script DIR    drives itself with XTest, writes a screenshot of
 //                          each step as DIR/editor-NN-step.ppm, and exits.
 #include <cstdio>
@@ -14,17 +18,10 @@
 
 #include <string>
 
-#include "orv/actor.h"
-#include "orv/director.h"
-#include "orv/makeup.h"
-#include "orv/producer.h"
-#include "orv/resource.h"
-#include "orv/role.h"
-#include "orv/shapes.h"
-#include "orv/stage.h"
+#include <orv/orvis.h>
 
+// Only the scripted session speaks to X itself: XTest plays the mouse and the keyboard.
 #include <X11/Xlib.h>
-#include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
@@ -38,7 +35,7 @@ public:
         if (r.w < 3 || r.h < 3) return;  // a click makes nothing
         OrvActor* a = new OrvFilledRectangle(stage->director, r, makeUp);
         stage->deSelect();
-        stage->append(a, 0);
+        OrvEditAppend(stage, a, 0);
         a->setSelected(1);
     }
     const char* className() const override { return "CreateRectangle"; }
@@ -51,6 +48,9 @@ struct Editor {
     OrvMoveProducer* move = nullptr;
     OrvReshapeProducer* reshape = nullptr;
     CreateRectangleProducer* create = nullptr;
+    OrvMakeLinkProducer* link = nullptr;
+    OrvMakeOneLinkProducer* bentLink = nullptr;
+    OrvUndoStack history;
     int quit = 0;
 
     void mode(OrvProducer* p, const char* name) {
@@ -70,6 +70,19 @@ public:
         : OrvAccelerator(OrvKeyDown, onKey, 0), editor(e), producer(p), name(modeName) {}
     int input2d(OrvStage*, const OrvEvent&) override {
         editor->mode(producer, name);
+        return 1;
+    }
+};
+
+// Brings the selected actors to the front of their layer, one undoable step each.
+class FrontAccelerator : public OrvAccelerator {
+public:
+    FrontAccelerator() : OrvAccelerator(OrvKeyDown, 'u', 0) {}
+    int input2d(OrvStage* stage, const OrvEvent&) override {
+        unsigned n = 0;
+        OrvActor** selected = stage->selections(n);
+        for (unsigned i = 0; i < n; i++) OrvEditPop(stage, selected[i]);
+        delete[] selected;
         return 1;
     }
 };
@@ -106,18 +119,31 @@ static void Build(Editor& e) {
     s->append(new OrvFilledEllipse(d, Orv2dRect(60, 200, 140, 90), Colour(d, "forest green")), 0);
     s->append(new OrvRectangle(d, Orv2dRect(340, 220, 100, 100), Colour(d, "black")), 0);
     s->append(new OrvLine(d, Orv2dPoint(330, 40), Orv2dPoint(450, 160), Colour(d, "black")), 0);
+    // A small linked diagram: the links lie in layer 1, over the shapes.
+    OrvStageLayer* shapes = s->layer(0, 0);
+    OrvMakeUp* ink = Colour(d, "dark slate gray");
+    s->append(new OrvLinkImage(d, shapes->actors[0], shapes->actors[1], 1, 1.0f, ink), 1);
+    s->append(new OrvOneLinkImage(d, shapes->actors[0], shapes->actors[2], 1, 1.0f, ink), 1);
+    s->append(new OrvDoubleLinkImage(d, shapes->actors[1], shapes->actors[3], 1, 1.0f, ink), 1);
 
     e.select = new OrvSelectProducer(s);
     e.move = new OrvMoveProducer(s);
     e.reshape = new OrvReshapeProducer(s);
     e.create = new CreateRectangleProducer(s, Colour(d, "orange"));
+    e.link = new OrvMakeLinkProducer(s, e.select, 1, ink);
+    e.bentLink = new OrvMakeOneLinkProducer(s, e.select, 1, ink);
     // Mode keys first: the earliest added wins.
     s->add(new ModeAccelerator(&e, 's', e.select, "select"));
     s->add(new ModeAccelerator(&e, 'm', e.move, "move"));
     s->add(new ModeAccelerator(&e, 'r', e.reshape, "reshape"));
     s->add(new ModeAccelerator(&e, 'c', e.create, "create rectangle"));
+    s->add(new ModeAccelerator(&e, 'l', e.link, "link"));
+    s->add(new ModeAccelerator(&e, 'b', e.bentLink, "bent link"));
+    s->add(new FrontAccelerator());
     s->add(new QuitAccelerator(&e));
     s->installAccelerators(0);
+    s->setUndoStack(&e.history);
+    s->installUndoAccelerators();
     s->onExit(new QuitOnClose(&e));
     e.mode(e.select, "select");
 }
@@ -145,28 +171,13 @@ static void Pump(Editor& e, int ms) {
 }
 
 static void Shot(Editor& e, const char* dir, int n, const char* step) {
-    Display* dpy = (Display*)e.director->display;
     Pump(e, 80);
     char path[1024];
     snprintf(path, sizeof path, "%s/editor-%02d-%s.ppm", dir, n, step);
-    XImage* im = XGetImage(dpy, e.stage->window(), 0, 0, e.stage->width, e.stage->height, AllPlanes,
-                           ZPixmap);
-    FILE* f = im ? fopen(path, "wb") : nullptr;
-    if (!f) {
+    if (!OrvSaveViewPPM(e.stage, path)) {
         fprintf(stderr, "editor: cannot write %s\n", path);
-        if (im) XDestroyImage(im);
         return;
     }
-    fprintf(f, "P6\n%lu %lu\n255\n", e.stage->width, e.stage->height);
-    for (unsigned long y = 0; y < e.stage->height; y++)
-        for (unsigned long x = 0; x < e.stage->width; x++) {
-            unsigned long p = XGetPixel(im, x, y);
-            unsigned char rgb[3] = {(unsigned char)(p >> 16), (unsigned char)(p >> 8),
-                                    (unsigned char)p};
-            fwrite(rgb, 1, 3, f);
-        }
-    fclose(f);
-    XDestroyImage(im);
     printf("editor: step %d, %s: %u actors, %u selected -> %s\n", n, step, e.stage->cardinal(),
            e.stage->selectionList.length(), path);
 }
@@ -264,6 +275,14 @@ static int RunScript(Editor& e, const char* dir) {
     s.pick(340, 250);  // the outlined square, on its outline
     s.key(XK_x, XK_Control_L);
     Shot(e, dir, n++, "cut");
+    s.key(XK_l);
+    s.drag(60, 320, 390, 100);  // from the created rectangle to the line
+    Shot(e, dir, n++, "link");
+    s.key(XK_z, XK_Alt_L);
+    s.key(XK_z, XK_Alt_L);
+    Shot(e, dir, n++, "undo-twice");
+    s.key(XK_y, XK_Alt_L);
+    Shot(e, dir, n++, "redo");
     s.key(XK_q);
     return e.quit ? 0 : 1;
 }

@@ -1,6 +1,6 @@
 // A tour of the geometry foundation: a rotating stage matrix, a region of
 // invalidated rectangles, a flattened Bézier curve and a hit test on it.
-#include <orv/region.h>
+#include <orv/orvis.h>
 
 #include <cstdio>
 

@@ -14,18 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "orv/actor.h"
-#include "orv/canvas.h"
-#include "orv/director.h"
-#include "orv/layer.h"
-#include "orv/makeup.h"
-#include "orv/resource.h"
-#include "orv/shapes.h"
-#include "orv/stage.h"
-#include "orv/view.h"
-
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
+#include <orv/orvis.h>
 
 static const unsigned kWidth = 800, kHeight = 600;
 
@@ -55,27 +44,10 @@ struct Palette {
 };
 
 static void writeShot(OrvView* view, const std::string& path) {
-    Display* dpy = (Display*)view->director->display;
-    XSync(dpy, False);
-    XImage* im =
-        XGetImage(dpy, view->window(), 0, 0, view->width, view->height, AllPlanes, ZPixmap);
-    FILE* f = im ? fopen(path.c_str(), "wb") : nullptr;
-    if (!f) {
+    if (OrvSaveViewPPM(view, path.c_str()))
+        printf("screenshot %s\n", path.c_str());
+    else
         printf("could not write %s\n", path.c_str());
-        if (im) XDestroyImage(im);
-        return;
-    }
-    fprintf(f, "P6\n%lu %lu\n255\n", view->width, view->height);
-    for (unsigned long y = 0; y < view->height; y++)
-        for (unsigned long x = 0; x < view->width; x++) {
-            unsigned long p = XGetPixel(im, (int)x, (int)y);
-            unsigned char rgb[3] = {(unsigned char)(p >> 16), (unsigned char)(p >> 8),
-                                    (unsigned char)p};
-            fwrite(rgb, 1, 3, f);
-        }
-    fclose(f);
-    XDestroyImage(im);
-    printf("screenshot %s\n", path.c_str());
 }
 
 // The scene: tiles at the back, figures, lines and labels, then the movers.

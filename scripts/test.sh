@@ -11,9 +11,12 @@ status=0
 
 echo "== format"
 mapfile -t sources < <(find src include tests examples bench fuzz -name '*.cpp' -o -name '*.h' | sort)
+summary=""
 if ! clang-format --dry-run --Werror "${sources[@]}" 2>/tmp/orv-format.$$; then
+  unformatted=$(grep -o '^[^:]*\.\(cpp\|h\)' /tmp/orv-format.$$ | sort -u | sed 's/^/  /')
   echo "these sources differ from .clang-format (run clang-format -i on them):"
-  grep -o '^[^:]*\.\(cpp\|h\)' /tmp/orv-format.$$ | sort -u | sed 's/^/  /'
+  echo "$unformatted"
+  summary+="unformatted sources:"$'\n'"$unformatted"$'\n'
   status=1
 fi
 rm -f /tmp/orv-format.$$
@@ -27,7 +30,6 @@ export ASAN_OPTIONS=detect_leaks=1:abort_on_error=0
 export LSAN_OPTIONS="suppressions=$ROOT/scripts/lsan.supp:print_suppressions=0"
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 JOBS=$(nproc)
-summary=""
 
 # The failing tests of one ctest run, each with the first lines that say why.
 failures() {

@@ -210,6 +210,10 @@ public:
     virtual void computeFocusRegion2d(Orv2dRegion& region, const Orv2dMatrix* matrix);
     virtual void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix);
     virtual void apply2d(const Orv2dMatrix& matrix);
+    // Takes the geometry (never the identity, make-up or flags) of an actor of
+    // the same class, with no repaint: the caller nests it. 0 when the class
+    // cannot, as here; undo then maps the actor back by the inverse matrix.
+    virtual unsigned long copyGeometry(const OrvActor& source);
     virtual Orv2dRect bbox2d(const Orv2dMatrix* matrix) const;
     virtual unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix);
 
@@ -313,13 +317,14 @@ protected:
 
 ORV_DECLARE_CLASS_INIT(OrvActor)
 
-// Keys of the user properties that actors hold; made once, by the first use.
+// Keys of the user properties that actors hold; made once, by the first use. These global names
+// (no prefix, an "A" at the end) are kept as they are for file/behaviour compatibility.
 extern OrvKey* callbackA;
 extern OrvKey* secondaryCallbackA;
 extern OrvKey* callbackNameA;
 extern OrvKey* secondaryCallbackNameA;
 extern OrvKey* nameA;
-extern OrvKey* roleA;
+extern OrvKey* roleA;  // the key "P_baheviour": misspelt, kept as it is for file compatibility
 extern OrvKey* engineA;
 
 // "P_layer" and "T_layer": the stage and the theater that hold an actor.

@@ -221,7 +221,8 @@ float* OrvAllocFloat(unsigned n);
 void** OrvAllocInternalPointers(unsigned n);
 
 // 16x16 one-bit patterns (sixteen rows of two bytes) expanded from compact
-// tiles, each in a static buffer of its own overload.
+// tiles, each in a static buffer of its own overload. The name, without the prefix, is kept as
+// it is for behaviour compatibility.
 char* MakeData(unsigned short tile4x4);
 char* MakeData(unsigned int twoRows);
 char* MakeData(unsigned int a, unsigned int b);

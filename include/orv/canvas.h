@@ -151,19 +151,29 @@ public:
     void lock();
     void unLock();
     void setMask(OrvBitmap* mask);
+    // The pixels of a rectangle in the server's ZPixmap layout, `size` bytes: a new array,
+    // free with delete[]; null when the rectangle is empty or cannot be read.
     unsigned char* getBits(unsigned long& size, const Orv2dRect& rect) const;
     void setBits(const Orv2dRect& rect, const unsigned char* data, unsigned long size,
                  unsigned short pad, unsigned long lsbFirst);
     void useColor(OrvColor* color);
 };
 
-// Sets the raster function of the canvas's depth-1 graphic context.
+// Writes the pixels of a canvas (a view's window, which must be showing, or a bitmap) as a
+// binary PPM: "P6\n<width> <height>\n255\n", then the rows from the top, three bytes a pixel.
+// Colours come through the canvas's visual (the colormap on indexed screens); a set bit of a
+// depth-1 bitmap is black. 1 when written; 0, with a message, when nothing could be.
+int OrvSaveViewPPM(const OrvCanvas* canvas, const char* file);
+
+// Sets the raster function of the canvas's depth-1 graphic context. The name, without the
+// prefix, is kept as it is for behaviour compatibility.
 void SetDepth1Mode(const OrvCanvas* canvas, OrvDrawMode mode, unsigned long on);
 
 // Splits a text at newlines into static copies, valid until the next call.
 char** OrvTextToLabels(const char* text, unsigned& count);
 
-// Copies between the front and back GL buffers of a 3D view.
+// Copies between the front and back GL buffers of a 3D view. The name, bracketed like a
+// file-local one, is kept as it is for behaviour compatibility.
 unsigned long _OrvBitBlit_(const OrvView* view, const Orv2dRect& rect, unsigned long direction,
                            unsigned long flag);
 

@@ -144,7 +144,8 @@ public:
     OrvMakeUp* tmpMakeUp();
     void addMakeUp(OrvMakeUp* makeUp);
     void remove(OrvMakeUp* makeUp);
-    // Plain X graphic contexts of depth 1 and 8 for a canvas, made at first use.
+    // Plain X graphic contexts of depth 1 and 8 for a canvas, made at first use, not make-ups:
+    // the names are kept as they are for behaviour compatibility.
     unsigned long defaultDepth1MakeUp(const OrvCanvas* canvas);
     unsigned long defaultDepth8MakeUp(const OrvCanvas* canvas);
     // The shared off-screen bitmap, at least width by height.

@@ -146,6 +146,7 @@ unsigned long OrvFastSkipMotionEvents();
 void OrvFastSkipMotionEvents(unsigned long on);
 int OrvFastSkipMotionEvents(OrvView* view, OrvEvent& event);
 int OrvSkipMotionEvents(OrvView* view, OrvEvent& event, void* xevent);
+// Compresses drags when set (1 at start); the name is kept as it is for behaviour compatibility.
 extern int orv_compress_drag_events;
 
 // X error handlers (Display*, XErrorEvent*), installed by every director.

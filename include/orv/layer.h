@@ -40,6 +40,9 @@ public:
     void insert(OrvActor* actor);
     int remove(OrvActor* actor);
     int position(const OrvActor* actor) const;
+    // Moves one of the layer's actors to that place in painting order (the
+    // top for an index past the end); 1 when it moved. Undo puts actors back so.
+    int moveTo(OrvActor* actor, uint32_t index);
     // To the top by exchange with the last actor: not a rotation.
     int pop(OrvActor* actor);
     // Does nothing, ever: the exchange with the bottom actor cannot be reached.

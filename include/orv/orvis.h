@@ -20,6 +20,8 @@
 #include "orv/classinfo.h"
 #include "orv/stream.h"
 #include "orv/engine.h"
+#include "orv/link.h"
+#include "orv/undo.h"
 #include "orv/relief.h"
 #include "orv/value.h"
 

@@ -67,6 +67,7 @@ public:
     unsigned long wasSelected;
     Orv2dPoint start, current;
     Orv3dPoint start3d, current3d;
+    unsigned long gesture;  // of the drag under way: its steps undo as one
 
     explicit OrvMoveProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
     int input2d(const OrvEvent& event) override;
@@ -85,7 +86,8 @@ public:
     unsigned long immediate;
     unsigned short mask;
     OrvActor* actor;
-    Orv2dPoint point;  // the moving corner, in the stage's space
+    Orv2dPoint point;       // the moving corner, in the stage's space
+    unsigned long gesture;  // of the drag under way: its steps undo as one
     Orv3dPoint point3d;
     OrvProducer* polylineEditor;  // owned; edits the vertices of polylines
 

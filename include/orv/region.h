@@ -116,12 +116,14 @@ enum OrvArcMode {
 void OrvSetDeltaLine(float delta);
 float OrvGetDeltaLine();
 
-// Arrow head length along the line (8) and half width (4).
-extern uint32_t Orvarrow_deltax;
-extern uint32_t Orvarrow_deltay;
+// Arrow head length along the line (8) and half width (4), signed. The names, with their
+// lower-case "arrow", are kept as they are for behaviour compatibility.
+extern int32_t Orvarrow_deltax;
+extern int32_t Orvarrow_deltay;
 void OrvSetArrowDelta(unsigned long x, unsigned long y);
 
-// How finely the vector fonts flatten filled glyphs.
+// How finely the vector fonts flatten filled glyphs. The name, bracketed like a file-local one,
+// is kept as it is for behaviour compatibility.
 extern float _OrvFilledBezierHeight_;
 
 int OrvVersion();

@@ -132,7 +132,7 @@ public:
     void remove(const OrvCanvas* canvas);
 
     const char* family() const;
-    const char* foundary() const;
+    const char* foundary() const;  // misspelt; kept as it is for behaviour compatibility
     Orv2dRect bbox(const char* text, int length, unsigned long mnemonic) const;
     Orv2dRect bbox(const unsigned short* text, int length, unsigned long mnemonic) const;
     int mnemonicPosition(const char* text, int length) const;

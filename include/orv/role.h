@@ -102,6 +102,7 @@ public:
     unsigned long active;
     Orv2dPoint start, current;
     Orv3dPoint start3d, current3d;
+    unsigned long gesture;  // of the drag under way: its steps undo as one
 
     OrvMoveRole();
     int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
@@ -116,8 +117,9 @@ public:
 class OrvReshapeRole : public OrvRole {
 public:
     unsigned long active;
-    Orv2dRect box;    // the new box, in the actor's space
-    Orv2dRect ghost;  // the same through the stage's transformer
+    Orv2dRect box;          // the new box, in the actor's space
+    Orv2dRect ghost;        // the same through the stage's transformer
+    unsigned long gesture;  // of the gesture under way: its steps undo as one
 
     OrvReshapeRole();
     int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;

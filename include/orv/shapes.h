@@ -27,6 +27,7 @@ public:
                  unsigned short cornerRadius = 0);
     OrvRectangle(const OrvRectangle& source);
     ORV_PERSISTENT_ACTOR(OrvRectangle)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
@@ -66,6 +67,7 @@ public:
             OrvMakeUp* look = nullptr);
     OrvLine(const OrvLine& source);
     ORV_PERSISTENT_ACTOR(OrvLine)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
@@ -89,6 +91,7 @@ public:
                  OrvMakeUp* look = nullptr, unsigned long arrowEnds = OrvArrowAtEnd);
     OrvArrowLine(const OrvArrowLine& source);
     ORV_PERSISTENT_ACTOR(OrvArrowLine)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
@@ -112,6 +115,7 @@ public:
                   OrvMakeUp* look = nullptr);
     Orv2dPolyline(const Orv2dPolyline& source);
     ORV_PERSISTENT_ACTOR(Orv2dPolyline)
+    unsigned long copyGeometry(const OrvActor& source) override;
     ~Orv2dPolyline() override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
@@ -159,6 +163,7 @@ public:
     OrvEllipse(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr);
     OrvEllipse(const OrvEllipse& source);
     ORV_PERSISTENT_ACTOR(OrvEllipse)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
     void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
@@ -191,6 +196,7 @@ public:
            unsigned long solid = 0, OrvMakeUp* look = nullptr);
     OrvArc(const OrvArc& source);
     ORV_PERSISTENT_ACTOR(OrvArc)
+    unsigned long copyGeometry(const OrvActor& source) override;
 
     unsigned long isFilled() const override { return filled; }
     float startAngle() const override { return start; }
@@ -216,6 +222,7 @@ public:
              OrvPosition align = OrvLeft, OrvMakeUp* look = nullptr);
     OrvLabel(const OrvLabel& source);
     ORV_PERSISTENT_ACTOR(OrvLabel)
+    unsigned long copyGeometry(const OrvActor& source) override;
     ~OrvLabel() override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
@@ -253,6 +260,7 @@ public:
             OrvMakeUp* look = nullptr);
     OrvIcon(const OrvIcon& source);
     ORV_PERSISTENT_ACTOR(OrvIcon)
+    unsigned long copyGeometry(const OrvActor& source) override;
     ~OrvIcon() override;
 
     Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;

@@ -21,6 +21,8 @@ class OrvCanvas;
 class OrvMakeUp;
 class OrvStage;
 class OrvScene;
+class OrvLinkImage;
+class OrvUndoStack;
 class OrvTheater;
 
 // Observer of a stage's drawing cycle and contents. Every default does
@@ -88,6 +90,7 @@ public:
     OrvList hooks;       // OrvStageHook*
     OrvStageGrid* grid;  // owned
     unsigned long destroying;
+    OrvUndoStack* undoStack;  // not owned; null records no history
     OrvExitCallback* exitCallback;
 
     // Drawing cycle
@@ -176,12 +179,39 @@ public:
     void makeSelected(OrvActor* actor);
     void deSelect();
     OrvActor* selection(unsigned int n) const;
-    // New arrays with room for count+1 pointers, null when empty; the caller frees them.
+    // The selected actors in order of selection, then a null: a new array, free with delete[];
+    // null when nothing is selected.
     OrvActor** selections(unsigned int& count) const;
+    // All actors, layer by layer from the bottom, then a null: a new array, free with delete[];
+    // null when the stage is empty.
     OrvActor** objects(unsigned int& count) const;
     OrvActor* object(const char* actorName) const;
     unsigned int cardinal() const;
     unsigned long isLink(const OrvActor* actor) const;
+
+    // Links: each joined actor keeps the links that start and end at it.
+    // Pushes the link on the front of its ends' lists; append calls it.
+    void addLink(OrvLinkImage* link);
+    // Takes the link out of both lists.
+    void removeLink(OrvLinkImage* link);
+    // Removes (and with deleteThem deletes) every link at the actor, and the
+    // links that end on those links, in a nest.
+    void removeLinks(OrvActor* actor, unsigned long deleteThem);
+    unsigned int fromLinksCardinal(OrvActor* actor) const;
+    unsigned int toLinksCardinal(OrvActor* actor) const;
+    // The nth link starting (ending) at the actor, from the newest, or null.
+    OrvLinkImage* linkFrom(OrvActor* actor, unsigned int n) const;
+    OrvLinkImage* linkTo(OrvActor* actor, unsigned int n) const;
+
+    // Undo: the stack that records this stage's edits (shared or not, the
+    // application keeps it), or null to record none.
+    void setUndoStack(OrvUndoStack* stack);
+    // Binds undo and redo to keys; by default Alt-Z and Alt-Y, since control-Z
+    // zooms in among the default accelerators.
+    void installUndoAccelerators(unsigned short undoKey = 'z',
+                                 unsigned short undoModifiers = 0x0800,
+                                 unsigned short redoKey = 'y',
+                                 unsigned short redoModifiers = 0x0800);
 
     // Event routing
     void handleInput(const OrvEvent& event) override;
@@ -225,6 +255,9 @@ private:
     void init();
     void collapseInvalidated();
     void transformerReplaced(const Orv2dMatrix* oldMatrix);
+    // Deletes every link of every layer, all out of the tables before any is
+    // deleted, so that emptying layers one by one meets no link whose end is gone.
+    void deleteLinks();
 };
 
 #endif

@@ -95,7 +95,7 @@ public:
     OrvIStream(OrvDirector*, std::istream&);
 
     virtual OrvActor* read();
-    // A new array, to be freed with delete[], or null. Reading stops at the
+    // A new array, free with delete[], or null. Reading stops at the
     // first bad object, whose entry is null: walk the array up to count or to
     // the first null, whichever comes first.
     virtual OrvActor** read(unsigned& count, unsigned long is2d);
@@ -123,7 +123,7 @@ public:
     OrvIStream& operator>>(long&);
     OrvIStream& operator>>(float&);
     OrvIStream& operator>>(double&);
-    // A label: a new copy (delete[] by the caller) replaces the pointer.
+    // A label: a new copy (free with delete[]) replaces the pointer.
     OrvIStream& operator>>(char*& label);
     OrvIStream& operator>>(OrvBitmap*&);
     OrvIStream& operator>>(Orv3dRect&);
@@ -147,7 +147,8 @@ void OrvWriteString(std::ostream&, const char* text, unsigned length = 0,
 // A static buffer, valid until the next call.
 char* OrvReadString(std::istream&);
 
-// Key and value readers; each returns 0 after reporting a different key.
+// Key and value readers; each returns 0 after reporting a different key. The names, bracketed
+// like file-local ones, are kept as they are for behaviour compatibility.
 int _OrvReadItem_(OrvIStream&, char* buffer, const char* key);
 int _OrvReadItem_(OrvIStream&, char* buffer, const char* key, char* value);
 int _OrvReadItem_(OrvIStream&, char* buffer, const char* key, unsigned long& value);

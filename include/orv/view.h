@@ -141,7 +141,8 @@ protected:
     void finishWindow(const char* title, unsigned long parentWindow);
 };
 
-// The WM_STATE property of a window (to be freed with XFree), or null.
+// The WM_STATE property of a window (to be freed with XFree), or null. The name, without the
+// prefix, is kept as it is for behaviour compatibility.
 void* CheckWinMgrState(void* display, unsigned long window);
 
 #endif

@@ -71,7 +71,7 @@ TEST_P(Bitmaps, BitsInAndOut) {
     unsigned char* bits = one->getBits(size, Orv2dRect(0, 0, 16, 2));
     ASSERT_NE(bits, nullptr);
     EXPECT_GE(size, 4u);
-    free(bits);
+    delete[] bits;
     // Deeper pixels go most significant byte first: one byte each at depth 8, four above.
     OrvBitmap* pic = new OrvBitmap(d->rootCanvas, 2, 1, d->depth);
     unsigned long red = px("red"), blue = px("blue");
@@ -94,7 +94,7 @@ TEST_P(Bitmaps, BitsInAndOut) {
     bits = pic->getBits(size, Orv2dRect(0, 0, 2, 1));
     ASSERT_NE(bits, nullptr);
     EXPECT_GE(size, d->depth == 8 ? 2u : 8u);
-    free(bits);
+    delete[] bits;
     delete pic;
     delete one;
 }

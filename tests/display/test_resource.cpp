@@ -228,7 +228,7 @@ TEST_P(Resources, PatternsOfStartUp) {
         v = (v << 1) |
             (OrvBitmapPixelForTest(d, d->pattern("dark1")->bitmap(d->rootCanvas), x) ? 1 : 0);
     EXPECT_EQ(v, 0xFAAAu);
-    free(bits);
+    delete[] bits;
     EXPECT_EQ(d->pattern("no such pattern"), nullptr);
     // A new pattern goes to the head of the list with a count of 1.
     unsigned char data[16] = {0xF0, 0x0F};  // a pattern keeps width times height bytes
@@ -442,7 +442,7 @@ TEST_P(Resources, AsciiBitmapFile) {
     unsigned long size = 0;
     unsigned char* row = b->getBits(size, Orv2dRect(0, 0, 10, 2));
     ASSERT_NE(row, nullptr);
-    free(row);
+    delete[] row;
     EXPECT_EQ(OrvBitmapPixelForTest(d, b, 0), 1u);
     EXPECT_EQ(OrvBitmapPixelForTest(d, b, 1), 0u);
     EXPECT_EQ(OrvBitmapPixelForTest(d, b, 9), 1u);

@@ -196,7 +196,7 @@ TEST_F(StageTest, LayersAreMadeOnDemandAndMovedBetween) {
     EXPECT_EQ(all[1], c);
     EXPECT_EQ(all[2], a);
     EXPECT_EQ(all[3], nullptr);
-    free(all);
+    delete[] all;
 
     // isVisible needs the layer, the layer's flag and the actor's.
     EXPECT_TRUE(stage->isVisible(a));
@@ -265,7 +265,7 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     EXPECT_EQ(s[0], c);
     EXPECT_EQ(s[1], a);
     EXPECT_EQ(s[2], nullptr);
-    free(s);
+    delete[] s;
     // A selected actor appended goes to the list at once.
     TestBox* d = new TestBox(director, red, Orv2dRect(100, 10, 20, 20));
     d->setSelected(1);
@@ -275,7 +275,7 @@ TEST_F(StageTest, SelectionsFollowTheFlags) {
     b->setSelectable(0);
     b->setSelected(1);
     EXPECT_FALSE(b->isSelected());
-    free(stage->selections(n));
+    delete[] stage->selections(n);
     EXPECT_EQ(n, 3u);
     // Handles of selections are hit through containsDragger.
     EXPECT_EQ(stage->containsDragger(Orv2dPoint(10, 10)), a);

@@ -15,7 +15,7 @@ protected:
     unsigned selected() {
         unsigned n = 0;
         OrvActor** s = stage->selections(n);
-        free(s);
+        delete[] s;
         return n;
     }
 };

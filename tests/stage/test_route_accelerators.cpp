@@ -198,7 +198,7 @@ TEST_F(RouteTest, CopyAndPasteAcrossStagesAndDirectorsThroughTheCutBuffer) {
     OrvActor** all = other->objects(count);
     ASSERT_EQ(1u, count);
     Orv2dRect box = all[0]->bbox2d(nullptr);
-    free(all);
+    delete[] all;
     EXPECT_EQ(100, box.x);
     EXPECT_EQ(70, box.y);
     EXPECT_EQ(40u, box.w);

@@ -166,7 +166,7 @@ TEST_F(StreamStage, RoundTripIsByteIdenticalAndDrawsTheSame) {
     if (getenv("ORV_STREAM_SAMPLE_OUT")) std::ofstream(getenv("ORV_STREAM_SAMPLE_OUT")) << a;
     std::vector<unsigned char> p1 = pixels(first);
     unsigned n1 = 0;
-    free(first->objects(n1));
+    delete[] first->objects(n1);
     delete first;
     stages.clear();
     OrvStage* second = newStage(0);
@@ -178,7 +178,7 @@ TEST_F(StreamStage, RoundTripIsByteIdenticalAndDrawsTheSame) {
     EXPECT_EQ(size.w, 240u);
     EXPECT_EQ(size.h, 180u);
     unsigned n2 = 0;
-    free(second->objects(n2));
+    delete[] second->objects(n2);
     EXPECT_EQ(n1, n2);
     EXPECT_EQ(n2, 14u);
     std::string b = save(second);
@@ -308,7 +308,7 @@ TEST_F(StreamStage, ReadFromFileOnThePathAndIntoOneLayer) {
     unsigned n = 0;
     OrvActor** all = t->objects(n);
     for (unsigned i = 0; i < n; i++) EXPECT_EQ(all[i]->layer, 4);
-    free(all);
+    delete[] all;
     // A bare name is found along the search path.
     director->prependToPath(path.substr(0, path.rfind('/')).c_str());
     OrvStage* u = newStage(520);
@@ -429,7 +429,7 @@ TEST_F(StreamStage, CutCopyPasteThroughTheCutBuffer) {
     ASSERT_EQ(n, 2u);
     OrvFilledRectangle* a2 = dynamic_cast<OrvFilledRectangle*>(pasted[0]);
     OrvEllipse* b2 = dynamic_cast<OrvEllipse*>(pasted[1]);
-    free(pasted);
+    delete[] pasted;
     ASSERT_TRUE(a2 && b2);
     EXPECT_EQ(a2->rect.x, 100);
     EXPECT_EQ(a2->rect.y, 50);

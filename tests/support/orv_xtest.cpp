@@ -1,4 +1,5 @@
 #include "orv/director.h"
+#include "orv/view.h"
 
 #include "orv_xtest.h"
 
@@ -132,26 +133,13 @@ void OrvTestRunFor(int ms) {
 }
 
 bool OrvTestWritePPM(Display* dpy, Window window, const char* path) {
-    XWindowAttributes a;
-    if (!XGetWindowAttributes(dpy, window, &a)) return false;
-    XImage* im = XGetImage(dpy, window, 0, 0, a.width, a.height, AllPlanes, ZPixmap);
-    if (!im) return false;
-    FILE* f = fopen(path, "wb");
-    if (!f) {
-        XDestroyImage(im);
-        return false;
+    OrvList* all = OrvGetAllDirectors();
+    for (OrvLink* l = all ? all->first : nullptr; l; l = l->next) {
+        OrvDirector* d = (OrvDirector*)l->value;
+        if ((Display*)d->display != dpy) continue;
+        if (OrvView* v = d->findView(window)) return OrvSaveViewPPM(v, path) == 1;
     }
-    fprintf(f, "P6\n%d %d\n255\n", a.width, a.height);
-    for (int y = 0; y < a.height; y++)
-        for (int x = 0; x < a.width; x++) {
-            unsigned long p = XGetPixel(im, x, y);
-            unsigned char rgb[3] = {(unsigned char)((p >> 16) & 255),
-                                    (unsigned char)((p >> 8) & 255), (unsigned char)(p & 255)};
-            fwrite(rgb, 1, 3, f);
-        }
-    fclose(f);
-    XDestroyImage(im);
-    return true;
+    return false;
 }
 
 OrvTestInputLock::OrvTestInputLock() : fd(-1) {

@@ -57,7 +57,8 @@ private:
     int fd;
 };
 
-// Writes the window's pixels as a binary PPM (P6). False on failure.
+// Writes the pixels of the library's view on that window as a binary PPM, through
+// OrvSaveViewPPM. False when no director on `dpy` has a view there, or on failure.
 bool OrvTestWritePPM(Display* dpy, Window window, const char* path);
 
 #endif

@@ -7,8 +7,8 @@
 #include <cstdlib>
 
 static float orvDeltaLine = 8.0f;
-uint32_t Orvarrow_deltax = 8;
-uint32_t Orvarrow_deltay = 4;
+int32_t Orvarrow_deltax = 8;
+int32_t Orvarrow_deltay = 4;
 float _OrvFilledBezierHeight_ = 0.1f;
 
 void OrvSetDeltaLine(float delta) {
@@ -19,8 +19,8 @@ float OrvGetDeltaLine() {
 }
 
 void OrvSetArrowDelta(unsigned long x, unsigned long y) {
-    Orvarrow_deltax = (uint32_t)x;
-    Orvarrow_deltay = (uint32_t)y;
+    Orvarrow_deltax = (int32_t)x;
+    Orvarrow_deltay = (int32_t)y;
 }
 
 int OrvVersion() {

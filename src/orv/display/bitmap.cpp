@@ -132,8 +132,8 @@ unsigned char* OrvBitmap::getBits(unsigned long& size, const Orv2dRect& rect) co
         XGetImage(displayOf(this), drawable, rect.x, rect.y, rect.w, rect.h, AllPlanes, ZPixmap);
     if (!image) return nullptr;
     size = (unsigned long)image->bytes_per_line * image->height;
-    unsigned char* bits = (unsigned char*)malloc(size ? size : 1);
-    if (bits) memcpy(bits, image->data, size);
+    unsigned char* bits = new unsigned char[size ? size : 1];
+    memcpy(bits, image->data, size);
     XDestroyImage(image);
     return bits;
 }

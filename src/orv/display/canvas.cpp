@@ -416,6 +416,30 @@ char** OrvTextToLabels(const char* text, unsigned& count) {
     return labels;
 }
 
+// The frame of every clipped drawing: prepares the canvas when the caller has not, narrows the
+// clip to `narrow` when given, and on leaving puts back the clip the canvas had before (which
+// the caller holds, having narrowed from it) and ends what it prepared.
+class _OrvClipScope_ {
+public:
+    _OrvClipScope_(OrvCanvas* on, const Orv2dRegion& callersClip, const Orv2dRegion* narrow)
+        : canvas(on), kept(callersClip), narrowed(narrow != nullptr), wasPreparing(on->preparing) {
+        if (!wasPreparing) canvas->prepare(nullptr);
+        if (narrowed) canvas->setClip(narrow);
+    }
+    ~_OrvClipScope_() {
+        if (narrowed) canvas->setClip(&kept);
+        if (!wasPreparing) canvas->end();
+    }
+    _OrvClipScope_(const _OrvClipScope_&) = delete;
+    _OrvClipScope_& operator=(const _OrvClipScope_&) = delete;
+
+private:
+    OrvCanvas* canvas;
+    const Orv2dRegion& kept;
+    int narrowed;
+    int wasPreparing;
+};
+
 // Draws `text` with `string` inside `rect`, clipping when it does not fit.
 void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const char* text,
                            int length, OrvPosition position, unsigned long mnemonic,
@@ -453,7 +477,6 @@ void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
         return 1;
     };
 
-    int wasPreparing = preparing;
     if (lines == 1) {
         if (length < 1) length = (int)strlen(text);
         Orv2dRect box = font->bbox(text, length, mnemonic);
@@ -475,11 +498,8 @@ void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
                 mark = 0;
             }
         }
-        if (!wasPreparing) prepare(nullptr);
-        if (needClip) setClip(&newClip);
+        _OrvClipScope_ scope(this, kept, needClip ? &newClip : nullptr);
         string(makeUp, Orv2dPoint(x, y), shown, length, position, (unsigned long)mark, nullptr);
-        if (needClip) setClip(&kept);
-        if (!wasPreparing) end();
         return;
     }
 
@@ -499,8 +519,7 @@ void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
         x = r.x + (int)r.w;
     else if (position == OrvCenter)
         x = r.x + (int)widest / 2 + shift;
-    if (!wasPreparing) prepare(nullptr);
-    if (needClip) setClip(&newClip);
+    _OrvClipScope_ scope(this, kept, needClip ? &newClip : nullptr);
     int y = top - font->box.y;
     for (unsigned long i = 0; i < lines; i++) {
         const char* shown = labels[i];
@@ -515,8 +534,6 @@ void OrvCanvas::clipString(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
         string(makeUp, Orv2dPoint(x, y), shown, 0, position, (unsigned long)mark, nullptr);
         y += lineHeight;
     }
-    if (needClip) setClip(&kept);
-    if (!wasPreparing) end();
 }
 
 void OrvCanvas::clipBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const OrvBitmap* bitmap,
@@ -541,13 +558,9 @@ void OrvCanvas::clipBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const
         newClip.bbox.intersection(r);
         if (newClip.bbox.w == 0 || newClip.bbox.h == 0) return;
     }
-    int wasPreparing = preparing;
-    if (!wasPreparing) prepare(nullptr);
-    if (needClip) setClip(&newClip);
+    _OrvClipScope_ scope(this, kept, needClip ? &newClip : nullptr);
     bitblit(makeUp, bitmap, Orv2dRect(0, 0, bitmap->width, bitmap->height), Orv2dPoint(x, y), mask,
             nullptr);
-    if (needClip) setClip(&kept);
-    if (!wasPreparing) end();
 }
 
 void OrvCanvas::clipStringBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect, const char* text,
@@ -602,13 +615,9 @@ void OrvCanvas::clipStringBitmap(const OrvMakeUp* makeUp, const Orv2dRect& rect,
         newClip.bbox.intersection(r);
         if (newClip.bbox.w == 0 || newClip.bbox.h == 0) return;
     }
-    int wasPreparing = preparing;
-    if (!wasPreparing) prepare(nullptr);
-    if (needClip) setClip(&newClip);
+    _OrvClipScope_ scope(this, kept, needClip ? &newClip : nullptr);
     clipBitmap(makeUp, bitmapRect, bitmap, OrvCenter, 1, nullptr);
     clipString(makeUp, textRect, text, length, OrvCenter, mnemonic, nullptr);
-    if (needClip) setClip(&kept);
-    if (!wasPreparing) end();
 }
 
 // ---------------------------------------------------------------- relief

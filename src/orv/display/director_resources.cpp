@@ -68,6 +68,7 @@ void OrvDirector::initFonts() {
         if (n && (f = font(n))) break;
     }
     if (!f) {
+        // "found" for "font": the text is kept as it is for behaviour compatibility.
         OrvError("## Can't find a default found !.\n");
         fflush(stdout);
         OrvExit(0);

@@ -23,16 +23,85 @@ static OrvResource* asResource(void* r) {
     return (OrvResource*)r;
 }
 
+// Each block of attributes is taken, counted and released in one place, whichever class
+// carries it: the 2D block lives in Orv2dMakeUp and OrvTotalMakeUp, the 3D block in
+// Orv3dMakeUp and OrvTotalMakeUp. A copy holds no counts until countResources.
+
+static void countBase(OrvMakeUp* m) {
+    OrvCount(m->background_);
+    OrvCount(m->foreground_);
+    OrvCount(m->lineStyle_);
+    OrvCount(m->pattern_);
+}
+
+template <class M>
+static void take2d(M* m, const OrvMakeUpValues& v) {
+    m->font_ = v.font;
+    m->colorPattern_ = v.colorPattern;
+    m->fillStyle_ = v.fillStyle;
+    m->arcMode_ = v.arcMode;
+    m->fillRule_ = v.fillRule;
+}
+
+template <class M>
+static void count2d(M* m) {
+    OrvCount(m->font_);
+    if (m->colorPattern_) m->colorPattern_->lock();
+}
+
+template <class M>
+static void release2d(M* m) {
+    if (m->holdsCounts) {
+        OrvRelease(m->font_);
+        if (m->colorPattern_) m->colorPattern_->unLock();
+    }
+    m->font_ = nullptr;
+    m->colorPattern_ = nullptr;
+}
+
+template <class M>
+static void take3d(M* m, const OrvMakeUpValues& v) {
+    m->smooth_ = v.smooth;
+    m->distinguish_ = v.distinguish;
+    m->cull_ = v.cull;
+    m->frontStyle_ = v.frontStyle;
+    m->backStyle_ = v.backStyle;
+    m->vfont_ = v.vfont;
+    m->markerType_ = v.markerType;
+    m->markerScale_ = v.markerScale;
+    m->texture_ = v.texture;
+}
+
+template <class M>
+static void count3d(M* m) {
+    OrvCount(asResource(m->vfont_));
+    OrvCount(asResource(m->texture_));
+}
+
+template <class M>
+static void release3d(M* m) {
+    if (m->holdsCounts) {
+        OrvRelease(asResource(m->vfont_));
+        OrvRelease(asResource(m->texture_));
+    }
+    m->vfont_ = nullptr;
+    m->texture_ = nullptr;
+}
+
+// The attributes of any make-up, as the copy constructors take them.
+static OrvMakeUpValues valuesOf(const OrvMakeUp* base) {
+    OrvMakeUpValues v;
+    base->values(v);
+    return v;
+}
+
 // ---------------------------------------------------------------- OrvMakeUp
 
 OrvMakeUp::OrvMakeUp(OrvDirector* d, OrvColor* bg, OrvColor* fg, OrvLineStyle* ls,
                      unsigned short lw, OrvPattern* p)
     : OrvResource(d), background_(bg), foreground_(fg), lineStyle_(ls), lineWidth_(lw), pattern_(p),
       mode(OrvCopyMode), overwrite(0), clipValid(0), planeMask(0xFFFFFFFF), holdsCounts(1) {
-    OrvCount(background_);
-    OrvCount(foreground_);
-    OrvCount(lineStyle_);
-    OrvCount(pattern_);
+    countBase(this);
 }
 
 OrvMakeUp::OrvMakeUp(const OrvMakeUp* base)
@@ -67,33 +136,26 @@ OrvMakeUp::~OrvMakeUp() {
 void OrvMakeUp::countResources() {
     if (holdsCounts) return;
     holdsCounts = 1;
-    OrvCount(background_);
-    OrvCount(foreground_);
-    OrvCount(lineStyle_);
-    OrvCount(pattern_);
+    countBase(this);
 }
 
 void Orv2dMakeUp::countResources() {
     if (holdsCounts) return;
     OrvMakeUp::countResources();
-    OrvCount(font_);
-    if (colorPattern_) colorPattern_->lock();
+    count2d(this);
 }
 
 void Orv3dMakeUp::countResources() {
     if (holdsCounts) return;
     OrvMakeUp::countResources();
-    OrvCount(asResource(vfont_));
-    OrvCount(asResource(texture_));
+    count3d(this);
 }
 
 void OrvTotalMakeUp::countResources() {
     if (holdsCounts) return;
     OrvMakeUp::countResources();
-    OrvCount(font_);
-    if (colorPattern_) colorPattern_->lock();
-    OrvCount(asResource(vfont_));
-    OrvCount(asResource(texture_));
+    count2d(this);
+    count3d(this);
 }
 
 unsigned long OrvMakeUp::internal(const OrvCanvas* canvas) const {
@@ -235,24 +297,17 @@ Orv2dRect OrvMakeUp::markerSize() const {
 // ---------------------------------------------------------------- Orv2dMakeUp
 
 Orv2dMakeUp::Orv2dMakeUp(OrvDirector* d, const OrvMakeUpValues& v)
-    : OrvMakeUp(d, v.background, v.foreground, v.lineStyle, v.lineWidth, v.pattern), font_(v.font),
-      colorPattern_(v.colorPattern), fillStyle_(v.fillStyle), arcMode_(v.arcMode),
-      fillRule_(v.fillRule) {
-    OrvCount(font_);
-    if (colorPattern_) colorPattern_->lock();
+    : OrvMakeUp(d, v.background, v.foreground, v.lineStyle, v.lineWidth, v.pattern) {
+    take2d(this, v);
+    count2d(this);
 }
 
-Orv2dMakeUp::Orv2dMakeUp(const OrvMakeUp* base)
-    : OrvMakeUp(base), font_(base->font()), colorPattern_(base->colorPattern()),
-      fillStyle_(base->fillStyle()), arcMode_(base->arcMode()), fillRule_(base->fillRule()) {}
+Orv2dMakeUp::Orv2dMakeUp(const OrvMakeUp* base) : OrvMakeUp(base) {
+    take2d(this, valuesOf(base));
+}
 
 Orv2dMakeUp::~Orv2dMakeUp() {
-    if (holdsCounts) {
-        OrvRelease(font_);
-        if (colorPattern_) colorPattern_->unLock();
-    }
-    font_ = nullptr;
-    colorPattern_ = nullptr;
+    release2d(this);
 }
 
 OrvRasterFont* Orv2dMakeUp::font() const {
@@ -274,27 +329,17 @@ OrvFillRule Orv2dMakeUp::fillRule() const {
 // ---------------------------------------------------------------- Orv3dMakeUp
 
 Orv3dMakeUp::Orv3dMakeUp(OrvDirector* d, const OrvMakeUpValues& v)
-    : OrvMakeUp(d, v.background, v.foreground, v.lineStyle, v.lineWidth, v.pattern),
-      smooth_(v.smooth), distinguish_(v.distinguish), cull_(v.cull), frontStyle_(v.frontStyle),
-      backStyle_(v.backStyle), vfont_(v.vfont), markerType_(v.markerType),
-      markerScale_(v.markerScale), texture_(v.texture) {
-    OrvCount(asResource(vfont_));
-    OrvCount(asResource(texture_));
+    : OrvMakeUp(d, v.background, v.foreground, v.lineStyle, v.lineWidth, v.pattern) {
+    take3d(this, v);
+    count3d(this);
 }
 
-Orv3dMakeUp::Orv3dMakeUp(const OrvMakeUp* base)
-    : OrvMakeUp(base), smooth_(base->smooth()), distinguish_(base->distinguish()),
-      cull_(base->cull()), frontStyle_(base->frontStyle()), backStyle_(base->backStyle()),
-      vfont_(base->vfont()), markerType_(base->markerType()), markerScale_(base->markerScale()),
-      texture_(base->texture()) {}
+Orv3dMakeUp::Orv3dMakeUp(const OrvMakeUp* base) : OrvMakeUp(base) {
+    take3d(this, valuesOf(base));
+}
 
 Orv3dMakeUp::~Orv3dMakeUp() {
-    if (holdsCounts) {
-        OrvRelease(asResource(vfont_));
-        OrvRelease(asResource(texture_));
-    }
-    vfont_ = nullptr;
-    texture_ = nullptr;
+    release3d(this);
 }
 
 unsigned long Orv3dMakeUp::smooth() const {
@@ -328,36 +373,22 @@ OrvVectorialFont* Orv3dMakeUp::vfont() const {
 // ---------------------------------------------------------------- OrvTotalMakeUp
 
 OrvTotalMakeUp::OrvTotalMakeUp(OrvDirector* d, const OrvMakeUpValues& v)
-    : OrvMakeUp(d, v.background, v.foreground, v.lineStyle, v.lineWidth, v.pattern), font_(v.font),
-      colorPattern_(v.colorPattern), fillStyle_(v.fillStyle), arcMode_(v.arcMode),
-      fillRule_(v.fillRule), smooth_(v.smooth), distinguish_(v.distinguish), cull_(v.cull),
-      frontStyle_(v.frontStyle), backStyle_(v.backStyle), vfont_(v.vfont),
-      markerType_(v.markerType), markerScale_(v.markerScale), texture_(v.texture) {
-    OrvCount(font_);
-    if (colorPattern_) colorPattern_->lock();
-    OrvCount(asResource(vfont_));
-    OrvCount(asResource(texture_));
+    : OrvMakeUp(d, v.background, v.foreground, v.lineStyle, v.lineWidth, v.pattern) {
+    take2d(this, v);
+    take3d(this, v);
+    count2d(this);
+    count3d(this);
 }
 
-OrvTotalMakeUp::OrvTotalMakeUp(const OrvMakeUp* base)
-    : OrvMakeUp(base), font_(base->font()), colorPattern_(base->colorPattern()),
-      fillStyle_(base->fillStyle()), arcMode_(base->arcMode()), fillRule_(base->fillRule()),
-      smooth_(base->smooth()), distinguish_(base->distinguish()), cull_(base->cull()),
-      frontStyle_(base->frontStyle()), backStyle_(base->backStyle()), vfont_(base->vfont()),
-      markerType_(base->markerType()), markerScale_(base->markerScale()),
-      texture_(base->texture()) {}
+OrvTotalMakeUp::OrvTotalMakeUp(const OrvMakeUp* base) : OrvMakeUp(base) {
+    OrvMakeUpValues v = valuesOf(base);
+    take2d(this, v);
+    take3d(this, v);
+}
 
 OrvTotalMakeUp::~OrvTotalMakeUp() {
-    if (holdsCounts) {
-        OrvRelease(font_);
-        if (colorPattern_) colorPattern_->unLock();
-        OrvRelease(asResource(vfont_));
-        OrvRelease(asResource(texture_));
-    }
-    font_ = nullptr;
-    colorPattern_ = nullptr;
-    vfont_ = nullptr;
-    texture_ = nullptr;
+    release2d(this);
+    release3d(this);
 }
 
 void OrvTotalMakeUp::assign(const OrvMakeUpValues& v) {
@@ -366,20 +397,8 @@ void OrvTotalMakeUp::assign(const OrvMakeUpValues& v) {
     lineStyle_ = v.lineStyle;
     lineWidth_ = v.lineWidth;
     pattern_ = v.pattern;
-    font_ = v.font;
-    colorPattern_ = v.colorPattern;
-    fillStyle_ = v.fillStyle;
-    arcMode_ = v.arcMode;
-    fillRule_ = v.fillRule;
-    smooth_ = v.smooth;
-    distinguish_ = v.distinguish;
-    cull_ = v.cull;
-    frontStyle_ = v.frontStyle;
-    backStyle_ = v.backStyle;
-    vfont_ = v.vfont;
-    markerType_ = v.markerType;
-    markerScale_ = v.markerScale;
-    texture_ = v.texture;
+    take2d(this, v);
+    take3d(this, v);
 }
 
 OrvRasterFont* OrvTotalMakeUp::font() const {

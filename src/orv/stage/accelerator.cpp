@@ -1,5 +1,6 @@
 // Accelerators: the base matching rule, the stage's list operations and the
 // default table of a stage.
+#include "orv/undo.h"
 #include "orv/role.h"
 
 #include <cstdlib>
@@ -86,18 +87,20 @@ int OrvDuplicateAccelerator::input2d(OrvStage* stage, const OrvEvent&) {
     unsigned count = 0;
     OrvActor** selected = stage->selections(count);
     if (!selected) return 1;
+    if (stage->undoStack) stage->undoStack->beginMacro("Duplicate");
     stage->beginDrawing();
     Orv2dMatrix shift(Orv2dPoint(10, 10));
     for (unsigned i = 0; i < count; i++) {
         OrvActor* copy = selected[i]->copy();
         if (!copy) continue;
         copy->apply2d(shift);
-        stage->append(copy, 0);
+        OrvEditAppend(stage, copy, 0);
         copy->setSelected(1);
         selected[i]->setSelected(0);
     }
     stage->flushDrawing(1);
-    free(selected);
+    if (stage->undoStack) stage->undoStack->endMacro();
+    delete[] selected;
     return 1;
 }
 
@@ -125,7 +128,7 @@ int OrvSelectAccelerator::input2d(OrvStage* stage, const OrvEvent&) {
     for (unsigned i = 0; i < count; i++)
         if (!all[i]->isSelected()) all[i]->setSelected(1);
     stage->flushDrawing(1);
-    free(all);
+    delete[] all;
     return 1;
 }
 
@@ -134,8 +137,8 @@ int OrvDeleteAccelerator::input2d(OrvStage* stage, const OrvEvent&) {
     unsigned count = 0;
     OrvActor** selected = stage->selections(count);
     if (!selected) return 1;
-    stage->remove(selected, count, 1);
-    free(selected);
+    OrvEditRemove(stage, selected, count, "Delete");
+    delete[] selected;
     return 1;
 }
 

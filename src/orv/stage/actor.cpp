@@ -8,6 +8,7 @@
 #include "orv/director.h"
 #include "orv/role.h"
 #include "orv/stage.h"
+#include "orv/undo.h"
 #include "orv/stream.h"
 
 #include "orv/stream/actor_calls.h"
@@ -82,7 +83,7 @@ static void makeIdentityKeys() {
     callbackNameA = OrvGetKey("P_cname", 1);
     secondaryCallbackNameA = OrvGetKey("SP_cname", 1);
     nameA = OrvGetKey("P_name", 1);
-    roleA = OrvGetKey("P_baheviour", 1);
+    roleA = OrvGetKey("P_baheviour", 1);  // misspelt; kept as it is for file compatibility
     engineA = OrvGetKey("P_engine", 1);
 }
 
@@ -113,7 +114,11 @@ OrvActor::~OrvActor() {
     // Leaving the container first redraws the actor's place and drops its links,
     // so no container needs to hear of the actor's end.
     OrvStage* stage = getStage();
-    if (stage) stage->remove(this, 0);
+    if (stage) {
+        // Deleted in its stage, outside the recorded edits: a step might name it.
+        if (stage->undoStack) stage->undoStack->forget(stage);
+        stage->remove(this, 0);
+    }
     OrvRelease(makeUp);
     makeUp = nullptr;
     if (callbackA) {

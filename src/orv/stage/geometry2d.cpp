@@ -151,3 +151,7 @@ Orv2dDragger* OrvActor::dragger2d(const Orv2dPoint& point, const Orv2dMatrix* ma
     }
     return nullptr;
 }
+
+unsigned long OrvActor::copyGeometry(const OrvActor&) {
+    return 0;
+}

@@ -94,6 +94,21 @@ int OrvStageLayer::position(const OrvActor* actor) const {
     return -1;
 }
 
+int OrvStageLayer::moveTo(OrvActor* actor, uint32_t index) {
+    int at = position(actor);
+    if (at < 0) return 0;
+    if (index >= count) index = count - 1;
+    uint32_t from = (uint32_t)at;
+    if (from == index) return 0;
+    if (from < index)
+        memmove((void*)&actors[from], (void*)&actors[from + 1], (index - from) * sizeof(OrvActor*));
+    else
+        memmove((void*)&actors[index + 1], (void*)&actors[index],
+                (from - index) * sizeof(OrvActor*));
+    actors[index] = actor;
+    return 1;
+}
+
 int OrvStageLayer::pop(OrvActor* actor) {
     if (count == 0) return 0;
     int i = position(actor);

@@ -1,4 +1,5 @@
 // The producer base class and the move and reshape producers.
+#include "orv/undo.h"
 #include "orv/producer.h"
 
 #include <cstdlib>
@@ -90,7 +91,8 @@ Orv2dPoint OrvProducer::snapped(long x, long y) const {
 // ---------------------------------------------------------------------------
 
 OrvMoveProducer::OrvMoveProducer(OrvStage* forStage, OrvProducer* previousProducer)
-    : OrvProducer(forStage, previousProducer), immediate(0), mask(1), active(0), wasSelected(0) {}
+    : OrvProducer(forStage, previousProducer), immediate(0), mask(1), active(0), wasSelected(0),
+      gesture(0) {}
 
 int OrvMoveProducer::input2d(const OrvEvent& event) {
     if (!(event.key & mask)) return 0;
@@ -118,6 +120,7 @@ int OrvMoveProducer::input2d(const OrvEvent& event) {
             }
             if (!a->isMoveable()) return 1;
             active = 1;
+            gesture = OrvNewGesture();
             start = current = snapped(p.x, p.y);
             return 1;
         }
@@ -180,9 +183,14 @@ static void OrvTranslateOne(OrvActor* actor, void* data) {
 
 void OrvMoveProducer::activate2d(const Orv2dPoint& delta) {
     _OrvTranslation_ t{Orv2dMatrix(delta)};
+    unsigned n = 0;
+    OrvActor** moved = stage->selections(n);
+    OrvEditBeginGeometry(stage, moved, n);
     stage->beginDrawing();
     stage->applyToSelections(OrvTranslateOne, &t);
     stage->flushDrawing(1);
+    OrvEditEndGeometry(stage, "Move", gesture);
+    delete[] moved;
 }
 
 void OrvMoveProducer::activate3d(const Orv3dPoint&, const Orv3dPoint&) {}
@@ -198,7 +206,7 @@ void OrvMoveProducer::abort() {
 
 OrvReshapeProducer::OrvReshapeProducer(OrvStage* forStage, OrvProducer* previousProducer)
     : OrvProducer(forStage, previousProducer), position(0), immediate(0), mask(1), actor(nullptr),
-      polylineEditor(nullptr) {}
+      gesture(0), polylineEditor(nullptr) {}
 
 OrvReshapeProducer::~OrvReshapeProducer() {
     delete polylineEditor;
@@ -313,6 +321,7 @@ int OrvReshapeProducer::input2d(const OrvEvent& event) {
             position = dragger->position;
             stage->setCursor(director()->positionToCursor(position));
             actor = a;
+            gesture = OrvNewGesture();
             point = unmap(p);
             expose2d(nullptr);
             return 1;
@@ -371,11 +380,13 @@ void OrvReshapeProducer::expose2d(const Orv2dRegion* region) {
 }
 
 void OrvReshapeProducer::activate2d(OrvActor* a, const Orv2dRect& r) {
+    OrvEditBeginGeometry(stage, &a, 1);
     stage->beginDrawing();
     a->beginDrawing(1);
     a->apply2d(OrvCompute2dMatrix(a->bbox2d(nullptr), r));
     a->flushDrawing(1);
     stage->flushDrawing(1);
+    OrvEditEndGeometry(stage, "Reshape", gesture);
     stage->contentsChanged();
 }
 

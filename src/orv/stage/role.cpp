@@ -1,5 +1,6 @@
 // Roles: the registry of shared instances, the button and toggle machines,
 // and the per-actor move and reshape roles.
+#include "orv/undo.h"
 #include "orv/role.h"
 
 #include <cstdlib>
@@ -52,7 +53,7 @@ static void OrvDropRoleIn(OrvStage* stage, void* role) {
     OrvActor** actors = stage->objects(count);
     for (unsigned i = 0; i < count; i++)
         if (actors[i]->getRole() == role) actors[i]->setRole((OrvRole*)nullptr);
-    free(actors);
+    delete[] actors;
 }
 
 OrvRole::~OrvRole() {
@@ -194,7 +195,7 @@ void OrvToggleRole::validate(OrvActor* actor, OrvTheater*, OrvScene*) {
 // Move role
 // ---------------------------------------------------------------------------
 
-OrvMoveRole::OrvMoveRole() : immediate(0), active(0) {}
+OrvMoveRole::OrvMoveRole() : immediate(0), active(0), gesture(0) {}
 
 static Orv2dPoint OrvUnmapSnapped(OrvStage* stage, const OrvEvent& event) {
     Orv2dPoint p = stage->snapToGrid(Orv2dPoint(event.x, event.y));
@@ -209,6 +210,7 @@ int OrvMoveRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage
         case OrvButtonDown:
             start = current = OrvUnmapSnapped(stage, event);
             active = 1;
+            gesture = OrvNewGesture();
             ghost2d(stage, actor);
             return 1;
         case OrvButtonDragged:
@@ -220,9 +222,11 @@ int OrvMoveRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage
             } else {
                 current = OrvUnmapSnapped(stage, event);
                 Orv2dPoint delta(current.x - start.x, current.y - start.y);
+                OrvEditBeginGeometry(stage, &actor, 1);
                 actor->beginDrawing(1);
                 validate2d(actor, stage, delta);
                 actor->flushDrawing(1);
+                OrvEditEndGeometry(stage, "Move", gesture);
                 start = current;
             }
             return 1;
@@ -232,9 +236,11 @@ int OrvMoveRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage
                 ghost2d(stage, actor);
                 Orv2dPoint delta(current.x - start.x, current.y - start.y);
                 if (delta.x || delta.y) {
+                    OrvEditBeginGeometry(stage, &actor, 1);
                     actor->beginDrawing(1);
                     validate2d(actor, stage, delta);
                     actor->flushDrawing(1);
+                    OrvEditEndGeometry(stage, "Move", gesture);
                 }
             }
             active = 0;
@@ -275,7 +281,7 @@ void OrvMoveRole::ghost3d(OrvScene*, OrvActor*) {}
 // Reshape role
 // ---------------------------------------------------------------------------
 
-OrvReshapeRole::OrvReshapeRole() : active(0) {}
+OrvReshapeRole::OrvReshapeRole() : active(0), gesture(0) {}
 
 Orv2dRect OrvReshapeRole::symmetricBox(const Orv2dRect& b, const Orv2dPoint& p) {
     long cx = b.x + (long)(b.w / 2), cy = b.y + (long)(b.h / 2);
@@ -296,6 +302,7 @@ int OrvReshapeRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* st
         case OrvButtonDown:
             box = symmetricBox(actor->bbox2d(nullptr), p);
             active = 1;
+            gesture = OrvNewGesture();
             ghost = box;
             if (stage->transformer) stage->transformer->apply(ghost);
             ghost2d(ghost, stage);
@@ -311,9 +318,11 @@ int OrvReshapeRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* st
         case OrvButtonUp:
             if (!active) return 0;
             ghost2d(ghost, stage);
+            OrvEditBeginGeometry(stage, &actor, 1);
             actor->beginDrawing(1);
             validate2d(actor, stage, box);
             actor->flushDrawing(1);
+            OrvEditEndGeometry(stage, "Reshape", gesture);
             active = 0;
             return 1;
         default:

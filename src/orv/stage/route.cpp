@@ -283,7 +283,7 @@ void OrvStage::moveFocusAfter() {
     OrvActor** all = objects(count);
     if (!all) return;
     OrvActor* next = OrvFocusStep(all, count, focusActor, 1);
-    free(all);
+    delete[] all;
     if (next && next != focusActor) setFocus(next);
 }
 
@@ -292,7 +292,7 @@ void OrvStage::moveFocusBefore() {
     OrvActor** all = objects(count);
     if (!all) return;
     OrvActor* previous = OrvFocusStep(all, count, focusActor, -1);
-    free(all);
+    delete[] all;
     if (previous && previous != focusActor) setFocus(previous);
 }
 

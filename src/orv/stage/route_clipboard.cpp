@@ -5,8 +5,10 @@
 #include <sstream>
 #include <string>
 
+#include "orv/undo.h"
 #include "orv/actor.h"
 #include "orv/director.h"
+#include "orv/link.h"
 #include "orv/stage.h"
 #include "orv/stream.h"
 
@@ -18,7 +20,7 @@ static std::string OrvSelectionsText(OrvStage* stage) {
     std::ostringstream text;
     OrvOStream out(text);
     out.write(count, selected, 1);
-    free(selected);
+    delete[] selected;
     return text.str();
 }
 
@@ -38,8 +40,8 @@ void OrvStage::cut() {
     }
     unsigned count = 0;
     OrvActor** selected = selections(count);
-    remove(selected, count, 1);
-    free(selected);
+    OrvEditRemove(this, selected, count, "Cut");
+    delete[] selected;
     OrvAllowCallContentsChanged = allow;
     contentsChanged();
     // The clipboard is set last, once the stage is consistent again.
@@ -82,16 +84,22 @@ void OrvStage::paste(const Orv2dPoint& where, unsigned long select) {
 
     unsigned long allow = OrvAllowCallContentsChanged;
     OrvAllowCallContentsChanged = 0;
+    if (undoStack) undoStack->beginMacro("Paste");
     for (unsigned i = 0; i < count; i++) {
         OrvActor* a = actors[i];
+        if (isLink(a) && !((OrvLinkImage*)a)->hasEnds()) {
+            delete a;
+            continue;
+        }
         a->apply2d(shift);
-        append(a, a->layer);
+        OrvEditAppend(this, a, a->layer);
         a->setSelected(select);
     }
     if (privateNest) {
         abortDrawing();
         drawAll(nullptr, 1);
     }
+    if (undoStack) undoStack->endMacro();
     // With the flag still clear this reaches no hook: a paste is silent.
     contentsChanged();
     OrvAllowCallContentsChanged = allow;

@@ -163,3 +163,19 @@ void OrvArc::setAngles(float s, float e) {
     end = e;
     flushDrawing(1);
 }
+
+unsigned long OrvEllipse::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvEllipse& s = (const OrvEllipse&)source;
+    rect = s.rect;
+    return 1;
+}
+
+unsigned long OrvArc::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvArc& s = (const OrvArc&)source;
+    rect = s.rect;
+    start = s.start;
+    end = s.end;
+    return 1;
+}

@@ -21,7 +21,7 @@ static int serverLsbFirst(OrvBitmap* probeSource) {
     unsigned long size = 0;
     unsigned char* bits = probe.getBits(size, Orv2dRect(0, 0, 8, 1));
     known = bits && size && bits[0] == 0x01 ? 1 : 0;
-    free(bits);
+    delete[] bits;
     return known;
 }
 
@@ -39,7 +39,7 @@ OrvIcon::OrvIcon(const OrvIcon& source)
 }
 
 OrvIcon::~OrvIcon() {
-    free(maskBits);
+    delete[] maskBits;
     if (bitmap) bitmap->unLock();
 }
 
@@ -74,7 +74,7 @@ OrvIcon::OrvIcon(OrvIStream& in)
 }
 
 void OrvIcon::readMask() {
-    free(maskBits);
+    delete[] maskBits;
     maskBits = nullptr;
     maskBytesPerLine = 0;
     if (!bitmap || !bitmap->mask || bitmap->mask->depth != 1) return;
@@ -133,4 +133,11 @@ void OrvIcon::setBitmap(OrvBitmap* b) {
     bitmap = b;
     readMask();
     flushDrawing(1);
+}
+
+unsigned long OrvIcon::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvIcon& s = (const OrvIcon&)source;
+    point = s.point;
+    return 1;
 }

@@ -140,3 +140,11 @@ void OrvLabel::setAlignment(OrvPosition a) {
     alignment = a;
     flushDrawing(1);
 }
+
+unsigned long OrvLabel::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvLabel& s = (const OrvLabel&)source;
+    point = s.point;
+    alignment = s.alignment;
+    return 1;
+}

@@ -136,3 +136,20 @@ unsigned long OrvArrowLine::contains2d(const Orv2dPoint& point, const Orv2dMatri
     }
     return 0;
 }
+
+unsigned long OrvLine::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvLine& s = (const OrvLine&)source;
+    from = s.from;
+    to = s.to;
+    return 1;
+}
+
+unsigned long OrvArrowLine::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvArrowLine& s = (const OrvArrowLine&)source;
+    from = s.from;
+    to = s.to;
+    arrows = s.arrows;
+    return 1;
+}

@@ -193,3 +193,14 @@ void Orv2dPolygon::setFilled(unsigned long on) {
     filled = on;
     flushDrawing(0);
 }
+
+// A polygon takes a polyline's points too: both hold a count and an array.
+unsigned long Orv2dPolyline::copyGeometry(const OrvActor& source) {
+    if (!source.isSubtypeOf("Orv2dPolyline")) return 0;
+    const Orv2dPolyline& s = (const Orv2dPolyline&)source;
+    Orv2dPoint* next = copyPoints(s.count, s.points);
+    free((void*)points);
+    points = next;
+    count = s.count;
+    return 1;
+}

@@ -166,3 +166,11 @@ void OrvFilledRectangle::write(OrvOStream& out) const {
 }
 
 OrvFilledRectangle::OrvFilledRectangle(OrvIStream& in) : OrvRectangle(in) {}
+
+unsigned long OrvRectangle::copyGeometry(const OrvActor& source) {
+    if (source.classInfo() != classInfo()) return 0;
+    const OrvRectangle& s = (const OrvRectangle&)source;
+    rect = s.rect;
+    radius = s.radius;
+    return 1;
+}

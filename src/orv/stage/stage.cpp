@@ -1,6 +1,7 @@
 // OrvStage: construction, the nest of beginDrawing/flushDrawing, invalidation
 // and the single repaint routine drawAll.
 #include "orv/stage.h"
+#include "orv/undo.h"
 
 #include "orv/actor.h"
 #include "orv/canvas.h"
@@ -16,7 +17,8 @@ unsigned int OrvAllowHooksUpdated = 1;
 // that many small changes cost one larger repaint and not a long clip list.
 static const short _OrvInvalidateLimit = 32;
 
-// Made at start and destroyed at exit; kept for programs that link to it.
+// Made at start and destroyed at exit, and used by nothing: the name is kept as it is for
+// behaviour compatibility, for programs that link to it.
 Orv2dRegion _invalidates(25);
 
 // Frees the nodes of a list of borrowed pointers.
@@ -66,6 +68,7 @@ void OrvStage::init() {
     resizeContents = 1;
     grid = nullptr;
     destroying = 0;
+    undoStack = nullptr;
     exitCallback = nullptr;
     layer(0, 1);
 }
@@ -84,6 +87,7 @@ void OrvStage::beginDrawing() {
 }
 
 void OrvStage::flushDrawing(unsigned long erase) {
+    // The text, its grammar and its missing blank are kept as they are for behaviour compatibility.
     if (nesting == 0)
         OrvError("OrvStage::flushDrawing : 'beginDrawing' must be call before'flushDrawing'.\n");
     else
@@ -293,6 +297,10 @@ void OrvStage::handleResize(const Orv2dRect& oldRect, const Orv2dRect& newRect) 
 
 void OrvStage::empty(unsigned long deleteActors) {
     beginDrawing();
+    if (deleteActors) {
+        if (undoStack) undoStack->forget(this);
+        deleteLinks();
+    }
     for (OrvLink* l = layers.first; l; l = l->next) ((OrvStageLayer*)l->value)->empty(deleteActors);
     pressedActor = nullptr;
     pointerActor = nullptr;
@@ -315,7 +323,11 @@ unsigned long OrvStage::clean(OrvActor* actor, unsigned long deleteIt) {
     // The box is taken after the actor left its layer: isVisible goes by the
     // layer number, which still answers.
     if (!destroying) invalidate(actor, 1);
-    if (deleteIt && actor) delete actor;
+    if (deleteIt && actor) {
+        // A step of the history might still name it.
+        if (undoStack && !undoStack->isReplaying()) undoStack->forget(this);
+        delete actor;
+    }
     flushDrawing(1);
     return 1;
 }
@@ -354,9 +366,12 @@ void OrvStage::applyResize(float, float) {}
 
 OrvStage::~OrvStage() {
     destroying = 1;
+    // The history goes first: its steps hold actors that left this stage.
+    setUndoStack(nullptr);
     releaseInput();
     // Layers go first, with their actors, so no actor outlives its stage. A
     // layer is emptied while it is still listed, so that each actor finds it.
+    deleteLinks();
     while (layers.first) {
         OrvStageLayer* layer = (OrvStageLayer*)layers.first->value;
         layer->empty(1);

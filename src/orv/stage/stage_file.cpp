@@ -1,6 +1,7 @@
 // Saving a stage to a file and reading one back into a stage.
 #include "orv/actor.h"
 #include "orv/director.h"
+#include "orv/link.h"
 #include "orv/stage.h"
 #include "orv/stream.h"
 
@@ -14,7 +15,7 @@ void OrvStage::save(std::ostream& out) {
     writer.defaultSize = bbox();
     writer.write(count, actors, 1);
     writer.eof();
-    free(actors);
+    delete[] actors;
 }
 
 void OrvStage::save(const char* file) {
@@ -43,6 +44,11 @@ unsigned long OrvStage::read(std::istream& in, Orv2dRect& size, int layerNumber)
     // The array ends at the first object that could not be read.
     for (unsigned i = 0; i < count && actors[i]; i++) {
         OrvActor* actor = actors[i];
+        // Reported by the link's reader: a link whose end was not in the file.
+        if (isLink(actor) && !((OrvLinkImage*)actor)->hasEnds()) {
+            delete actor;
+            continue;
+        }
         append(actor, layerNumber != -1 ? (unsigned)layerNumber : actor->layer);
         // A class without a default role leaves the actor as it is.
         const char* role = actor->getRole() ? nullptr : actor->defaultRole();

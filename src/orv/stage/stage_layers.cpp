@@ -5,6 +5,7 @@
 
 #include "orv/actor.h"
 #include "orv/layer.h"
+#include "orv/link.h"
 #include "orv/role.h"
 #include "orv/stage.h"
 
@@ -41,6 +42,7 @@ static void welcome(OrvStage* stage, OrvActor* actor, unsigned int n) {
     actor->setStage(stage);
     actor->setLayer((unsigned short)n);
     stage->draw(actor, 1);
+    if (stage->isLink(actor)) stage->addLink((OrvLinkImage*)actor);
     if (!actor->getRole()) {
         const char* name = actor->defaultRole();
         if (name) actor->setRole(OrvGetRole(name));
@@ -63,6 +65,10 @@ void OrvStage::remove(OrvActor* actor, unsigned long deleteIt) {
     // The flag stays set: only the list forgets the actor.
     if (actor->isSelected()) selectionList.remove(actor);
     beginDrawing();
+    // A link leaves its ends' tables; the links that end on it go too, since
+    // they would otherwise keep an end that has left the stage.
+    if (isLink(actor)) removeLink((OrvLinkImage*)actor);
+    removeLinks(actor, deleteIt);
     clean(actor, deleteIt);
     flushDrawing(1);
     if (!destroying) contentsChanged();
@@ -182,7 +188,7 @@ OrvActor* OrvStage::selection(unsigned int n) const {
 OrvActor** OrvStage::selections(unsigned int& count) const {
     count = selectionList.length();
     if (!count) return nullptr;
-    OrvActor** result = (OrvActor**)malloc((count + 1) * sizeof(OrvActor*));
+    OrvActor** result = new OrvActor*[count + 1];
     unsigned int i = 0;
     for (OrvLink* l = selectionList.first; l; l = l->next) result[i++] = (OrvActor*)l->value;
     result[i] = nullptr;
@@ -192,7 +198,7 @@ OrvActor** OrvStage::selections(unsigned int& count) const {
 OrvActor** OrvStage::objects(unsigned int& count) const {
     count = cardinal();
     if (!count) return nullptr;
-    OrvActor** result = (OrvActor**)malloc((count + 1) * sizeof(OrvActor*));
+    OrvActor** result = new OrvActor*[count + 1];
     unsigned int i = 0;
     for (OrvLink* l = layers.first; l; l = l->next) {
         OrvStageLayer* layer = (OrvStageLayer*)l->value;

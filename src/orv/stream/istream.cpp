@@ -327,6 +327,7 @@ OrvIStream& OrvIStream::operator>>(Orv2dRect& r) {
 OrvIStream& OrvIStream::operator>>(Orv2dPoint& p) {
     return readTyped(*this, "point2d", "OrvIStream : Not a 2dPoint object.", p);
 }
+// "usData", the key of every unsigned short, is kept as it is for file compatibility.
 OrvIStream& OrvIStream::operator>>(unsigned short& v) {
     return readTyped(*this, "usData", "OrvIStream : Bad data.", v);
 }

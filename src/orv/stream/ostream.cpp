@@ -163,6 +163,8 @@ OrvOStream& OrvOStream::operator<<(const Orv2dPoint& p) {
     start(line, *this, "point2d").add((long)p.x).add(' ').add((long)p.y).add('\n');
     return *this;
 }
+// Every unsigned short, whatever it means, goes under the key "usData": the key is kept as it is
+// for file compatibility.
 OrvOStream& OrvOStream::operator<<(unsigned short v) {
     _OrvLine_ line(stream);
     start(line, *this, "usData").add((unsigned long)v).add('\n');
