@@ -24,5 +24,6 @@
 #include "orv/undo.h"
 #include "orv/relief.h"
 #include "orv/value.h"
+#include "orv/frame.h"
 
 #endif

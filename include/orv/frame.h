@@ -1,0 +1,165 @@
+// Frames and decors: window furniture drawn by one actor on a stage (a relief
+// border with corner grips, a title bar with its boxes, scroll bars) around an
+// interior rectangle. A frame puts a child window there, by default a stage of
+// its own, so that a whole window can stand on a stage as one actor. The roles
+// that move, resize, iconify and scroll them live here too.
+#ifndef ORV_FRAME_H
+#define ORV_FRAME_H
+
+#include "orv/relief.h"
+#include "orv/value.h"
+#include "orv/stage.h"
+
+class OrvDecor;
+class OrvFrame;
+class OrvView;
+class OrvCursor;
+
+// ---------------------------------------------------------------------------
+// Title bar
+// ---------------------------------------------------------------------------
+
+// The bar along the top of a decor: the menu box at the left, the title in
+// the middle (the area that moves the decor), the iconify box and a third box
+// at the right. Each box shows pressed while its press flag is set.
+class OrvDecorTitleBar : public OrvReliefLabel {
+public:
+    unsigned long pressed[4];  // one press flag per box, first to fourth
+    unsigned long dragging;    // a move of the decor is under way
+
+    OrvDecorTitleBar(OrvDirector* director, const Orv2dRect& box, const char* title,
+                     OrvMakeUp* look = nullptr);
+    OrvDecorTitleBar(const OrvDecorTitleBar& source);
+    ORV_PERSISTENT_ACTOR(OrvDecorTitleBar)
+
+    // Divides the bar, mapped, into the menu box, the iconify box, the third
+    // box and the fourth area, which holds the title and moves the decor.
+    virtual void itemsSize(Orv2dRect& first, Orv2dRect& second, Orv2dRect& third, Orv2dRect& fourth,
+                           const Orv2dMatrix* matrix) const;
+    // The box (1 to 4) that holds the point, or 0.
+    int boxAt(const Orv2dPoint& point, const Orv2dMatrix* matrix) const;
+    // Clears the four press flags and the drag.
+    void release();
+
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    // "DecorTitleBar".
+    const char* defaultRole() const override;
+
+private:
+    void drawBox(OrvCanvas* canvas, const Orv2dRect& box, int which, unsigned long down);
+};
+
+// ---------------------------------------------------------------------------
+// Decor
+// ---------------------------------------------------------------------------
+
+class OrvDecor : public OrvActor {
+public:
+    Orv2dRect rect;  // in the decor's own coordinates
+    Orv2dRect scratch;
+    OrvScrollBar* vScrollBar;  // owned, like the other sub-actors
+    unsigned long vBarOnRight;
+    OrvScrollBar* hScrollBar;
+    unsigned long hBarAtBottom;
+    unsigned short scrollBarWidth;
+    unsigned short borderWidth;
+    OrvReliefRectangle* innerBorder;  // sunken, borderWidth - 2 inside the rectangle
+    OrvReliefRectangle* outerBorder;  // raised, the whole rectangle
+    unsigned short cornerLength;      // of the corner grips along the border
+    unsigned short titleHeight;
+    OrvDecorTitleBar* titleBar;
+    OrvActor* iconActor;  // what stands for the decor when iconified
+    unsigned long iconified;
+    Orv2dMatrix transformer;  // the decor's placement, before the stage's transformer
+
+    // "ScrollBarInDecor": the property under which the bars and the title bar keep their decor.
+    static OrvKey* _inDecor;
+
+    OrvDecor(OrvDirector* director, const Orv2dRect& box, OrvMakeUp* look = nullptr);
+    OrvDecor(const OrvDecor& source);
+    ORV_PERSISTENT_ACTOR(OrvDecor)
+    ~OrvDecor() override;
+
+    // Moves and sizes the decor so that its outer rectangle (stage space) becomes `box`.
+    virtual void fitToSize(const Orv2dRect& box);
+    // Adds or removes the bars; a vPosition of 1 puts the vertical bar on the
+    // right and an hPosition of 8 the horizontal one at the bottom. 0 when
+    // nothing changes, and then nothing is repainted.
+    virtual unsigned long showScrollBars(unsigned long horizontal, unsigned long vertical,
+                                         OrvPosition hPosition, OrvPosition vPosition,
+                                         unsigned short width);
+    // Removes both bars.
+    virtual void hideScrollBars();
+    // The layout, the one place that computes it: the interior in window
+    // coordinates, the other five in the stage's space. Returns the whole
+    // rectangle in window coordinates.
+    virtual Orv2dRect itemsSize(Orv2dRect& interior, Orv2dRect& hBar, Orv2dRect& vBar,
+                                Orv2dRect& inner, Orv2dRect& outer, Orv2dRect& title) const;
+    // Shows the icon in place of the decor, or the decor again.
+    virtual void iconify(unsigned long on);
+    // Brings what the bars show into the interior; nothing for a plain decor.
+    virtual void adjust();
+    // Brings the bars in step with the interior; nothing for a plain decor.
+    virtual void adjustScrollBars();
+    // Widens or narrows the decor so that its title shows whole.
+    virtual void fitToContents();
+    // Makes the title bar on first use.
+    virtual void createTitle(const char* title);
+    // Makes the icon used when none was given: the title on a relief.
+    virtual void createDefaultIcon();
+    // Lays the furniture out again on the current rectangle.
+    virtual void internalUpdate();
+
+    // The relief border, both plates of `width` in all.
+    void showDecoration(unsigned short width);
+    void hideDecoration();
+    void showTitleBar(const char* title, unsigned short height);
+    void hideTitleBar();
+    // Takes `actor` (owned from now on) as the icon; the old one is deleted.
+    void icon(OrvActor* actor);
+    OrvActor* getIcon() const { return iconActor; }
+    // The background of the plates and the title bar.
+    void setDecorationColor(OrvColor* color);
+    unsigned long isIconified() const { return iconified; }
+    const char* getTitle() const;
+    // The rectangle through the decor's own transformer (stage space).
+    Orv2dRect placed() const;
+
+    // "Decor".
+    const char* defaultRole() const override;
+    // Highlights the border plates and repaints only the border.
+    unsigned long setHighlighted(unsigned long on, const Orv2dPoint& point,
+                                 unsigned long redraw) override;
+    // The bars, plates, title bar and icon.
+    void map(void (*function)(OrvActor*, void*), void* data) override;
+    // The border handles: sides, and corners within cornerLength of a corner.
+    Orv2dDragger* dragger2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    // Composes into the decor's own transformer; the icon moves along.
+    void apply2d(const Orv2dMatrix& matrix) override;
+    Orv2dRect bbox2d(const Orv2dMatrix* matrix) const override;
+    unsigned long contains2d(const Orv2dPoint& point, const Orv2dMatrix* matrix) override;
+    // The sub-actors draw on behalf of this stage.
+    void setStage(OrvStage* stage) override;
+
+protected:
+    // The layout applied to the sub-actors; gives the interior in window coordinates.
+    Orv2dRect placeItems();
+    // Makes the sub-actor draw on the decor's stage and know its decor.
+    void adopt(OrvActor* part);
+    // Whether the make-up draws ghosts (exclusive or, equivalence).
+    unsigned long ghostMode() const;
+    // The eight corner grips.
+    void drawGrips(OrvCanvas* canvas, const Orv2dMatrix* matrix);
+    // Paints part of the stage at once, or adds it to the open nest.
+    void repaintWindowRegion(const Orv2dRegion& region);
+
+private:
+    OrvScrollBar* makeBar(OrvPosition direction);
+    void copyFurniture(const OrvDecor& source);
+};
+
+ORV_DECLARE_CLASS_INIT(OrvDecorTitleBar)
+ORV_DECLARE_CLASS_INIT(OrvDecor)
+
+#endif
