@@ -159,7 +159,107 @@ private:
     void copyFurniture(const OrvDecor& source);
 };
 
+// ---------------------------------------------------------------------------
+// Frame
+// ---------------------------------------------------------------------------
+
+// Keeps a frame's scroll bars in step with its interior stage: the contents,
+// the size and the transformer of that stage move the bars. x and y are the
+// origin of the interior's contents at the last adjustment, in bar units.
+class OrvFrameStageHook : public OrvStageHook {
+public:
+    OrvFrame* frame;
+    long x, y;
+
+    explicit OrvFrameStageHook(OrvFrame* owner) : frame(owner), x(0), y(0) {}
+    void contents() override;
+    void stageResized() override;
+    void transformer(const Orv2dMatrix* newMatrix, const Orv2dMatrix* oldMatrix) override;
+    // The frame deletes it.
+    unsigned long deletedByStage() const override;
+};
+
+class OrvFrame : public OrvDecor {
+public:
+    // The child window, made on demand: a stage, or in a subclass another view.
+    OrvView* interior;
+    unsigned long interiorVisible;
+    unsigned long outlined_;  // a one-pixel line around the interior
+    char* fileName;           // owned; the .orv file loaded into the interior
+    unsigned long doubleBuffer;
+    OrvFrameStageHook* stageHook;  // owned
+
+    OrvFrame(OrvDirector* director, const Orv2dRect& box, unsigned long interiorVisible,
+             OrvMakeUp* look = nullptr);
+    OrvFrame(const OrvFrame& source);
+    ORV_PERSISTENT_ACTOR(OrvFrame)
+    ~OrvFrame() override;
+
+    // The interior as a stage, made first when the frame stands on a stage;
+    // null when the interior is another kind of view.
+    virtual OrvStage* getInteriorStage() const;
+    // The interior, whatever its kind; null until it is made.
+    virtual OrvView* getView();
+    // Makes the child window in `stage` at `box` (window coordinates): a stage by default.
+    virtual OrvView* buildStage(OrvStage* stage, const Orv2dRect& box) const;
+    // Makes the interior on `stage`, once.
+    virtual void make(OrvStage* stage, const Orv2dMatrix* matrix);
+    // Scrolls the interior by what the bars moved since the last adjustment.
+    virtual void adjustStage(OrvStage* stage);
+    // Sets the bars from the interior's contents and visible part.
+    virtual void adjustScrollBars(OrvStage* stage);
+    // The interior's cursor.
+    virtual void setCursor(OrvCursor* cursor);
+    virtual OrvCursor* getCursor() const;
+    // A one-pixel outline around the interior.
+    virtual void outlined(unsigned long on);
+    // Asked of the interior stage, now or when it is made.
+    virtual void useDoubleBuffer(unsigned long on);
+    // The interior's box in its parent, or an empty rectangle.
+    virtual Orv2dRect bboxVisible() const;
+
+    unsigned long isInteriorVisible() const { return interiorVisible; }
+    // Shows or hides the interior window.
+    void show();
+    void hide();
+    // Loads a .orv file into the interior, now or when it is made.
+    void file(const char* name);
+
+    unsigned long showScrollBars(unsigned long horizontal, unsigned long vertical,
+                                 OrvPosition hPosition, OrvPosition vPosition,
+                                 unsigned short width) override;
+    void iconify(unsigned long on) override;
+    void adjust() override;
+    void adjustScrollBars() override;
+    // Sizes the frame so that the interior shows its whole contents.
+    void fitToContents() override;
+    void internalUpdate() override;
+
+    void setVisible(unsigned long on) override;
+    // The frame's, then the interior's background, and a full repaint of the interior.
+    void setBackground(OrvColor* color) override;
+    void draw2d(OrvCanvas* canvas, const Orv2dMatrix* matrix) override;
+    void setStage(OrvStage* stage) override;
+
+    // The interior window's rectangle in the stage's window coordinates.
+    Orv2dRect interiorRect() const;
+    // Moves and sizes the child window to `box`; tells it of a new size.
+    void placeInterior(const Orv2dRect& box);
+
+protected:
+    // The interior when it is a stage; never makes it.
+    OrvStage* interiorAsStage() const;
+    // Shows the interior only when the frame is visible, not iconified and interiorVisible.
+    void showInterior();
+    void makeStageHook();
+
+private:
+    static void interiorDestroyed(OrvView* view, void* frame);
+    void loadFile();
+};
+
 ORV_DECLARE_CLASS_INIT(OrvDecorTitleBar)
 ORV_DECLARE_CLASS_INIT(OrvDecor)
+ORV_DECLARE_CLASS_INIT(OrvFrame)
 
 #endif
