@@ -124,6 +124,8 @@ public:
     const char* getTitle() const;
     // The rectangle through the decor's own transformer (stage space).
     Orv2dRect placed() const;
+    // Repaints one of the sub-actors at once (or in the open nest), as it stands now.
+    void redrawPart(const OrvActor* part);
 
     // "Decor".
     const char* defaultRole() const override;
@@ -257,6 +259,79 @@ private:
     static void interiorDestroyed(OrvView* view, void* frame);
     void loadFile();
 };
+
+// ---------------------------------------------------------------------------
+// Roles: shared instances named by their class names
+// ---------------------------------------------------------------------------
+
+// Resizes a decor by its border: the handle under the press gives the sides
+// that follow the pointer. The title shows the size while the drag lasts.
+class OrvDecorReshapeRole : public OrvRole {
+public:
+    unsigned long active;
+    unsigned long liveResize;  // 1: the decor follows each step; 0: a ghost does
+    OrvPosition position;      // the handle of the drag under way
+    Orv2dPoint start;          // the press, in the stage's space
+    Orv2dRect box;             // the decor's box at the press, in window coordinates
+    Orv2dRect current;         // the new box, window coordinates
+    char* savedTitle;          // owned while a drag shows sizes in the title
+    unsigned long gesture;
+
+    OrvDecorReshapeRole();
+    ~OrvDecorReshapeRole() override;
+    int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    const char* className() const override { return "DecorReshape"; }
+    int allowPointerMoved() const override { return 1; }
+    // The box the handle gives for the pointer at `point` (window
+    // coordinates), no smaller than the border and the title need.
+    virtual Orv2dRect compute2d(OrvDecor* decor, const Orv2dPoint& point) const;
+    // Resizes the decor to `rect` (window coordinates).
+    virtual void validate2d(OrvDecor* decor, OrvStage* stage, const Orv2dRect& rect);
+    // Draws or erases the rubber band of `rect` by exclusive or.
+    virtual void ghost2d(OrvStage* stage, const Orv2dRect& rect);
+    void saveTitle(OrvDecor* decor);
+    void restoreTitle(OrvDecor* decor);
+    // Writes "(WxH)" into the title label.
+    void showSizes(OrvDecor* decor, const Orv2dRect& rect);
+};
+
+// The four boxes of a title bar: a press sets the box's flag and shows it
+// pressed; leaving the box releases it for good. The fourth box moves the
+// decor through a move role; the second iconifies it on release.
+class OrvDecorTitleBarRole : public OrvRole {
+public:
+    unsigned long pressed[4];
+    OrvMoveRole move;  // moves the decor while the title is dragged; immediate
+
+    OrvDecorTitleBarRole();
+    int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    const char* className() const override { return "DecorTitleBar"; }
+    // The release of the third box (and the first, until menus exist); nothing by default.
+    virtual void validate(OrvActor* actor, OrvStage* stage);
+
+private:
+    void redrawBox(OrvDecorTitleBar* bar, OrvStage* stage, int which);
+};
+
+// The default role of a decor: the bars, the title bar and the border each
+// get their events; an iconified decor is dragged, and restored by a double click.
+class OrvDecorRole : public OrvRole {
+public:
+    int barPressed;  // 1 horizontal, 2 vertical: the bar that a press under way began in
+
+    OrvDecorRole() : barPressed(0) {}
+    int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    const char* className() const override { return "Decor"; }
+    int allowPointerMoved() const override { return 1; }
+};
+
+// Makes the shared instances of the three roles once.
+class orvinitOrvDecorRoles {
+public:
+    orvinitOrvDecorRoles();
+    static int _counter;
+};
+static orvinitOrvDecorRoles _orvinitOrvDecorRoles;
 
 ORV_DECLARE_CLASS_INIT(OrvDecorTitleBar)
 ORV_DECLARE_CLASS_INIT(OrvDecor)

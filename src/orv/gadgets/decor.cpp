@@ -455,6 +455,12 @@ void OrvDecor::repaintWindowRegion(const Orv2dRegion& region) {
         stage->bufferedDraw(region);
 }
 
+void OrvDecor::redrawPart(const OrvActor* part) {
+    OrvStage* stage = getStage();
+    if (!part || !stage || iconified) return;
+    repaintWindowRegion(Orv2dRegion(part->bbox2d(stage->transformer)));
+}
+
 unsigned long OrvDecor::setHighlighted(unsigned long on, const Orv2dPoint& point,
                                        unsigned long redraw) {
     on = on ? 1 : 0;
