@@ -25,5 +25,6 @@
 #include "orv/relief.h"
 #include "orv/value.h"
 #include "orv/frame.h"
+#include "orv/balloon.h"
 
 #endif

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "orv/actor.h"
+#include "orv/canvas.h"
 #include "orv/engine.h"
 #include "orv/director.h"
 #include "orv/role.h"
@@ -74,6 +75,11 @@ OrvKey* OrvTheaterKey() {
     return key;
 }
 
+OrvKey* OrvBalloonKey() {
+    static OrvKey* key = OrvGetKey("BalloonKey", 1);
+    return key;
+}
+
 // The keys of names, roles, engines and callbacks are made together, by the
 // first operation that needs one of them.
 static void makeIdentityKeys() {
@@ -125,6 +131,7 @@ OrvActor::~OrvActor() {
         setCallback(nullptr);
         setSecondaryCallback(nullptr);
     }
+    if (userProperties) setBalloonData(nullptr, nullptr, 2, 2);
     if (getProperty(OrvHasNameBit)) setName(nullptr);
     if (getProperty(OrvHasEngineBit)) delete getEngine();
     delete userProperties;
@@ -331,7 +338,64 @@ const char* OrvActor::defaultRole() const {
     return nullptr;
 }
 Orv2dPoint OrvActor::beforeMappingBalloon(const Orv2dPoint&) {
-    return Orv2dPoint();
+    // Below the pointer's arrow: a balloon under the pointer would take its events.
+    return Orv2dPoint(0, 20);
+}
+
+// ---------------------------------------------------------------------------
+// Balloon data
+// ---------------------------------------------------------------------------
+
+void OrvActor::setBalloonData(const char* label, OrvBitmap* bitmap, OrvPosition position,
+                              unsigned short space) {
+    OrvBalloonData* old = (OrvBalloonData*)getUserProperty(OrvBalloonKey());
+    OrvBalloonData* data = nullptr;
+    if (label || bitmap) {
+        data = new OrvBalloonData;
+        data->label = nullptr;
+        if (label) {
+            size_t n = strlen(label) + 1;
+            data->label = (char*)malloc(n);
+            memcpy(data->label, label, n);
+        }
+        data->bitmap = bitmap;
+        if (bitmap) bitmap->lock();
+        data->position = position;
+        data->space = space;
+        setUserProperty(OrvBalloonKey(), data);
+    } else {
+        removeUserProperty(OrvBalloonKey());
+    }
+    // The new record is in place before the old one lets go of a shared bitmap.
+    if (old) {
+        if (old->bitmap) old->bitmap->unLock();
+        free(old->label);
+        delete old;
+    }
+}
+
+const OrvBalloonData* OrvActor::getBalloonData() const {
+    return userProperties ? (const OrvBalloonData*)userProperties->get(OrvBalloonKey()) : nullptr;
+}
+
+const char* OrvActor::getBalloonLabel() const {
+    const OrvBalloonData* data = getBalloonData();
+    return data ? data->label : nullptr;
+}
+
+OrvBitmap* OrvActor::getBalloonBitmap() const {
+    const OrvBalloonData* data = getBalloonData();
+    return data ? data->bitmap : nullptr;
+}
+
+OrvPosition OrvActor::getBalloonLabelBitmapPosition() const {
+    const OrvBalloonData* data = getBalloonData();
+    return data ? data->position : 0;
+}
+
+unsigned short OrvActor::getBalloonLabelBitmapSpace() const {
+    const OrvBalloonData* data = getBalloonData();
+    return data ? data->space : 0;
 }
 
 // ---------------------------------------------------------------------------

@@ -366,6 +366,8 @@ void OrvStage::applyResize(float, float) {}
 
 OrvStage::~OrvStage() {
     destroying = 1;
+    // No balloon outlives the stage whose actor it shows, nor waits on it.
+    director->suspendBalloonTimer();
     // The history goes first: its steps hold actors that left this stage.
     setUndoStack(nullptr);
     releaseInput();
