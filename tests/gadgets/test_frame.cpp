@@ -203,6 +203,21 @@ TEST_F(FrameInterior, MadeOnTheBitmapOfAStageNotYetShown) {
     delete hidden;
 }
 
+// The interior repaints inside the stage's repaint (when it is made, when it
+// changes size); the stage's repaint goes on with its guard still set.
+TEST_F(FrameInterior, InteriorRepaintsNestedInTheStagesRepaint) {
+    testing::internal::CaptureStdout();
+    OrvFrame* f = new OrvFrame(director, Orv2dRect(10, 10, 200, 150), 1);
+    f->showScrollBars(1, 1, OrvBottom, OrvLeft, 16);
+    f->useDoubleBuffer(1);
+    stage->append(f);
+    f->fitToSize(Orv2dRect(10, 10, 260, 190));
+    settle();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(OrvForgetUpdateDrawing(), 0u);
+    EXPECT_NE(f->getView(), nullptr);
+}
+
 TEST_F(FrameInterior, ParentStageDeletedFirst) {
     OrvStage* other = new OrvStage(director, Orv2dRect(0, 0, 300, 200), "other", 0, 1);
     OrvFrame* f = new OrvFrame(director, Orv2dRect(10, 10, 200, 150), 1);
@@ -233,7 +248,9 @@ TEST_F(FrameInterior, AStageInAFrameLivesInItsOwnFile) {
     standFrame();
     ASSERT_NE(inside, nullptr);
     std::string path = "/tmp/orv-frame-interior-" + std::to_string(getpid()) + ".orv";
+    testing::internal::CaptureStdout();
     frame->file(path.c_str());  // no such file yet: the interior is emptied and stays so
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("Can't open"), std::string::npos);
     EXPECT_EQ(inside->cardinal(), 0u);
     inside->append(
         new OrvFilledRectangle(director, Orv2dRect(50, 40, 20, 20), look("blue", "blue")));

@@ -185,14 +185,14 @@ void OrvFrame::make(OrvStage* stage, const Orv2dMatrix*) {
     view->onDestroy(interiorDestroyed, this);
     OrvStage* inside = interiorAsStage();
     if (inside && doubleBuffer) inside->useDoubleBuffer(1);
-    // Outside a repaint this paints the frame; within one it is being painted.
-    beginDrawing(0);
-    flushDrawing(0);
     OrvColor* background = makeUp->background();
     if (background) view->setBackground(background);
     if (hScrollBar || vScrollBar) makeStageHook();
     showInterior();
     loadFile();
+    // Outside a repaint this paints the frame; within one it is being painted.
+    beginDrawing(0);
+    flushDrawing(0);
 }
 
 void OrvFrame::placeInterior(const Orv2dRect& r) {
