@@ -337,6 +337,8 @@ protected:
     static Orv2dPoint* handlesOf(const Orv2dRect& box);
     // A flag setter with the change protocol around the change.
     void changeFlag(unsigned char n, unsigned long on, unsigned long withLinks);
+    // The balloon's part of the persistent form, after the engine.
+    void readBalloon(OrvIStream& in);
 };
 
 ORV_DECLARE_CLASS_INIT(OrvActor)

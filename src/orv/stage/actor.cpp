@@ -542,11 +542,13 @@ void OrvActor::write(OrvOStream& out) const {
     out.key("layer");
     _OrvLine_(out.stream).add((unsigned long)layer).add('\n');
     // The written flags: never selected; the announcements of attachments and
-    // balloons are set only where such data follows, which is never here.
+    // balloons are set only where such data follows (attachments never, here).
+    const OrvBalloonData* balloon = getBalloonData();
     uint32_t written = flags;
     written &= ~((uint32_t)1 << OrvSelectedBit);
     written &= ~((uint32_t)1 << OrvAttachmentsFollowBit);
     written &= ~((uint32_t)1 << OrvBalloonFollowsBit);
+    if (balloon) written |= (uint32_t)1 << OrvBalloonFollowsBit;
     char digits[32];
     for (int i = 0; i < 31; i++) digits[i] = (written >> (i + 1)) & 1 ? '1' : '0';
     digits[31] = '\n';
@@ -573,6 +575,12 @@ void OrvActor::write(OrvOStream& out) const {
         // An actor whose engine was removed keeps the bit: the key then stands alone.
         OrvEngine* engine = getEngine();
         out.key("engine") << (engine ? engine->className() : "") << '\n';
+    }
+    if (balloon) {
+        out << (const char*)(balloon->label ? balloon->label : "");
+        out << (const OrvBitmap*)balloon->bitmap;
+        out.writePosition(balloon->position);
+        out << balloon->space;
     }
 }
 
@@ -615,6 +623,8 @@ OrvActor::OrvActor(OrvIStream& in)
     flags = 0;
     for (unsigned i = 0; digits[i]; i++)
         if (digits[i] == '1') setProperty((unsigned char)((i + 1) % 32));
+    // Cleared on sight: they announce what follows, they are no state.
+    bool balloon = getProperty(OrvBalloonFollowsBit);
     removeProperty(OrvAttachmentsFollowBit);
     removeProperty(OrvBalloonFollowsBit);
 
@@ -645,17 +655,32 @@ OrvActor::OrvActor(OrvIStream& in)
         setSecondaryCallbackName(OrvGetKey(buffer, 1));
     }
     if (getProperty(OrvHasEngineBit)) {
-        // The bit stays as read, engine or not.
+        // The bit stays as read, engine or not; reading goes on without one.
         if (!expectKey(in, buffer, "engine")) return;
         valueOnLine(in, buffer);
-        if (!buffer[0]) return;
-        OrvEngine* engine = OrvGetEngine(buffer);
-        if (!engine) {
-            OrvError("Engine (%s) not found ...\n", buffer);
-            return;
+        OrvEngine* engine = buffer[0] ? OrvGetEngine(buffer) : nullptr;
+        if (buffer[0] && !engine) OrvError("Engine (%s) not found ...\n", buffer);
+        if (engine) {
+            engine->setTarget(this);
+            setEngine(engine);
+            engine->run(0, 0);
         }
-        engine->setTarget(this);
-        setEngine(engine);
-        engine->run(0, 0);
     }
+    if (balloon) readBalloon(in);
+}
+
+void OrvActor::readBalloon(OrvIStream& in) {
+    unsigned long before = in.faults;
+    auto good = [&]() { return in.faults == before && in.stream; };
+    char* label = nullptr;
+    OrvBitmap* bitmap = nullptr;
+    unsigned long position = 2;
+    unsigned short space = 0;
+    in >> label;
+    if (good()) in >> bitmap;
+    if (good()) in.readPosition(position);
+    if (good()) in >> space;
+    // A balloon is taken whole or not at all.
+    if (good()) setBalloonData(label && *label ? label : nullptr, bitmap, position, space);
+    delete[] label;
 }
