@@ -129,6 +129,7 @@ TEST_F(FrameFile, DecorFrameAndBalloonsComeBackEqual) {
     EXPECT_STREQ(((OrvReliefLabel*)decor->getIcon())->getLabel(), "Icon");
     EXPECT_EQ(decor->getIcon()->bbox2d(nullptr), Orv2dRect(5, 5, 60, 20));
     EXPECT_STREQ(decor->getBalloonLabel(), "Decor tip");
+    EXPECT_EQ(decor->getBalloonBitmap(), nullptr);
     EXPECT_EQ(decor->getBalloonLabelBitmapPosition(), (OrvPosition)OrvBottom);
     EXPECT_EQ(decor->getBalloonLabelBitmapSpace(), 3);
     // The sub-actors know their decor and draw on its stage.

@@ -201,12 +201,21 @@ TEST_F(StreamObjects, PropertiesStringIsTheFlagWord) {
     std::vector<OrvActor*> back = load(edited);
     ASSERT_EQ(back.size(), 1u);
     EXPECT_EQ(back[0]->flags, 0x10u);
-    // Bits 18 and 26 are cleared on sight.
+    // Bits 18 and 26 are cleared on sight. Bit 26 announces a balloon, which
+    // must then follow; with it, the actor keeps the balloon and not the bit.
     edited = text;
-    edited.replace(at, 31, "0000000000000000010000000100000");
+    edited.replace(at, 31, "0000000000000000010000000000000");
     back = load(edited);
     ASSERT_EQ(back.size(), 1u);
     EXPECT_EQ(back[0]->flags, 0u);
+    edited = text;
+    edited.replace(at, 32,
+                   "0000000000000000000000000100000\n\tlabel\t\"Tip\"\n\tbitmap\t\"\"\n"
+                   "\tmask\t\"\"\n\tposition 2\n\tusData\t0\n");
+    back = load(edited);
+    ASSERT_EQ(back.size(), 1u);
+    EXPECT_EQ(back[0]->flags, 0u);
+    EXPECT_STREQ(back[0]->getBalloonLabel(), "Tip");
 }
 
 TEST_F(StreamObjects, MakeUpBlockText) {
