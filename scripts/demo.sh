@@ -41,5 +41,6 @@ run window --selftest "$OUT/window.ppm"
 run drawing_sheet --shot "$OUT/drawing_sheet.ppm"
 run stage_demo --shots "$OUT"
 run editor --script "$OUT"
+run frames --shots "$OUT"
 topng
 echo "screenshots:"; ls -1 "$OUT" 2>/dev/null || true
