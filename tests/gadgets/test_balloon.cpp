@@ -3,6 +3,8 @@
 // its make-up; it goes when the pointer moves off, at a key, after the hide
 // delay, and with its stage; a press before the delay starts the wait again;
 // near the screen's corner it is moved whole onto the screen.
+#include <cstdio>
+
 #include "orv/balloon.h"
 #include "orv/shapes.h"
 #include "frame_support.h"
@@ -108,6 +110,18 @@ TEST_F(Balloons, AppearsAfterTheDelayBelowThePointer) {
     EXPECT_GT(wheats, (int)(r.w * r.h / 2));
     EXPECT_GT(blacks, 10);
     EXPECT_TRUE(director->balloonStage->isAMenu());
+    // The screen, balloon and stage together, through the root canvas (not a view).
+    std::string path = "/tmp/orv-balloon-screen-" + std::to_string(getpid()) + ".ppm";
+    ASSERT_EQ(OrvSaveViewPPM(director->rootCanvas, path.c_str()), 1);
+    FILE* f = fopen(path.c_str(), "rb");
+    ASSERT_NE(f, nullptr);
+    char header[64] = {0};
+    fread(header, 1, sizeof header - 1, f);
+    fclose(f);
+    std::remove(path.c_str());
+    std::string expected = "P6\n" + std::to_string(director->screenWidth) + " " +
+                           std::to_string(director->screenHeight) + "\n";
+    EXPECT_EQ(std::string(header).substr(0, expected.size()), expected);
 }
 
 TEST_F(Balloons, GoesWhenThePointerMovesOffAtAKeyAndAfterItsTime) {
