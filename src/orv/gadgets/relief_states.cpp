@@ -314,7 +314,7 @@ OrvToggle* OrvRadioGroup::selected(OrvStage* stage) const {
         OrvToggle* t = dynamic_cast<OrvToggle*>(all[i]);
         if (t && t->getCallback() == this && t->isChecked()) found = t;
     }
-    free(all);
+    delete[] all;
     return found;
 }
 
@@ -333,7 +333,7 @@ void OrvRadioGroup::activate(OrvActor* actor) {
             if (t && t != chosen && t->getCallback() == this) t->setChecked(0);
         }
         stage->flushDrawing(1);
-        free(all);
+        delete[] all;
     }
     changed(chosen);
 }
