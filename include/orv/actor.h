@@ -20,6 +20,7 @@ class OrvEngine;
 class OrvCallback;
 class OrvIStream;
 class OrvOStream;
+class OrvBitmap;
 
 // ---------------------------------------------------------------------------
 // Registration of a class with the registry of the stream
@@ -118,6 +119,19 @@ public:
     virtual unsigned long onButtonDragged(const Orv2dPoint& from, Orv2dPoint& to);
     virtual unsigned long onButtonUp();
     virtual const char* className() const;
+};
+
+// ---------------------------------------------------------------------------
+// Balloons
+// ---------------------------------------------------------------------------
+
+// What a balloon shows for an actor after the pointer rested on it: held
+// under the user property "BalloonKey".
+struct OrvBalloonData {
+    char* label;           // owned; may be null when there is a bitmap
+    OrvBitmap* bitmap;     // locked while held
+    OrvPosition position;  // of the bitmap against the label
+    unsigned short space;  // between label and bitmap
 };
 
 // Side of a handle's square, centred on its point.
@@ -294,6 +308,16 @@ public:
     // The stage to redraw in: the own stage, else the one a composite lent.
     OrvStage* drawingStage();
 
+    // The balloon of this actor; a null label with a null bitmap takes it away.
+    void setBalloonData(const char* label, OrvBitmap* bitmap, OrvPosition position,
+                        unsigned short space);
+    const char* getBalloonLabel() const;
+    OrvBitmap* getBalloonBitmap() const;
+    OrvPosition getBalloonLabelBitmapPosition() const;
+    unsigned short getBalloonLabelBitmapSpace() const;
+    // The record, or null.
+    const OrvBalloonData* getBalloonData() const;
+
     static OrvClassInfo* _classInfo;
     static OrvKey* _inVirtualStage;  // "ActorInVirtualStage"
     static Orv2dDragger _default2dDragger;
@@ -313,6 +337,8 @@ protected:
     static Orv2dPoint* handlesOf(const Orv2dRect& box);
     // A flag setter with the change protocol around the change.
     void changeFlag(unsigned char n, unsigned long on, unsigned long withLinks);
+    // The balloon's part of the persistent form, after the engine.
+    void readBalloon(OrvIStream& in);
 };
 
 ORV_DECLARE_CLASS_INIT(OrvActor)
@@ -326,6 +352,9 @@ extern OrvKey* secondaryCallbackNameA;
 extern OrvKey* nameA;
 extern OrvKey* roleA;  // the key "P_baheviour": misspelt, kept as it is for file compatibility
 extern OrvKey* engineA;
+
+// "BalloonKey": the key of an actor's balloon record.
+OrvKey* OrvBalloonKey();
 
 // "P_layer" and "T_layer": the stage and the theater that hold an actor.
 OrvKey* OrvStageKey();

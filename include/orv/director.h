@@ -29,6 +29,10 @@ class OrvTextureHashTable;
 class OrvEnvironment;
 class OrvMessageDatabase;
 class OrvImage;
+class OrvActor;
+class OrvStage;
+class OrvBalloonTimer;
+class OrvBalloonStage;
 
 class OrvDirector {
 public:
@@ -262,6 +266,26 @@ public:
     unsigned short getDoubleClickPeriod() const { return doubleClickPeriod; }
     const OrvEvent& lastEvent() const { return lastButtonEvent; }
     OrvEvent& lastEvent() { return lastButtonEvent; }
+
+    // ----- Balloons: the label that appears when the pointer rests on an actor ----
+    unsigned long balloonShown;      // balloons appear at all; 1 at start
+    unsigned long balloonDelay;      // ms of rest before one appears; 1000
+    unsigned long balloonHideDelay;  // ms it stays; 5000
+    OrvBalloonTimer* balloonTimer;   // made on first use
+    OrvBalloonStage* balloonStage;   // the balloon's window, made on first use
+
+    // Told of each event a stage sees: hides any balloon and starts the wait again.
+    void runBalloonTimer(OrvStage* stage, const OrvEvent& event);
+    // Shows the actor's balloon at a point of the screen, whole; 0 when it has none.
+    unsigned long mapBalloon(OrvActor* actor, const Orv2dPoint& point);
+    // Balloons on or off; hides any shown.
+    void showBalloon(unsigned long on);
+    void hideBalloon();
+    // Hides any balloon and stops the wait, forgetting where the pointer was.
+    void suspendBalloonTimer();
+    // The make-up of balloons to come and of the one shown; counted.
+    void setBalloonMakeUp(OrvMakeUp* makeUp);
+    void setBalloonDelays(unsigned long showMs, unsigned long hideMs);
 
     // GL: the zero-ended glXChooseVisual attribute list, and the root context.
     virtual const int* get3dRendererConfig() const;

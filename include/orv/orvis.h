@@ -28,5 +28,7 @@
 #include "orv/relief.h"
 #include "orv/value.h"
 #include "orv/vertex.h"
+#include "orv/frame.h"
+#include "orv/balloon.h"
 
 #endif

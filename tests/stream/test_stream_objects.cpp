@@ -165,9 +165,17 @@ TEST_F(StreamObjects, PropertiesStringIsTheFlagWord) {
     std::vector<OrvActor*> back = load(edited(text, word, "0001"));
     ASSERT_EQ(back.size(), 1u);
     EXPECT_EQ(back[0]->flags, 0x10u);
-    back = load(edited(text, word, "0000000000000000010000000100000"));
+    // Bit 18 is cleared on sight. Bit 26 announces a balloon, which must then follow; with it,
+    // the actor keeps the balloon and not the bit.
+    back = load(edited(text, word, "0000000000000000010000000000000"));
     ASSERT_EQ(back.size(), 1u);
     EXPECT_EQ(back[0]->flags, 0u);
+    back = load(edited(text, word + "\n",
+                       "0000000000000000000000000100000\n\tlabel\t\"Tip\"\n\tbitmap\t\"\"\n"
+                       "\tmask\t\"\"\n\tposition 2\n\tusData\t0\n"));
+    ASSERT_EQ(back.size(), 1u);
+    EXPECT_EQ(back[0]->flags, 0u);
+    EXPECT_STREQ(back[0]->getBalloonLabel(), "Tip");
 }
 
 // The whole block is in tests/data/stream/small.orv; here a make-up of its own comes back as the

@@ -73,8 +73,10 @@ int OrvSaveViewPPM(const OrvCanvas* canvas, const char* file) {
     if (!canvas || !canvas->director || !canvas->director->display || !canvas->drawable)
         return OrvError("## OrvSaveViewPPM : no canvas to read.\n");
     if (!file) return OrvError("## OrvSaveViewPPM : no file name.\n");
-    // A window that does not show has no pixels to give: asking would be an X error.
-    if (!canvas->isABitmap() && !canvas->isPrintDevice() && !((const OrvView*)canvas)->isViewable())
+    // A window that does not show has no pixels to give: asking would be an X error. A plain
+    // canvas on a window (the root canvas) is not a view and is read as it is.
+    const OrvView* view = dynamic_cast<const OrvView*>(canvas);
+    if (view && !view->isViewable())
         return OrvError("## OrvSaveViewPPM : the window of %s is not viewable.\n",
                         canvas->name ? canvas->name : "the canvas");
     Display* dpy = (Display*)canvas->director->display;

@@ -100,6 +100,11 @@ void OrvDirector::initSlots() {
     language = nullptr;
     rootContext = nullptr;
     doNotOptimize = 0;
+    balloonShown = 1;
+    balloonDelay = 1000;
+    balloonHideDelay = 5000;
+    balloonTimer = nullptr;
+    balloonStage = nullptr;
 }
 
 void OrvDirector::systemInit(const char* appName, const char* displayName, int, char**) {

@@ -336,6 +336,7 @@ void OrvView::setCursor(OrvCursor* c) {
 }
 
 void OrvView::show() {
+    director->suspendBalloonTimer();
     visible = 1;
     XMapWindow(dpyOf(this), (Window)drawable);
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "orv/actor.h"
+#include "orv/canvas.h"
 #include "orv/engine.h"
 #include "orv/director.h"
 #include "orv/role.h"
@@ -74,6 +75,11 @@ OrvKey* OrvTheaterKey() {
     return key;
 }
 
+OrvKey* OrvBalloonKey() {
+    static OrvKey* key = OrvGetKey("BalloonKey", 1);
+    return key;
+}
+
 // The keys of names, roles, engines and callbacks are made together, by the
 // first operation that needs one of them.
 static void makeIdentityKeys() {
@@ -125,6 +131,7 @@ OrvActor::~OrvActor() {
         setCallback(nullptr);
         setSecondaryCallback(nullptr);
     }
+    if (userProperties) setBalloonData(nullptr, nullptr, 2, 2);
     if (getProperty(OrvHasNameBit)) setName(nullptr);
     if (getProperty(OrvHasEngineBit)) delete getEngine();
     delete userProperties;
@@ -331,7 +338,64 @@ const char* OrvActor::defaultRole() const {
     return nullptr;
 }
 Orv2dPoint OrvActor::beforeMappingBalloon(const Orv2dPoint&) {
-    return Orv2dPoint();
+    // Below the pointer's arrow: a balloon under the pointer would take its events.
+    return Orv2dPoint(0, 20);
+}
+
+// ---------------------------------------------------------------------------
+// Balloon data
+// ---------------------------------------------------------------------------
+
+void OrvActor::setBalloonData(const char* label, OrvBitmap* bitmap, OrvPosition position,
+                              unsigned short space) {
+    OrvBalloonData* old = (OrvBalloonData*)getUserProperty(OrvBalloonKey());
+    OrvBalloonData* data = nullptr;
+    if (label || bitmap) {
+        data = new OrvBalloonData;
+        data->label = nullptr;
+        if (label) {
+            size_t n = strlen(label) + 1;
+            data->label = (char*)malloc(n);
+            memcpy(data->label, label, n);
+        }
+        data->bitmap = bitmap;
+        if (bitmap) bitmap->lock();
+        data->position = position;
+        data->space = space;
+        setUserProperty(OrvBalloonKey(), data);
+    } else {
+        removeUserProperty(OrvBalloonKey());
+    }
+    // The new record is in place before the old one lets go of a shared bitmap.
+    if (old) {
+        if (old->bitmap) old->bitmap->unLock();
+        free(old->label);
+        delete old;
+    }
+}
+
+const OrvBalloonData* OrvActor::getBalloonData() const {
+    return userProperties ? (const OrvBalloonData*)userProperties->get(OrvBalloonKey()) : nullptr;
+}
+
+const char* OrvActor::getBalloonLabel() const {
+    const OrvBalloonData* data = getBalloonData();
+    return data ? data->label : nullptr;
+}
+
+OrvBitmap* OrvActor::getBalloonBitmap() const {
+    const OrvBalloonData* data = getBalloonData();
+    return data ? data->bitmap : nullptr;
+}
+
+OrvPosition OrvActor::getBalloonLabelBitmapPosition() const {
+    const OrvBalloonData* data = getBalloonData();
+    return data ? data->position : 0;
+}
+
+unsigned short OrvActor::getBalloonLabelBitmapSpace() const {
+    const OrvBalloonData* data = getBalloonData();
+    return data ? data->space : 0;
 }
 
 // ---------------------------------------------------------------------------
@@ -478,11 +542,13 @@ void OrvActor::write(OrvOStream& out) const {
     out.key("layer");
     _OrvLine_(out.stream).add((unsigned long)layer).add('\n');
     // The written flags: never selected; the announcements of attachments and
-    // balloons are set only where such data follows, which is never here.
+    // balloons are set only where such data follows (attachments never, here).
+    const OrvBalloonData* balloon = getBalloonData();
     uint32_t written = flags;
     written &= ~((uint32_t)1 << OrvSelectedBit);
     written &= ~((uint32_t)1 << OrvAttachmentsFollowBit);
     written &= ~((uint32_t)1 << OrvBalloonFollowsBit);
+    if (balloon) written |= (uint32_t)1 << OrvBalloonFollowsBit;
     char digits[32];
     for (int i = 0; i < 31; i++) digits[i] = (written >> (i + 1)) & 1 ? '1' : '0';
     digits[31] = '\n';
@@ -509,6 +575,12 @@ void OrvActor::write(OrvOStream& out) const {
         // An actor whose engine was removed keeps the bit: the key then stands alone.
         OrvEngine* engine = getEngine();
         out.key("engine") << (engine ? engine->className() : "") << '\n';
+    }
+    if (balloon) {
+        out << (const char*)(balloon->label ? balloon->label : "");
+        out << (const OrvBitmap*)balloon->bitmap;
+        out.writePosition(balloon->position);
+        out << balloon->space;
     }
 }
 
@@ -551,6 +623,8 @@ OrvActor::OrvActor(OrvIStream& in)
     flags = 0;
     for (unsigned i = 0; digits[i]; i++)
         if (digits[i] == '1') setProperty((unsigned char)((i + 1) % 32));
+    // Cleared on sight: they announce what follows, they are no state.
+    bool balloon = getProperty(OrvBalloonFollowsBit);
     removeProperty(OrvAttachmentsFollowBit);
     removeProperty(OrvBalloonFollowsBit);
 
@@ -581,17 +655,32 @@ OrvActor::OrvActor(OrvIStream& in)
         setSecondaryCallbackName(OrvGetKey(buffer, 1));
     }
     if (getProperty(OrvHasEngineBit)) {
-        // The bit stays as read, engine or not.
+        // The bit stays as read, engine or not; reading goes on without one.
         if (!expectKey(in, buffer, "engine")) return;
         valueOnLine(in, buffer);
-        if (!buffer[0]) return;
-        OrvEngine* engine = OrvGetEngine(buffer);
-        if (!engine) {
-            OrvError("Engine (%s) not found ...\n", buffer);
-            return;
+        OrvEngine* engine = buffer[0] ? OrvGetEngine(buffer) : nullptr;
+        if (buffer[0] && !engine) OrvError("Engine (%s) not found ...\n", buffer);
+        if (engine) {
+            engine->setTarget(this);
+            setEngine(engine);
+            engine->run(0, 0);
         }
-        engine->setTarget(this);
-        setEngine(engine);
-        engine->run(0, 0);
     }
+    if (balloon) readBalloon(in);
+}
+
+void OrvActor::readBalloon(OrvIStream& in) {
+    unsigned long before = in.faults;
+    auto good = [&]() { return in.faults == before && in.stream; };
+    char* label = nullptr;
+    OrvBitmap* bitmap = nullptr;
+    unsigned long position = 2;
+    unsigned short space = 0;
+    in >> label;
+    if (good()) in >> bitmap;
+    if (good()) in.readPosition(position);
+    if (good()) in >> space;
+    // A balloon is taken whole or not at all.
+    if (good()) setBalloonData(label && *label ? label : nullptr, bitmap, position, space);
+    delete[] label;
 }

@@ -78,6 +78,10 @@ void OrvSetHighlightStage(OrvDirector* director, OrvStage* stage) {
 // ---------------------------------------------------------------------------
 
 void OrvStage::handleInput(const OrvEvent& event) {
+    if (event.type != OrvLeaveWindow)
+        director->runBalloonTimer(this, event);
+    else
+        director->suspendBalloonTimer();
     callInput(event);
     if (producer) {
         if (!producer->input2d(event)) dispatchToAccelerators(event);

@@ -171,6 +171,9 @@ void OrvStage::drawAll(const Orv2dRegion* region, unsigned long doErase) {
             invalidate(whole);
         return;
     }
+    // A frame's interior repaints inside its stage's repaint: the guard is
+    // given back as it was found, so that the outer repaint keeps it.
+    unsigned long outerGuard = OrvForgetUpdateDrawing();
     OrvForgetUpdateDrawing(1);
 
     Orv2dRegion painted(whole, 25);
@@ -227,7 +230,7 @@ void OrvStage::drawAll(const Orv2dRegion* region, unsigned long doErase) {
         producer->expose2d(paintClip);
         end();
     }
-    OrvForgetUpdateDrawing(0);
+    OrvForgetUpdateDrawing(outerGuard);
 }
 
 void OrvStage::drawFocus(OrvCanvas* canvas, const Orv2dMatrix* matrix) {
@@ -366,6 +369,8 @@ void OrvStage::applyResize(float, float) {}
 
 OrvStage::~OrvStage() {
     destroying = 1;
+    // No balloon outlives the stage whose actor it shows, nor waits on it.
+    director->suspendBalloonTimer();
     // The history goes first: its steps hold actors that left this stage.
     setUndoStack(nullptr);
     releaseInput();

@@ -4,6 +4,7 @@
 #include "orv/link.h"
 #include "orv/stage.h"
 #include "orv/stream.h"
+#include "embedded_views.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -15,6 +16,9 @@ void OrvStage::save(std::ostream& out) {
     writer.defaultSize = bbox();
     writer.write(count, actors, 1);
     writer.eof();
+    // A stage shown in a frame lives in a file of its own.
+    if (OrvEmbeddedViews.saveInterior)
+        for (unsigned int i = 0; i < count; i++) OrvEmbeddedViews.saveInterior(actors[i]);
     delete[] actors;
 }
 

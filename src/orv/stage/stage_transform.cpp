@@ -2,6 +2,9 @@
 #include "orv/stage.h"
 
 #include "orv/actor.h"
+#include "embedded_views.h"
+
+OrvEmbeddedViewCalls OrvEmbeddedViews = {nullptr, nullptr};
 
 // Same mapping when the new matrix's inverse undoes the old one; a missing
 // matrix counts as the identity.
@@ -17,10 +20,16 @@ static unsigned long _OrvSameTransformer_(const Orv2dMatrix* newMatrix,
     return product.isIdentity();
 }
 
-// Tells the hooks when the mapping really changed. Repainting is the caller's.
+static void _OrvFollowView_(OrvActor* actor, void*) {
+    OrvEmbeddedViews.follow(actor);
+}
+
+// Tells the hooks when the mapping really changed, and moves the windows that
+// frames hold to where the frames now stand. Repainting is the caller's.
 void OrvStage::transformerReplaced(const Orv2dMatrix* oldMatrix) {
     if (_OrvSameTransformer_(transformer, oldMatrix)) return;
     transformerChanged(transformer, oldMatrix);
+    if (OrvEmbeddedViews.follow) apply(_OrvFollowView_, nullptr);
 }
 
 void OrvStage::addTransformer(const Orv2dMatrix& m) {
