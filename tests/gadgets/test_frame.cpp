@@ -33,24 +33,7 @@ protected:
             settle();
         }
     }
-    bool viewable(const OrvView* v) {
-        XSync(dpy, False);
-        XWindowAttributes a;
-        return XGetWindowAttributes(dpy, v->window(), &a) && a.map_state == IsViewable;
-    }
-    // The child window's place in the stage, as the server has it.
-    Orv2dRect serverBox(const OrvView* v) {
-        XSync(dpy, False);
-        XWindowAttributes a;
-        XGetWindowAttributes(dpy, v->window(), &a);
-        return Orv2dRect(a.x, a.y, (uint32_t)a.width, (uint32_t)a.height);
-    }
 };
-
-std::string str(const Orv2dRect& r) {
-    return std::to_string(r.x) + "," + std::to_string(r.y) + " " + std::to_string(r.w) + "x" +
-           std::to_string(r.h);
-}
 
 }  // namespace
 

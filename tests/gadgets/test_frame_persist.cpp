@@ -25,21 +25,20 @@ std::string afterFirstLine(const std::string& text) {
     return text.substr(text.find('\n') + 1);
 }
 
-class FrameFile : public ::testing::Test {
+class FrameFile : public XTest {
 protected:
-    OrvDirector* director = nullptr;
     std::vector<OrvStage*> stages;
     std::string interiorFile;
 
     void SetUp() override {
-        if (!getenv("DISPLAY")) GTEST_SKIP() << "no DISPLAY";
-        director = new OrvDirector("testframefile", nullptr, 0, nullptr);
+        XTest::SetUp();
+        if (!director) return;
         director->prependToPath(dataDir("stream").c_str());
         interiorFile = "/tmp/orv-frame-file-" + std::to_string(getpid()) + ".orv";
     }
     void TearDown() override {
         for (OrvStage* s : stages) delete s;
-        delete director;
+        XTest::TearDown();
         std::remove(interiorFile.c_str());
     }
     OrvStage* newStage() {
