@@ -10,6 +10,7 @@
 
 // The library's headers come before Xlib's, whose macros they must not meet.
 #include "orv/frame.h"
+#include "orv/shapes.h"
 #include "orv_fixtures.h"
 
 inline long frameNowMs() {
@@ -41,6 +42,8 @@ public:
 class FrameTest : public XTest {
 protected:
     OrvStage* stage = nullptr;
+    OrvFrame* frame = nullptr;
+    OrvStage* inside = nullptr;
     long lastPress = 0;
 
     void SetUp() override {
@@ -67,6 +70,22 @@ protected:
     unsigned long rgb(int x, int y) { return rgbIn(stage, x, y); }
     unsigned long rgbIn(const OrvView* view, int x, int y) {
         return XTest::rgbOf(view->window(), x, y);
+    }
+    // A grey frame at 40, 30 of 240 by 180, with a red box at 10, 10 of its interior.
+    void standFrame(unsigned long interiorVisible = 1) {
+        frame = new OrvFrame(director, Orv2dRect(40, 30, 240, 180), interiorVisible,
+                             look("black", "white"));
+        frame->showTitleBar("Inside", 22);
+        frame->showDecoration(7);
+        frame->setDecorationColor(director->color("gray"));
+        stage->append(frame);
+        settle();
+        inside = frame->getInteriorStage();
+        if (inside) {
+            inside->append(
+                new OrvFilledRectangle(director, Orv2dRect(10, 10, 30, 20), look("red", "red")));
+            settle();
+        }
     }
     // The child window's place in its parent and whether it shows, as the server has them.
     Orv2dRect serverBox(const OrvView* v) {

@@ -16,25 +16,14 @@ public:
 
 class DecorRoles : public FrameTest {
 protected:
-    OrvFrame* frame = nullptr;
-    OrvStage* inside = nullptr;
     const Orv2dRect home = Orv2dRect(40, 30, 240, 180);
 
     void SetUp() override {
         FrameTest::SetUp();
         if (!stage) return;
-        frame = new OrvFrame(director, home, 1, look("black", "white"));
-        frame->showTitleBar("Inside", 22);
-        frame->showDecoration(7);
-        frame->setDecorationColor(director->color("gray"));
-        stage->append(frame);
-        settle();
-        inside = frame->getInteriorStage();
+        standFrame();
         ASSERT_NE(inside, nullptr);
-        inside->append(
-            new OrvFilledRectangle(director, Orv2dRect(10, 10, 30, 20), look("red", "red")));
         ASSERT_STREQ(frame->getRole()->className(), "Decor");
-        settle();
     }
     void doubleClick(int x, int y) {
         move(x, y);

@@ -12,28 +12,7 @@
 
 namespace {
 
-class FrameInterior : public FrameTest {
-protected:
-    OrvFrame* frame = nullptr;
-    OrvStage* inside = nullptr;
-
-    // A grey frame at 40, 30 of 240 by 180, with a red box at 10, 10 of its interior.
-    void standFrame(unsigned long interiorVisible = 1) {
-        frame = new OrvFrame(director, Orv2dRect(40, 30, 240, 180), interiorVisible,
-                             look("black", "white"));
-        frame->showTitleBar("Inside", 22);
-        frame->showDecoration(7);
-        frame->setDecorationColor(director->color("gray"));
-        stage->append(frame);
-        settle();
-        inside = frame->getInteriorStage();
-        if (inside) {
-            inside->append(
-                new OrvFilledRectangle(director, Orv2dRect(10, 10, 30, 20), look("red", "red")));
-            settle();
-        }
-    }
-};
+class FrameInterior : public FrameTest {};
 
 }  // namespace
 
