@@ -1,89 +1,26 @@
-// What the frame and decor tests share: a stage on an X server of the test's
-// own (XTest moves the one pointer), gestures run through the library's loop,
-// pixel reads with XGetImage, and a hook that counts repaints.
+// What the frame and decor tests share: the suite's XTest with a 400x300 stage,
+// gestures spaced past the double-click period, colours of make-ups, and a hook
+// that counts repaints.
 #ifndef ORV_TEST_FRAME_SUPPORT_H
 #define ORV_TEST_FRAME_SUPPORT_H
 
-#include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 // The library's headers come before Xlib's, whose macros they must not meet.
-#include "orv/actor.h"
-#include "orv/canvas.h"
-#include "orv/director.h"
 #include "orv/frame.h"
-#include "orv/makeup.h"
-#include "orv/resource.h"
-#include "orv/stage.h"
-
-#include <X11/Xlib.h>
-#include <X11/Xutil.h>
-
-#include "orv_xtest.h"
-
-// An Xvfb of one 640 by 480 screen of 24 bits, for one test.
-class FrameXServer {
-public:
-    pid_t pid = -1;
-    std::string name;
-
-    bool start() {
-        int fds[2];
-        if (pipe(fds) != 0) return false;
-        pid = fork();
-        if (pid < 0) return false;
-        if (pid == 0) {
-            close(fds[0]);
-            int devnull = open("/dev/null", O_RDWR);
-            dup2(devnull, 1);
-            dup2(devnull, 2);
-            char fd[16];
-            snprintf(fd, sizeof fd, "%d", fds[1]);
-            execlp("Xvfb", "Xvfb", "-displayfd", fd, "-screen", "0", "640x480x24", "-nolisten",
-                   "tcp", "-noreset", "-fp",
-                   "/usr/share/fonts/X11/misc,/usr/share/fonts/X11/75dpi/:unscaled,"
-                   "/usr/share/fonts/X11/100dpi/:unscaled,built-ins",
-                   (char*)nullptr);
-            _exit(127);
-        }
-        close(fds[1]);
-        // The server writes its display number once it accepts clients.
-        std::string number;
-        struct pollfd p = {fds[0], POLLIN, 0};
-        char c;
-        while (poll(&p, 1, 10000) > 0 && read(fds[0], &c, 1) == 1 && c != '\n') number += c;
-        close(fds[0]);
-        if (number.empty()) {
-            stop();
-            return false;
-        }
-        name = ":" + number;
-        return true;
-    }
-    void stop() {
-        if (pid > 0) {
-            kill(pid, SIGTERM);
-            waitpid(pid, nullptr, 0);
-        }
-        pid = -1;
-    }
-    ~FrameXServer() { stop(); }
-};
+#include "orv/shapes.h"
+#include "orv_fixtures.h"
 
 inline long frameNowMs() {
     using namespace std::chrono;
     return (long)duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+inline std::string str(const Orv2dRect& r) {
+    return std::to_string(r.x) + "," + std::to_string(r.y) + " " + std::to_string(r.w) + "x" +
+           std::to_string(r.h);
 }
 
 // Counts repaints of a stage and keeps the box of each region painted.
@@ -102,32 +39,24 @@ public:
     }
 };
 
-class FrameTest : public ::testing::Test {
+class FrameTest : public XTest {
 protected:
-    FrameXServer server;
-    OrvDirector* director = nullptr;
     OrvStage* stage = nullptr;
-    Display* dpy = nullptr;
-    std::string savedDisplay;
+    OrvFrame* frame = nullptr;
+    OrvStage* inside = nullptr;
     long lastPress = 0;
 
     void SetUp() override {
-        const char* shown = getenv("DISPLAY");
-        if (!shown) GTEST_SKIP() << "no DISPLAY";
-        savedDisplay = shown;
-        if (server.start()) setenv("DISPLAY", server.name.c_str(), 1);
-        director = new OrvDirector("testframes", nullptr, 0, nullptr);
-        dpy = (Display*)director->display;
+        XTest::SetUp();
+        if (!director) return;
         stage = new OrvStage(director, Orv2dRect(0, 0, 400, 300), "frames", 0, 1);
         ASSERT_TRUE(OrvTestWaitViewable(dpy, stage->window()));
         settle();
     }
     void TearDown() override {
         delete stage;
-        delete director;
-        if (!savedDisplay.empty()) setenv("DISPLAY", savedDisplay.c_str(), 1);
+        XTest::TearDown();
     }
-
     // A make-up of the default one in these colours.
     OrvMakeUp* look(const char* fg, const char* bg) {
         return director->makeUpBackground(
@@ -140,8 +69,35 @@ protected:
     }
     unsigned long rgb(int x, int y) { return rgbIn(stage, x, y); }
     unsigned long rgbIn(const OrvView* view, int x, int y) {
+        return XTest::rgbOf(view->window(), x, y);
+    }
+    // A grey frame at 40, 30 of 240 by 180, with a red box at 10, 10 of its interior.
+    void standFrame(unsigned long interiorVisible = 1) {
+        frame = new OrvFrame(director, Orv2dRect(40, 30, 240, 180), interiorVisible,
+                             look("black", "white"));
+        frame->showTitleBar("Inside", 22);
+        frame->showDecoration(7);
+        frame->setDecorationColor(director->color("gray"));
+        stage->append(frame);
+        settle();
+        inside = frame->getInteriorStage();
+        if (inside) {
+            inside->append(
+                new OrvFilledRectangle(director, Orv2dRect(10, 10, 30, 20), look("red", "red")));
+            settle();
+        }
+    }
+    // The child window's place in its parent and whether it shows, as the server has them.
+    Orv2dRect serverBox(const OrvView* v) {
         XSync(dpy, False);
-        return OrvTestRGB(dpy, view->window(), x, y);
+        XWindowAttributes a;
+        XGetWindowAttributes(dpy, v->window(), &a);
+        return Orv2dRect(a.x, a.y, (uint32_t)a.width, (uint32_t)a.height);
+    }
+    bool viewable(const OrvView* v) {
+        XSync(dpy, False);
+        XWindowAttributes a;
+        return XGetWindowAttributes(dpy, v->window(), &a) && a.map_state == IsViewable;
     }
     // Runs the loop until the server has sent everything asked so far.
     void settle(int ms = 40) {

@@ -23,19 +23,8 @@ protected:
         stage->append(box);
         settle();
     }
-    bool balloonUp() {
-        XSync(dpy, False);
-        OrvBalloonStage* b = director->balloonStage;
-        if (!b) return false;
-        XWindowAttributes a;
-        return XGetWindowAttributes(dpy, b->window(), &a) && a.map_state == IsViewable;
-    }
-    Orv2dRect balloonBox() {
-        XSync(dpy, False);
-        XWindowAttributes a;
-        XGetWindowAttributes(dpy, director->balloonStage->window(), &a);
-        return Orv2dRect(a.x, a.y, (uint32_t)a.width, (uint32_t)a.height);
-    }
+    bool balloonUp() { return director->balloonStage && viewable(director->balloonStage); }
+    Orv2dRect balloonBox() { return serverBox(director->balloonStage); }
     // Rests the pointer at a point of the stage and waits for the balloon.
     long restUntilShown(int x, int y, int timeoutMs = 3000) {
         move(x, y);
@@ -95,18 +84,12 @@ TEST_F(Balloons, AppearsAfterTheDelayBelowThePointer) {
     EXPECT_EQ(r.w, text.w + 4 + 4);
     EXPECT_EQ(r.h, text.h + 4 + 4);
     // In the balloon's make-up: mostly wheat, with the text in black.
-    XImage* im =
-        XGetImage(dpy, director->balloonStage->window(), 0, 0, r.w, r.h, AllPlanes, ZPixmap);
-    ASSERT_NE(im, nullptr);
     unsigned long wheat = rgbOf("wheat"), black = rgbOf("black");
     int wheats = 0, blacks = 0;
-    for (unsigned y = 0; y < r.h; y++)
-        for (unsigned x = 0; x < r.w; x++) {
-            unsigned long p = XGetPixel(im, x, y) & 0xFFFFFF;
-            wheats += p == wheat;
-            blacks += p == black;
-        }
-    XDestroyImage(im);
+    for (unsigned long p : snapshot(director->balloonStage)) {
+        wheats += p == wheat;
+        blacks += p == black;
+    }
     EXPECT_GT(wheats, (int)(r.w * r.h / 2));
     EXPECT_GT(blacks, 10);
     EXPECT_TRUE(director->balloonStage->isAMenu());

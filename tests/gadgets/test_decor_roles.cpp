@@ -8,11 +8,6 @@
 
 namespace {
 
-std::string str(const Orv2dRect& r) {
-    return std::to_string(r.x) + "," + std::to_string(r.y) + " " + std::to_string(r.w) + "x" +
-           std::to_string(r.h);
-}
-
 class CountingTitleRole : public OrvDecorTitleBarRole {
 public:
     int validated = 0;
@@ -21,36 +16,14 @@ public:
 
 class DecorRoles : public FrameTest {
 protected:
-    OrvFrame* frame = nullptr;
-    OrvStage* inside = nullptr;
     const Orv2dRect home = Orv2dRect(40, 30, 240, 180);
 
     void SetUp() override {
         FrameTest::SetUp();
         if (!stage) return;
-        frame = new OrvFrame(director, home, 1, look("black", "white"));
-        frame->showTitleBar("Inside", 22);
-        frame->showDecoration(7);
-        frame->setDecorationColor(director->color("gray"));
-        stage->append(frame);
-        settle();
-        inside = frame->getInteriorStage();
+        standFrame();
         ASSERT_NE(inside, nullptr);
-        inside->append(
-            new OrvFilledRectangle(director, Orv2dRect(10, 10, 30, 20), look("red", "red")));
         ASSERT_STREQ(frame->getRole()->className(), "Decor");
-        settle();
-    }
-    Orv2dRect serverBox(const OrvView* v) {
-        XSync(dpy, False);
-        XWindowAttributes a;
-        XGetWindowAttributes(dpy, v->window(), &a);
-        return Orv2dRect(a.x, a.y, (uint32_t)a.width, (uint32_t)a.height);
-    }
-    bool viewable(const OrvView* v) {
-        XSync(dpy, False);
-        XWindowAttributes a;
-        return XGetWindowAttributes(dpy, v->window(), &a) && a.map_state == IsViewable;
     }
     void doubleClick(int x, int y) {
         move(x, y);

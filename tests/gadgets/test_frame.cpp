@@ -12,45 +12,7 @@
 
 namespace {
 
-class FrameInterior : public FrameTest {
-protected:
-    OrvFrame* frame = nullptr;
-    OrvStage* inside = nullptr;
-
-    // A grey frame at 40, 30 of 240 by 180, with a red box at 10, 10 of its interior.
-    void standFrame(unsigned long interiorVisible = 1) {
-        frame = new OrvFrame(director, Orv2dRect(40, 30, 240, 180), interiorVisible,
-                             look("black", "white"));
-        frame->showTitleBar("Inside", 22);
-        frame->showDecoration(7);
-        frame->setDecorationColor(director->color("gray"));
-        stage->append(frame);
-        settle();
-        inside = frame->getInteriorStage();
-        if (inside) {
-            inside->append(
-                new OrvFilledRectangle(director, Orv2dRect(10, 10, 30, 20), look("red", "red")));
-            settle();
-        }
-    }
-    bool viewable(const OrvView* v) {
-        XSync(dpy, False);
-        XWindowAttributes a;
-        return XGetWindowAttributes(dpy, v->window(), &a) && a.map_state == IsViewable;
-    }
-    // The child window's place in the stage, as the server has it.
-    Orv2dRect serverBox(const OrvView* v) {
-        XSync(dpy, False);
-        XWindowAttributes a;
-        XGetWindowAttributes(dpy, v->window(), &a);
-        return Orv2dRect(a.x, a.y, (uint32_t)a.width, (uint32_t)a.height);
-    }
-};
-
-std::string str(const Orv2dRect& r) {
-    return std::to_string(r.x) + "," + std::to_string(r.y) + " " + std::to_string(r.w) + "x" +
-           std::to_string(r.h);
-}
+class FrameInterior : public FrameTest {};
 
 }  // namespace
 

@@ -25,21 +25,20 @@ std::string afterFirstLine(const std::string& text) {
     return text.substr(text.find('\n') + 1);
 }
 
-class FrameFile : public ::testing::Test {
+class FrameFile : public XTest {
 protected:
-    OrvDirector* director = nullptr;
     std::vector<OrvStage*> stages;
     std::string interiorFile;
 
     void SetUp() override {
-        if (!getenv("DISPLAY")) GTEST_SKIP() << "no DISPLAY";
-        director = new OrvDirector("testframefile", nullptr, 0, nullptr);
+        XTest::SetUp();
+        if (!director) return;
         director->prependToPath(dataDir("stream").c_str());
         interiorFile = "/tmp/orv-frame-file-" + std::to_string(getpid()) + ".orv";
     }
     void TearDown() override {
         for (OrvStage* s : stages) delete s;
-        delete director;
+        XTest::TearDown();
         std::remove(interiorFile.c_str());
     }
     OrvStage* newStage() {
@@ -112,26 +111,17 @@ TEST_F(FrameFile, DecorFrameAndBalloonsComeBackEqual) {
     EXPECT_EQ(second->read(in, size, -1), 1u);
     EXPECT_EQ(GetCapturedStdout(), "");
     ASSERT_EQ(second->cardinal(), first->cardinal());
+    // Saved again, the same text: every field came back; what follows is what text alone
+    // cannot show.
     EXPECT_EQ(afterFirstLine(save(second)), afterFirstLine(text));
 
     OrvDecor* decor = nth<OrvDecor>(second, 0);
     ASSERT_NE(decor, nullptr);
-    EXPECT_EQ(decor->bbox2d(nullptr), Orv2dRect(10, 20, 200, 150));
     EXPECT_STREQ(decor->getTitle(), "A \"quoted\" title");
-    EXPECT_NE(decor->outerBorder, nullptr);
-    EXPECT_NE(decor->innerBorder, nullptr);
-    EXPECT_NE(decor->hScrollBar, nullptr);
-    EXPECT_NE(decor->vScrollBar, nullptr);
-    EXPECT_STREQ(decor->getName(), "decor one");
-    EXPECT_STREQ(decor->getRole()->className(), "Decor");
     ASSERT_NE(decor->getIcon(), nullptr);
     EXPECT_STREQ(decor->getIcon()->className(), "OrvReliefLabel");
     EXPECT_STREQ(((OrvReliefLabel*)decor->getIcon())->getLabel(), "Icon");
-    EXPECT_EQ(decor->getIcon()->bbox2d(nullptr), Orv2dRect(5, 5, 60, 20));
     EXPECT_STREQ(decor->getBalloonLabel(), "Decor tip");
-    EXPECT_EQ(decor->getBalloonBitmap(), nullptr);
-    EXPECT_EQ(decor->getBalloonLabelBitmapPosition(), (OrvPosition)OrvBottom);
-    EXPECT_EQ(decor->getBalloonLabelBitmapSpace(), 3);
     // The sub-actors know their decor and draw on its stage.
     EXPECT_EQ(decor->hScrollBar->getUserProperty(OrvDecor::_inDecor), (void*)decor);
     EXPECT_EQ(decor->titleBar->drawingStage(), second);
@@ -139,20 +129,12 @@ TEST_F(FrameFile, DecorFrameAndBalloonsComeBackEqual) {
     OrvDecor* bare = nth<OrvDecor>(second, 1);
     ASSERT_NE(bare, nullptr);
     EXPECT_EQ(bare->bbox2d(nullptr), Orv2dRect(300, 200, 30, 30));
-    EXPECT_EQ(bare->titleBar, nullptr);
-    EXPECT_EQ(bare->outerBorder, nullptr);
-    EXPECT_EQ(bare->getIcon(), nullptr);
     EXPECT_EQ(bare->layer, 1);
 
     OrvFrame* frame = nth<OrvFrame>(second, 0);
     ASSERT_NE(frame, nullptr);
     EXPECT_EQ(frame->interiorVisible, 0u);
-    EXPECT_EQ(frame->outlined_, 1u);
-    EXPECT_EQ(frame->doubleBuffer, 1u);
     EXPECT_STREQ(frame->fileName, interiorFile.c_str());
-    EXPECT_STREQ(frame->getTitle(), "Frame");
-    EXPECT_NE(frame->hScrollBar, nullptr);
-    EXPECT_EQ(frame->vScrollBar, nullptr);
     // Its interior is made on the new stage when asked for, from the file, double-buffered.
     EXPECT_EQ(frame->getView(), nullptr);
     ASSERT_NE(frame->getInteriorStage(), nullptr);
@@ -163,8 +145,6 @@ TEST_F(FrameFile, DecorFrameAndBalloonsComeBackEqual) {
     EXPECT_STREQ(box->getBalloonLabel(), "Tip\nline \"two\"");
     ASSERT_NE(box->getBalloonBitmap(), nullptr);
     EXPECT_STREQ(box->getBalloonBitmap()->name, "mark.xbm");
-    EXPECT_EQ(box->getBalloonLabelBitmapPosition(), (OrvPosition)OrvTop);
-    EXPECT_EQ(box->getBalloonLabelBitmapSpace(), 6);
     // The flag that announces the balloon is not kept as state.
     EXPECT_EQ(box->getProperty(OrvBalloonFollowsBit), 0u);
     size_t flags = text.find("properties", text.find("OrvFilledRectangle"));

@@ -10,8 +10,6 @@ namespace {
 
 class FrameScroll : public FrameTest {
 protected:
-    OrvFrame* frame = nullptr;
-    OrvStage* inside = nullptr;
     OrvActor* origin = nullptr;
 
     // A frame at 20, 20 of 300 by 220 with both bars: an interior of 270 by 168

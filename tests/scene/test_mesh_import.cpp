@@ -15,6 +15,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include "vertex_samples.h"
+
 #ifdef ORV_WITH_ASSIMP
 #include <assimp/Exporter.hpp>
 #include <assimp/Importer.hpp>
@@ -196,12 +198,6 @@ std::string sphereObj(bool normals) {
         face({ring(rings - 1, k), last, ring(rings - 1, k + 1)});
     }
     return s;
-}
-
-std::vector<OrvFace*> facesOf(const OrvFaceSet& set) {
-    std::vector<OrvFace*> all;
-    for (OrvLink* l = set.faces.first; l; l = l->next) all.push_back((OrvFace*)l->value);
-    return all;
 }
 
 Orv3dVector vertexNormal(const OrvFace& f, unsigned k) {

@@ -11,20 +11,12 @@
 #include <typeinfo>
 #include <vector>
 
+#include "vertex_samples.h"
+
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
 
 namespace {
-
-// A share of a copy of the values, owned, locked by the holder.
-template <class T>
-OrvShare* owned(std::vector<T> values, unsigned long readOnly = 0) {
-    T* array = new T[values.size() ? values.size() : 1];
-    for (size_t i = 0; i < values.size(); i++) array[i] = values[i];
-    OrvShare* share = new OrvShare((unsigned)values.size(), array, readOnly, 1);
-    share->lock();
-    return share;
-}
 
 // The unit cube: corner i is (i & 1, i >> 1 & 1, i >> 2 & 1).
 std::vector<Orv3dPoint> cubeCorners() {
@@ -49,12 +41,6 @@ OrvFaceSet* cube(OrvShare* points) {
     return set;
 }
 
-std::vector<OrvFace*> facesOf(const OrvFaceSet& set) {
-    std::vector<OrvFace*> all;
-    for (OrvLink* l = set.faces.first; l; l = l->next) all.push_back((OrvFace*)l->value);
-    return all;
-}
-
 // The normal at vertex k of a face, through its normal block.
 Orv3dVector vertexNormal(const OrvPolygon& p, unsigned k) {
     return p.vertexNormals()[p.isIndexed() ? p.vertexNormalsIndex()[k] : k];
@@ -63,12 +49,12 @@ Orv3dVector vertexNormal(const OrvPolygon& p, unsigned k) {
 }  // namespace
 
 TEST(Polygon, ArraysAndIndices) {
-    OrvShare* points = owned<Orv3dPoint>({{0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {0, 1, 0}});
-    OrvShare* colors = owned<OrvRGB>({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}});
-    OrvShare* few = owned<OrvRGB>({{1, 0, 0}});
-    OrvShare* normals = owned<Orv3dVector>({{0, 0, 1}, {0, 0, -1}});
-    OrvShare* textures = owned<OrvTextureUV>({{0, 0}, {1, 0}, {1, 1}});
-    OrvShare* edges = owned<OrvEdge>({1, 0, 1, 0});
+    OrvShare* points = sampleShare<Orv3dPoint>({{0, 0, 0}, {2, 0, 0}, {2, 1, 0}, {0, 1, 0}});
+    OrvShare* colors = sampleShare<OrvRGB>({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}});
+    OrvShare* few = sampleShare<OrvRGB>({{1, 0, 0}});
+    OrvShare* normals = sampleShare<Orv3dVector>({{0, 0, 1}, {0, 0, -1}});
+    OrvShare* textures = sampleShare<OrvTextureUV>({{0, 0}, {1, 0}, {1, 1}});
+    OrvShare* edges = sampleShare<OrvEdge>({1, 0, 1, 0});
 
     OrvPolygon p;
     struct {
@@ -139,8 +125,8 @@ TEST(Polygon, ArraysAndIndices) {
 }
 
 TEST(Polygon, NormalFacesAndChanges) {
-    OrvShare* points = owned<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
-    OrvShare* colors = owned<OrvRGB>({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}});
+    OrvShare* points = sampleShare<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
+    OrvShare* colors = sampleShare<OrvRGB>({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}});
     OrvPolygon p;
     p.setNonIndexed(points, colors, nullptr, nullptr, nullptr);
     Orv3dVector n;
@@ -175,7 +161,7 @@ TEST(Polygon, NormalFacesAndChanges) {
     EXPECT_EQ(p.bbox, Orv3dVolume(-1, 0, 0, 4, 2, 1));
 
     // Read-only points are never changed.
-    OrvShare* fixed = owned<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, 1);
+    OrvShare* fixed = sampleShare<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, 1);
     OrvPolygon r;
     r.setIndexed(fixed, nullptr, nullptr, nullptr, nullptr);
     unsigned v[3] = {2, 1, 0};
@@ -206,7 +192,7 @@ TEST(Polygon, Textures) {
         {"deep", {{0, 0, 0}, {1, 1, 0}, {1, 1, 4}}, {{0, 0}, {0, 0.25f}, {1, 0.25f}}},
     };
     for (const auto& r : rows) {
-        OrvShare* points = owned(r.points, 1);
+        OrvShare* points = sampleShare(r.points, 1);
         OrvPolygon p;
         p.setNonIndexed(points, nullptr, nullptr, nullptr, nullptr);
         p.computeVerticeTextures();
@@ -223,8 +209,8 @@ TEST(Polygon, Textures) {
     }
     // Indexed, with colours: the texture block is the point block, and the
     // other blocks stay.
-    OrvShare* points = owned<Orv3dPoint>({{0, 0, 0}, {4, 0, 0}, {4, 2, 0}});
-    OrvShare* colors = owned<OrvRGB>({{1, 0, 0}});
+    OrvShare* points = sampleShare<Orv3dPoint>({{0, 0, 0}, {4, 0, 0}, {4, 2, 0}});
+    OrvShare* colors = sampleShare<OrvRGB>({{1, 0, 0}});
     OrvPolygon p;
     p.setIndexed(points, colors, nullptr, nullptr, nullptr);
     unsigned v[3] = {2, 1, 0}, c[3] = {0, 0, 0};
@@ -255,7 +241,7 @@ TEST(Series, FacesByKind) {
     // 12 vertices throughout.
     std::vector<Orv3dPoint> pts;
     for (unsigned i = 0; i < 12; i++) pts.push_back(Orv3dPoint((float)i, 0, 0));
-    OrvShare* points = owned(pts);
+    OrvShare* points = sampleShare(pts);
     struct {
         OrvSeriesType kind;
         unsigned data1, data2;
@@ -351,7 +337,7 @@ TEST(Series, FacesByKind) {
 TEST(Series, StripsAndStripSets) {
     std::vector<Orv3dPoint> pts;
     for (unsigned i = 0; i < 12; i++) pts.push_back(Orv3dPoint((float)i, (float)(i % 2), 0));
-    OrvShare* points = owned(pts);
+    OrvShare* points = sampleShare(pts);
     OrvSeries rowsOf(OrvRowsTriStrip, 3, 3);
     rowsOf.setNonIndexed(points, nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(rowsOf.vertexInTriangleStrip(2), 4u);
@@ -365,12 +351,12 @@ TEST(Series, StripsAndStripSets) {
                                    "OrvSeries::vertexInTriangleStrip : Argument outbounds 0-0.\n");
 
     // Strips of 5, 3 and 4 vertices, each a zig-zag from y = 0.
-    OrvShare* lengths = owned<unsigned>({5, 3, 4});
+    OrvShare* lengths = sampleShare<unsigned>({5, 3, 4});
     std::vector<Orv3dPoint> zig;
     for (unsigned length : {5u, 3u, 4u})
         for (unsigned i = 0; i < length; i++)
             zig.push_back(Orv3dPoint((float)zig.size(), (float)(i % 2), 0));
-    OrvShare* zigzag = owned(zig);
+    OrvShare* zigzag = sampleShare(zig);
     OrvTriangleStripSet set(lengths);
     set.setNonIndexed(zigzag, nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(set.kind, OrvRowsTriStrip);
@@ -413,7 +399,7 @@ TEST(Series, VertexNormalsOfAFoldedMesh) {
     // A quad mesh of 1 row and 2 columns folded along its middle column:
     // the left cell lies in z = 0, the right one rises at 45 degrees.
     OrvShare* points =
-        owned<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {2, 0, 1}, {0, 1, 0}, {1, 1, 0}, {2, 1, 1}});
+        sampleShare<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {2, 0, 1}, {0, 1, 0}, {1, 1, 0}, {2, 1, 1}});
     const float r = 1 / std::sqrt(2.0f);
     struct {
         double angle;
@@ -443,8 +429,8 @@ TEST(Series, VertexNormalsOfAFoldedMesh) {
     }
     // Faces get a table of distinct normals through an index.
     OrvSeries faces(OrvFaces, 3, 0);
-    OrvShare* tri =
-        owned<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}, {0, 1, 0}, {-1, 0, 0}});
+    OrvShare* tri = sampleShare<Orv3dPoint>(
+        {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}, {0, 1, 0}, {-1, 0, 0}});
     faces.setNonIndexed(tri, nullptr, nullptr, nullptr, nullptr);
     EXPECT_EQ(faces.computeVerticeNormals(30), 1u);
     EXPECT_EQ(typeid(*faces.vertex), typeid(_OrvVertexIPN_));
@@ -471,7 +457,7 @@ TEST(FaceSet, CubeByCreaseAngle) {
     } rows[] = {{30, 6}, {0, 6}, {89, 6}, {91, 8}, {180, 8}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.angle);
-        OrvShare* points = owned(cubeCorners(), 1);
+        OrvShare* points = sampleShare(cubeCorners(), 1);
         OrvFaceSet* set = cube(points);
         EXPECT_EQ(set->faceCardinal(), 6u);
         EXPECT_EQ(set->bbox, Orv3dVolume(0, 0, 0, 1, 1, 1));
@@ -515,8 +501,8 @@ TEST(FaceSet, CubeByCreaseAngle) {
 
 TEST(FaceSet, FacesWithoutIndexAndWithoutNormals) {
     // Two triangles on one array, without index, folded by 90 degrees.
-    OrvShare* points = owned<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
-    OrvShare* colors = owned<OrvRGB>({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}});
+    OrvShare* points = sampleShare<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
+    OrvShare* colors = sampleShare<OrvRGB>({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}});
     OrvFace* flat = new OrvFace;
     flat->setNonIndexed(points, colors, nullptr, nullptr, nullptr);
     OrvFaceSet set(1, flat);
@@ -545,7 +531,7 @@ TEST(FaceSet, FacesWithoutIndexAndWithoutNormals) {
 
 TEST(FaceSet, TexturesRunOnAcrossFaces) {
     OrvShare* points =
-        owned<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {3, 0, 0}, {3, 1, 0}});
+        sampleShare<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {3, 0, 0}, {3, 1, 0}});
     const unsigned left[4] = {0, 1, 2, 3}, right[4] = {1, 4, 5, 2};
     OrvFaceSet set(0);
     for (const unsigned* q : {left, right}) {
@@ -579,7 +565,7 @@ TEST(FaceSet, TableSearchesAgree) {
             pts.push_back(Orv3dPoint((float)c, (float)r,
                                      (float)(std::sin(r * 0.7) * std::cos(c * 0.9) +
                                              ((r * 7 + c * 3) % 5 == 0 ? 0.25 : 0))));
-    OrvShare* points = owned(pts);
+    OrvShare* points = sampleShare(pts);
     std::vector<Orv3dVector> results[2];
     std::vector<unsigned> indices[2];
     for (int linear = 0; linear < 2; linear++) {

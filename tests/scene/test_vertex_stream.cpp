@@ -72,11 +72,10 @@ std::vector<std::string> lines(const std::string& text) {
     return out;
 }
 
-void expectLines(const std::string& text, const std::vector<std::string>& expected) {
-    std::vector<std::string> got = lines(text);
-    for (size_t i = 0; i < got.size() && i < expected.size(); i++)
-        EXPECT_EQ(got[i], expected[i]) << "line " << i + 1;
-    EXPECT_EQ(got.size(), expected.size());
+// A literal's bytes, NULs included.
+template <size_t N>
+std::string bytes(const char (&s)[N]) {
+    return std::string(s, N - 1);
 }
 
 }  // namespace
@@ -96,49 +95,19 @@ TEST(VertexText, PolygonLayout) {
         out.indentation = 1;
         indexed.write(out);
     });
-    expectLines(text, {"polygon {",
-                       "\tindexed\t\tno",
-                       "\trational\tno",
-                       "\tpointCardinal\t3\treadWrite",
-                       "\tcolorCardinal\t3\treadOnly",
-                       "\tnormalCardinal\t0\treadWrite",
-                       "\ttextureCardinal\t0\treadWrite",
-                       "\tedgeCardinal\t0\treadWrite",
-                       "\tpoint 1 [",
-                       "\t\t0 0 0,",
-                       "\t\t1.5 0 0,",
-                       "\t\t0 -2 1e-05",
-                       "\t]",
-                       "\tcolor 2 [",
-                       "\t\t1 0 0,",
-                       "\t\t0 1 0,",
-                       "\t\t0 0 0.5",
-                       "\t]",
-                       "}",
-                       "\tpolygon {",
-                       "\t\tindexed\t\tyes",
-                       "\t\tindexCardinal\t24\treadOnly",
-                       "\t\trational\tno",
-                       "\t\tpointCardinal\t3\treadWrite",
-                       "\t\tcolorCardinal\t0\treadWrite",
-                       "\t\tnormalCardinal\t0\treadWrite",
-                       "\t\ttextureCardinal\t0\treadWrite",
-                       "\t\tedgeCardinal\t3\treadWrite",
-                       "\t\tpoint\t.USE 1",
-                       "\t\tedge 3 [",
-                       "\t\t\t\x01,",
-                       std::string("\t\t\t\0,", 5),
-                       "\t\t\t\x01",
-                       "\t\t]",
-                       "\t\tpointIndex 4 [",
-                       "\t\t\t0, 1, 2, 0, 1, 2, 0, 1, 2, 0,",
-                       "\t\t\t1, 2",
-                       "\t\t]",
-                       "\t\tedgeIndex 4 [",
-                       "\t\t\t2, 1, 0, 2, 1, 0, 2, 1, 0, 2,",
-                       "\t\t\t1, 0",
-                       "\t\t]",
-                       "\t}"});
+    EXPECT_EQ(text,
+              bytes("polygon {\n\tindexed\t\tno\n\trational\tno\n\tpointCardinal\t3\treadWrite\n"
+                    "\tcolorCardinal\t3\treadOnly\n\tnormalCardinal\t0\treadWrite\n"
+                    "\ttextureCardinal\t0\treadWrite\n\tedgeCardinal\t0\treadWrite\n\tpoint 1 [\n"
+                    "\t\t0 0 0,\n\t\t1.5 0 0,\n\t\t0 -2 1e-05\n\t]\n\tcolor 2 [\n\t\t1 0 0,\n"
+                    "\t\t0 1 0,\n\t\t0 0 0.5\n\t]\n}\n\tpolygon {\n\t\tindexed\t\tyes\n"
+                    "\t\tindexCardinal\t24\treadOnly\n\t\trational\tno\n"
+                    "\t\tpointCardinal\t3\treadWrite\n\t\tcolorCardinal\t0\treadWrite\n"
+                    "\t\tnormalCardinal\t0\treadWrite\n\t\ttextureCardinal\t0\treadWrite\n"
+                    "\t\tedgeCardinal\t3\treadWrite\n\t\tpoint\t.USE 1\n\t\tedge 3 [\n\t\t\t\x01,\n"
+                    "\t\t\t\0,\n\t\t\t\x01\n\t\t]\n\t\tpointIndex 4 [\n"
+                    "\t\t\t0, 1, 2, 0, 1, 2, 0, 1, 2, 0,\n\t\t\t1, 2\n\t\t]\n\t\tedgeIndex 4 [\n"
+                    "\t\t\t2, 1, 0, 2, 1, 0, 2, 1, 0, 2,\n\t\t\t1, 0\n\t\t]\n\t}\n"));
     // The edges come back from their bytes, 0 among them.
     std::istringstream in(text);
     OrvIStream reader(nullptr, in);
@@ -170,57 +139,24 @@ TEST(VertexText, SeriesAndStripSetLayout) {
         mesh.write(out);
         strips.write(out);
     });
-    expectLines(text, {"% ... OrvSeries description",
-                       "series {",
-                       "\t% ... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, ",
-                       "\t%      3 : TriFan, 4 : Faces)",
-                       "\tulData\t0",
-                       "\tseriesData1\t2",
-                       "\tseriesData2\t1",
-                       "\tindexed\t\tno",
-                       "\trational\tno",
-                       "\tpointCardinal\t6\treadWrite",
-                       "\tcolorCardinal\t0\treadWrite",
-                       "\tnormalCardinal\t0\treadWrite",
-                       "\ttextureCardinal\t0\treadWrite",
-                       "\tedgeCardinal\t0\treadWrite",
-                       "\tpoint 1 [",
-                       "\t\t0 0 0,",
-                       "\t\t1 0 0,",
-                       "\t\t0 1 0,",
-                       "\t\t1 1 0,",
-                       "\t\t0 2 0,",
-                       "\t\t1 2 0",
-                       "\t]",
-                       "\tfaceNormal 2 [",
-                       "\t\t0 0 1,",
-                       "\t\t0 0 1",
-                       "\t]",
-                       "}",
-                       "% ... OrvTriangleStripSet description",
-                       "triangleStripSet",
-                       "% ... OrvSeries description",
-                       "series {",
-                       "\t% ... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, ",
-                       "\t%      3 : TriFan, 4 : Faces)",
-                       "\tulData\t2",
-                       "\tseriesData1\t3",
-                       "\tseriesData2\t2",
-                       "\tindexed\t\tno",
-                       "\trational\tno",
-                       "\tpointCardinal\t6\treadWrite",
-                       "\tcolorCardinal\t0\treadWrite",
-                       "\tnormalCardinal\t0\treadWrite",
-                       "\ttextureCardinal\t0\treadWrite",
-                       "\tedgeCardinal\t0\treadWrite",
-                       "\tpoint\t.USE 1",
-                       "\tfaceNormal\tNone",
-                       "}",
-                       "% Shared data ...",
-                       "cardinal\t2\treadWrite",
-                       "sharedIndex 3 [",
-                       "\t3, 3",
-                       "]"});
+    EXPECT_EQ(text,
+              bytes("% ... OrvSeries description\nseries {\n"
+                    "\t% ... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, \n"
+                    "\t%      3 : TriFan, 4 : Faces)\n\tulData\t0\n\tseriesData1\t2\n"
+                    "\tseriesData2\t1\n\tindexed\t\tno\n\trational\tno\n"
+                    "\tpointCardinal\t6\treadWrite\n\tcolorCardinal\t0\treadWrite\n"
+                    "\tnormalCardinal\t0\treadWrite\n\ttextureCardinal\t0\treadWrite\n"
+                    "\tedgeCardinal\t0\treadWrite\n\tpoint 1 [\n\t\t0 0 0,\n\t\t1 0 0,\n"
+                    "\t\t0 1 0,\n\t\t1 1 0,\n\t\t0 2 0,\n\t\t1 2 0\n\t]\n\tfaceNormal 2 [\n"
+                    "\t\t0 0 1,\n\t\t0 0 1\n\t]\n}\n% ... OrvTriangleStripSet description\n"
+                    "triangleStripSet\n% ... OrvSeries description\nseries {\n"
+                    "\t% ... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, \n"
+                    "\t%      3 : TriFan, 4 : Faces)\n\tulData\t2\n\tseriesData1\t3\n"
+                    "\tseriesData2\t2\n\tindexed\t\tno\n\trational\tno\n"
+                    "\tpointCardinal\t6\treadWrite\n\tcolorCardinal\t0\treadWrite\n"
+                    "\tnormalCardinal\t0\treadWrite\n\ttextureCardinal\t0\treadWrite\n"
+                    "\tedgeCardinal\t0\treadWrite\n\tpoint\t.USE 1\n\tfaceNormal\tNone\n}\n"
+                    "% Shared data ...\ncardinal\t2\treadWrite\nsharedIndex 3 [\n\t3, 3\n]\n"));
     std::istringstream in(text);
     OrvIStream reader(nullptr, in);
     OrvSeries* m = OrvSeries::read(reader);
@@ -246,65 +182,21 @@ TEST(VertexText, FaceSetLayouts) {
     SampleArrays a;
     OrvFaceSet* compact = compactSample(a);
     std::string text = sampleText([&](OrvOStream& out) { compact->write(out); });
-    expectLines(text, {"faceSet {",
-                       "\tfaceCardinal\t3",
-                       "\toptimized\tyes",
-                       "\tindexCardinal\t12",
-                       "\trational\tno",
-                       "\tpointCardinal\t6\treadWrite",
-                       "\tcolorCardinal\t4\treadWrite",
-                       "\tnormalCardinal\t0\treadWrite",
-                       "\ttextureCardinal\t0\treadWrite",
-                       "\tedgeCardinal\t6\treadWrite",
-                       "\tpoint 1 [",
-                       "\t\t0 0 0,",
-                       "\t\t1 0 0,",
-                       "\t\t1 1 0,",
-                       "\t\t0 1 0,",
-                       "\t\t0.5 0.5 1,",
-                       "\t\t2 -1.25 3",
-                       "\t]",
-                       "\tcolor 2 [",
-                       "\t\t1 0 0,",
-                       "\t\t0 1 0,",
-                       "\t\t0 0 1,",
-                       "\t\t0.25 0.5 0.75",
-                       "\t]",
-                       "\tedge 3 [",
-                       "\t\t\x01,",
-                       std::string("\t\t\0,", 4),
-                       "\t\t\x01,",
-                       "\t\t\x01,",
-                       std::string("\t\t\0,", 4),
-                       std::string("\t\t\0", 3),
-                       "\t]",
-                       "\tpointIndex\tyes",
-                       "\tcolorIndex\tyes",
-                       "\tnormalIndex\tno",
-                       "\ttextureIndex\tno",
-                       "\tedgeIndex\tyes",
-                       "\tfaceVertices [",
-                       "\t\t4, 3, 5",
-                       "\t]",
-                       "\tpointFIndex [",
-                       "\t\t0, 1, 2, 3, 0, 1, 4, 1, 2, 4,",
-                       "\t\t5, 3",
-                       "\t]",
-                       "\tcolorFIndex [",
-                       "\t\t0, 1, 2, 3, 0, 1, 2, 0, 1, 2,",
-                       "\t\t3, 0",
-                       "\t]",
-                       "\tedgeFIndex [",
-                       "\t\t0, 1, 2, 3, 0, 1, 4, 1, 2, 4,",
-                       "\t\t5, 3",
-                       "\t]",
-                       "\tfaceColor\t1 0 0",
-                       "\tfaceNormal\t0 0 1",
-                       "\tfaceColor\tNone",
-                       "\tfaceNormal\t0 -0.894427 0.447214",
-                       "\tfaceColor\tNone",
-                       "\tfaceNormal\tNone",
-                       "}"});
+    EXPECT_EQ(text,
+              bytes("faceSet {\n\tfaceCardinal\t3\n\toptimized\tyes\n\tindexCardinal\t12\n"
+                    "\trational\tno\n\tpointCardinal\t6\treadWrite\n\tcolorCardinal\t4\treadWrite\n"
+                    "\tnormalCardinal\t0\treadWrite\n\ttextureCardinal\t0\treadWrite\n"
+                    "\tedgeCardinal\t6\treadWrite\n\tpoint 1 [\n\t\t0 0 0,\n\t\t1 0 0,\n"
+                    "\t\t1 1 0,\n\t\t0 1 0,\n\t\t0.5 0.5 1,\n\t\t2 -1.25 3\n\t]\n\tcolor 2 [\n"
+                    "\t\t1 0 0,\n\t\t0 1 0,\n\t\t0 0 1,\n\t\t0.25 0.5 0.75\n\t]\n\tedge 3 [\n"
+                    "\t\t\x01,\n\t\t\0,\n\t\t\x01,\n\t\t\x01,\n\t\t\0,\n\t\t\0\n\t]\n"
+                    "\tpointIndex\tyes\n\tcolorIndex\tyes\n\tnormalIndex\tno\n\ttextureIndex\tno\n"
+                    "\tedgeIndex\tyes\n\tfaceVertices [\n\t\t4, 3, 5\n\t]\n\tpointFIndex [\n"
+                    "\t\t0, 1, 2, 3, 0, 1, 4, 1, 2, 4,\n\t\t5, 3\n\t]\n\tcolorFIndex [\n"
+                    "\t\t0, 1, 2, 3, 0, 1, 2, 0, 1, 2,\n\t\t3, 0\n\t]\n\tedgeFIndex [\n"
+                    "\t\t0, 1, 2, 3, 0, 1, 4, 1, 2, 4,\n\t\t5, 3\n\t]\n\tfaceColor\t1 0 0\n"
+                    "\tfaceNormal\t0 0 1\n\tfaceColor\tNone\n\tfaceNormal\t0 -0.894427 0.447214\n"
+                    "\tfaceColor\tNone\n\tfaceNormal\tNone\n}\n"));
     OrvFaceSet* full = fullSample(a);
     std::string fullText = sampleText([&](OrvOStream& out) { full->write(out); });
     std::vector<std::string> got = lines(fullText);

@@ -20,6 +20,13 @@ OrvShare* sampleShare(const std::vector<T>& values, unsigned long readOnly = 0) 
     return share;
 }
 
+// The faces of a set, in order.
+inline std::vector<OrvFace*> facesOf(const OrvFaceSet& set) {
+    std::vector<OrvFace*> all;
+    for (OrvLink* l = set.faces.first; l; l = l->next) all.push_back((OrvFace*)l->value);
+    return all;
+}
+
 // The arrays of the samples, locked while the object lives.
 struct SampleArrays {
     OrvShare* points = sampleShare<Orv3dPoint>(
