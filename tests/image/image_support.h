@@ -4,17 +4,9 @@
 #ifndef ORV_TEST_IMAGE_SUPPORT_H
 #define ORV_TEST_IMAGE_SUPPORT_H
 
-#include <gtest/gtest.h>
+#include "orv_fixtures.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
-#include <functional>
-#include <sstream>
-#include <string>
-#include <vector>
-#include <dirent.h>
 #include <unistd.h>
 
 // A directory of its own under /tmp, removed with what it holds.
@@ -26,16 +18,7 @@ public:
         if (mkdtemp(t)) path = t;
     }
     ~TempDir() {
-        if (path.empty()) return;
-        DIR* d = opendir(path.c_str());
-        if (d) {
-            while (dirent* e = readdir(d)) {
-                if (!strcmp(e->d_name, ".") || !strcmp(e->d_name, "..")) continue;
-                unlink((path + "/" + e->d_name).c_str());
-            }
-            closedir(d);
-        }
-        rmdir(path.c_str());
+        if (!path.empty()) (void)!system(("rm -rf '" + path + "'").c_str());
     }
     std::string operator/(const std::string& name) const { return path + "/" + name; }
     TempDir(const TempDir&) = delete;
@@ -78,47 +61,27 @@ struct PlainMap {
     }
 };
 
-// Any portable map, read back through netpbm's own plain writer.
+// Any portable map, read back through netpbm's own plain writer, which writes no comments.
 inline PlainMap parsePlain(const std::string& file) {
     PlainMap m;
-    std::string plain = file + ".plain";
-    if (!run("pnmtoplainpnm '" + file + "' > '" + plain + "'")) return m;
-    std::istringstream in(readFile(plain));
-    unlink(plain.c_str());
+    if (!run("pnmtoplainpnm '" + file + "' > '" + file + ".plain'")) return m;
+    std::istringstream in(readFile(file + ".plain"));
+    unlink((file + ".plain").c_str());
     std::string magic;
-    in >> magic;
-    m.kind = magic == "P1" ? 1 : magic == "P2" ? 2 : 3;
-    auto next = [&in]() {
-        std::string t;
-        while (in >> t) {
-            if (t[0] == '#') {
-                std::getline(in, t);
-                continue;
-            }
-            return (unsigned)strtoul(t.c_str(), nullptr, 10);
-        }
-        return 0u;
-    };
-    m.width = next();
-    m.height = next();
-    if (m.kind != 1) m.maximum = next();
+    in >> magic >> m.width >> m.height;
+    m.kind = magic[1] - '0';
+    if (m.kind != 1) in >> m.maximum;
     size_t n = (size_t)m.width * m.height * (m.kind == 3 ? 3 : 1);
-    if (m.kind == 1) {
-        // Plain bitmaps may run their digits together.
-        char c;
-        while (m.samples.size() < n && in.get(c))
-            if (c == '0' || c == '1') m.samples.push_back(c - '0');
-    } else {
-        for (size_t i = 0; i < n; i++) m.samples.push_back(next());
-    }
+    // Plain bitmaps may run their digits together.
+    for (char c; m.kind == 1 && m.samples.size() < n && in >> c;) m.samples.push_back(c - '0');
+    for (unsigned v; m.kind != 1 && m.samples.size() < n && in >> v;) m.samples.push_back(v);
     return m;
 }
 
-// The standard output of f.
-inline std::string captured(const std::function<void()>& f) {
-    testing::internal::CaptureStdout();
-    f();
-    return testing::internal::GetCapturedStdout();
+// Bytes of a literal, zeros included.
+template <size_t N>
+std::string bytesOf(const char (&literal)[N]) {
+    return std::string(literal, N - 1);
 }
 
 #endif

@@ -48,30 +48,24 @@ protected:
 };
 
 TEST_F(LinkTest, PathsForEachKindAndPlaceUnderTransformers) {
-    const Orv2dRect a(10, 10, 40, 20), right(100, 50, 30, 20);
+    const Orv2dRect a(10, 10, 40, 20), right(100, 50, 30, 20), low(10, 100, 40, 20),
+        high(20, 10, 40, 20), below(20, 100, 40, 20), over(20, 15, 40, 20), far(60, 100, 40, 20);
+    // Two bends: the path, then the head.
+    const std::vector<Orv2dPoint> wide = {{30, 30},  {30, 40},  {115, 40}, {115, 50},
+                                          {111, 42}, {119, 42}, {115, 50}},
+                                  tall = {{50, 20},  {55, 20},  {55, 110}, {60, 110},
+                                          {52, 106}, {52, 114}, {60, 110}};
     const std::vector<PathCase> cases = {
         {"t right of f", 0, a, right, {{50, 20}, {100, 60}}},
         {"t left of f", 0, right, a, {{100, 60}, {50, 20}}},
-        {"f below t's middle",
-         0,
-         Orv2dRect(10, 100, 40, 20),
-         Orv2dRect(20, 10, 40, 20),
-         {{30, 100}, {40, 30}}},
-        {"t below f", 0, a, Orv2dRect(20, 100, 40, 20), {{30, 30}, {40, 100}}},
-        {"overlapping: centre to centre", 0, a, Orv2dRect(20, 15, 40, 20), {{30, 20}, {40, 25}}},
+        {"f below t's middle", 0, low, high, {{30, 100}, {40, 30}}},
+        {"t below f", 0, a, below, {{30, 30}, {40, 100}}},
+        {"overlapping: centre to centre", 0, a, over, {{30, 20}, {40, 25}}},
         {"one bend, horizontal first", 1, a, right, {{50, 20}, {115, 20}, {115, 50}}},
         {"one bend, vertical first", 2, a, right, {{30, 30}, {30, 60}, {100, 60}}},
         {"one bend, turned round: starts at from", 1, right, a, {{115, 50}, {115, 20}, {50, 20}}},
-        {"two bends, wider than high",
-         3,
-         a,
-         right,
-         {{30, 30}, {30, 40}, {115, 40}, {115, 50}, {111, 42}, {119, 42}, {115, 50}}},
-        {"two bends, higher than wide",
-         3,
-         a,
-         Orv2dRect(60, 100, 40, 20),
-         {{50, 20}, {55, 20}, {55, 110}, {60, 110}, {52, 106}, {52, 114}, {60, 110}}},
+        {"two bends, wider than high", 3, a, right, wide},
+        {"two bends, higher than wide", 3, a, far, tall},
     };
     const Orv2dMatrix twice(2.0f, 2.0f);
     for (const PathCase& c : cases) {
