@@ -100,6 +100,38 @@ TEST_F(UndoTest, EveryKindOfEditUndoneAndRedoneByKeysToTheByte) {
     EXPECT_FALSE(history->canRedo());
 }
 
+TEST_F(UndoTest, AHundredEditsUndoneAndRedoneGiveTheSameText) {
+    for (int i = 0; i < 4; i++) rect(20 + 70 * i, 20, 40, 30);
+    std::string start = saved();
+    // Moves of each box in turn, up and down, with a duplicate and the
+    // deletion of the copy now and then.
+    std::vector<OrvActor*> boxes;
+    unsigned n = 0;
+    OrvActor** all = stage->objects(n);
+    boxes.assign(all, all + n);
+    delete[] all;
+    int down[4] = {0, 0, 0, 0};
+    for (int i = 0; i < 100; i++) {
+        int b = i % 4, x = 40 + 70 * b, y = 35 + 40 * down[b];
+        if (i % 10 == 4) {
+            stage->deSelect();
+            boxes[b]->setSelected(1);
+            type(XK_d, XK_Control_L);
+        } else if (i % 10 == 5) {
+            type(XK_Delete);
+        } else {
+            drag(x, y, x, down[b] ? y - 40 : y + 40, 2);
+            down[b] = !down[b];
+        }
+    }
+    ASSERT_EQ(history->count(), 100u) << "one step per edit";
+    std::string end = saved();
+    for (int i = 0; i < 100; i++) undoKey();
+    EXPECT_EQ(saved(), start);
+    for (int i = 0; i < 100; i++) redoKey();
+    EXPECT_EQ(saved(), end);
+}
+
 TEST_F(UndoTest, DeletingRestoresLinksLayersAndExactPlaces) {
     OrvActor* a = rect(20, 20, 40, 30);
     OrvActor* b = rect(150, 100, 40, 30, 1);
