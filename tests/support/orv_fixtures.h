@@ -267,8 +267,8 @@ protected:
         return OrvTestPixel(dpy, c->drawable, x, y) & mask();
     }
     // Pixels of a canvas by colour name: "red: 10,10 30,10 white: 30,11".
-    void expectPixels(const OrvCanvas* c, const std::string& spec) {
-        std::istringstream in(spec);
+    void expectPixels(const OrvCanvas* c, const std::string& wanted) {
+        std::istringstream in(wanted);
         unsigned long want = 0;
         for (std::string word; in >> word;) {
             if (word.back() == ':') {
@@ -277,7 +277,7 @@ protected:
             }
             int x = 0, y = 0;
             sscanf(word.c_str(), "%d,%d", &x, &y);
-            EXPECT_EQ(want, pixel(c, x, y)) << "pixel " << word << " of \"" << spec << "\"";
+            EXPECT_EQ(want, pixel(c, x, y)) << "pixel " << word << " of \"" << wanted << "\"";
         }
     }
     // How many pixels of a rectangle of the canvas have that value.
