@@ -24,42 +24,31 @@ struct MapKind {
 
 int kindOf(char a, char b, MapKind& k) {
     memset(&k, 0, sizeof k);
-    k.reverse = a == 'P';
-    if (a == 'P') switch (b) {
-            case '1':
-            case '4':
-                k.type = OrvImageLuminance, k.packed = 1, k.raw = b == '4';
-                return 1;
-            case '2':
-            case '5':
-                k.type = OrvImageRGB, k.hasMaximum = 1, k.samples = 1, k.raw = b == '5';
-                return 1;
-            case '3':
-            case '6':
-                k.type = OrvImageRGB, k.hasMaximum = 1, k.samples = 3, k.raw = b == '6';
-                k.multiChannel = 1;
-                return 1;
-            default:
-                return 0;
-        }
+    // The portable maps and the "V" forms differ only in 2/5 (grey against luminance and
+    // alpha) and in 7/8, which only the "V" forms have.
+    bool portable = a == 'P';
+    k.reverse = portable;
+    k.raw = b == '4' || b == '5' || b == '6' || b == '8';
     switch (b) {
         case '1':
         case '4':
-            k.type = OrvImageLuminance, k.packed = 1, k.raw = b == '4';
+            k.type = OrvImageLuminance, k.packed = 1;
             return 1;
         case '2':
         case '5':
-            k.type = OrvImageLuminanceAlpha, k.packed = 1, k.raw = b == '5';
+            if (portable)
+                k.type = OrvImageRGB, k.hasMaximum = 1, k.samples = 1;
+            else
+                k.type = OrvImageLuminanceAlpha, k.packed = 1;
             return 1;
         case '3':
         case '6':
-            k.type = OrvImageRGB, k.hasMaximum = 1, k.samples = 3, k.raw = b == '6';
-            k.multiChannel = 1;
+            k.type = OrvImageRGB, k.hasMaximum = 1, k.samples = 3, k.multiChannel = 1;
             return 1;
         case '7':
         case '8':
-            k.type = OrvImageRGBA, k.hasMaximum = 1, k.samples = 4, k.raw = b == '8';
-            k.multiChannel = 1;
+            if (portable) return 0;
+            k.type = OrvImageRGBA, k.hasMaximum = 1, k.samples = 4, k.multiChannel = 1;
             return 1;
         default:
             return 0;
