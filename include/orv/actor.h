@@ -15,6 +15,7 @@
 class OrvActor;
 class OrvStage;
 class OrvTheater;
+class OrvScene;
 class OrvRole;
 class OrvEngine;
 class OrvCallback;
@@ -250,6 +251,48 @@ public:
     // 10. theater
     virtual void setTheater(OrvTheater* theater);
     virtual OrvTheater* getTheater() const;
+
+    // 11. the 3D half: drawing passes, matrix, box and picking in a scene
+    // One pass of a frame: immediate, through a display list, or as a box.
+    virtual void render3d(const OrvScene* scene);
+    // Pushes the matrices and flags of the actor, then draws it with draw3d.
+    virtual void drawImmediate(const OrvScene* scene);
+    // The display-list pass; here, as for every actor without a list, drawImmediate.
+    virtual void drawStructure(const OrvScene* scene);
+    // In interactive frames, draws the actor's box instead; 1 when it did.
+    virtual unsigned long drawInteractive(const OrvScene* scene);
+    // The actor's matrix to the world; null is the identity.
+    virtual const Orv3dMatrix* to3dWorld() const;
+    virtual void to3dWorld(const Orv3dMatrix* matrix);
+    // Matrix steps (accumulate 0 replaces the matrix, 1 concatenates the step after it).
+    virtual void rotateX(const double& degrees, unsigned long accumulate);
+    virtual void rotateY(const double& degrees, unsigned long accumulate);
+    virtual void rotateZ(const double& degrees, unsigned long accumulate);
+    virtual void rotate(const Orv3dPoint& p1, const Orv3dPoint& p2, const double& degrees,
+                        unsigned long accumulate);
+    virtual void translate(const float& x, const float& y, const float& z,
+                           unsigned long accumulate);
+    virtual void scale(const float& x, const float& y, const float& z, unsigned long accumulate);
+    virtual void build3dMatrix(const Orv3dPoint& centre, const Orv3dVector& translation,
+                               const double& rx, const double& ry, const double& rz,
+                               const Orv3dVector& scale, unsigned long accumulate);
+    // Adds the projection of bbox3d(1) through `matrix` to `region`, grown by
+    // 2 pixels a side when grow is 1; the whole window when a corner is behind the eye.
+    virtual void bboxToScene(Orv2dRegion& region, const Orv3dMatrix* matrix,
+                             unsigned long grow) const;
+    // The box of bbox3d(1) in the make-up.
+    virtual void drawFocus3d(const OrvScene* scene, const OrvMakeUp* makeUp) const;
+    // What the actor is: the scene's drawing operations. Nothing by default.
+    virtual void draw3d(const OrvScene* scene) const;
+    // The actor's volume; with world, through its matrix.
+    virtual Orv3dVolume bbox3d(unsigned long world) const;
+    // Hit in the projected box by default.
+    virtual unsigned long contains3d(const Orv2dPoint& point, const OrvScene* scene) const;
+    virtual unsigned long intersects3d(const Orv2dRegion& region, const Orv3dMatrix* matrix) const;
+    virtual unsigned long inside3d(const Orv2dRegion& region, const Orv3dMatrix* matrix) const;
+    // Handles in a scene: their window rectangles and their drawing. None here.
+    virtual void draggerRegions3d(Orv2dRegion& region, const Orv3dMatrix* matrix) const;
+    virtual void draggerDraw3d(const OrvScene* scene) const;
 
     // Flags as a public vocabulary: bit n modulo 32, no redraw, no notification.
     void setProperty(unsigned char n) { flags |= (uint32_t)1 << (n % 32); }

@@ -27,6 +27,7 @@ class OrvTotalMakeUp;
 class OrvMakeUpHashTable;
 class OrvTextureHashTable;
 class OrvEnvironment;
+struct OrvRGB;
 class OrvMessageDatabase;
 class OrvImage;
 class OrvActor;
@@ -286,6 +287,22 @@ public:
     // The make-up of balloons to come and of the one shown; counted.
     void setBalloonMakeUp(OrvMakeUp* makeUp);
     void setBalloonDelays(unsigned long showMs, unsigned long hideMs);
+
+    // ----- 3D defaults ---------------------------------------------------------
+    // Makes an environment and appends it to the list (never shared by content).
+    virtual OrvEnvironment* environment(const OrvRGB& ambient, float intensity, float constant,
+                                        float linear, float quadratic, unsigned long infinite,
+                                        unsigned long backAndFront);
+    const OrvRGB& defaultAmbientColor() const;
+    const OrvRGB& defaultDiffuseColor() const;
+    const OrvRGB& defaultSpecularColor() const;
+    const OrvRGB& defaultEmissiveColor() const;
+    float defaultShininess() const { return 0.2f; }
+    float defaultTransparency() const { return 1.0f; }
+    // The marker display list of a type (1 to 5) and scale (0 to 7); 0 without lists.
+    unsigned marker(OrvMarkerType type, unsigned short scale) const;
+    // The same bitmap at the raster position, without a list.
+    void immediateMarker(OrvMarkerType type, unsigned short scale) const;
 
     // GL: the zero-ended glXChooseVisual attribute list, and the root context.
     virtual const int* get3dRendererConfig() const;

@@ -9,6 +9,7 @@
 
 class OrvVectorialFont;
 class OrvTexture;
+class OrvScene;
 
 typedef unsigned long OrvFillStyle;  // 0 solid or opaque pattern, 1 stipple, 2 tile
 enum {
@@ -101,6 +102,9 @@ public:
     virtual unsigned short markerScale() const;
     virtual OrvTexture* texture() const;
     virtual OrvVectorialFont* vfont() const;
+    // Sets GL to this make-up (or the scene's shadow make-up) for a surface
+    // (lines 0) or for points, lines and markers (lines 1); repeats do nothing.
+    virtual void render(const OrvScene* scene, unsigned long lines) const;
 
     void setMode(OrvDrawMode mode);
     void setOverwrite(unsigned long flag);

@@ -29,6 +29,11 @@
 #include "orv/value.h"
 #include "orv/vertex.h"
 #include "orv/frame.h"
+#include "orv/camera.h"
+#include "orv/light.h"
+#include "orv/theater.h"
+#include "orv/scene.h"
+#include "orv/actor3d.h"
 #include "orv/balloon.h"
 
 #endif

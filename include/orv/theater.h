@@ -1,0 +1,195 @@
+// Theaters: the 3D container. A theater owns its actors in layers and shows
+// them in any number of scenes, each through its own camera.
+#ifndef ORV_THEATER_H
+#define ORV_THEATER_H
+
+#include "orv/base.h"
+#include "orv/geometry.h"
+#include "orv/region.h"
+
+class OrvDirector;
+class OrvActor;
+class OrvScene;
+class OrvStage;
+class OrvTheater;
+class OrvCamera;
+class OrvProducer;
+class OrvAccelerator;
+class OrvView;
+
+// The observer of a theater. Every call does nothing by default.
+class OrvTheaterHook {
+public:
+    OrvTheater* theater;  // set by OrvTheater::install
+
+    OrvTheaterHook();
+    virtual ~OrvTheaterHook();
+    virtual void beforeDraw(const OrvScene* scene, const Orv2dRegion* region);
+    virtual void afterDraw(const OrvScene* scene, const Orv2dRegion* region);
+    virtual void producer(OrvProducer* oldProducer, OrvProducer* newProducer);
+    virtual void contents();
+    virtual void orientation(const OrvCamera* camera);
+    virtual void mapping(const OrvCamera* camera);
+    // 1 forces whole, unscissored frames in that scene.
+    virtual unsigned long doNotOptimizeSceneReDraws(const OrvScene* scene);
+    virtual void afterCopy(const OrvScene* scene, const Orv2dRegion* region);
+    // 1 (the default): the theater deletes the hook when it goes.
+    virtual unsigned long deletedByTheater();
+};
+
+// One layer of a theater, with its visibility and selectability per scene.
+class OrvTheaterLayer {
+public:
+    enum {
+        VisibleBit = 2,
+        SelectableBit = 4
+    };
+    OrvTheater* theater;
+    OrvAList sceneFlags;  // const OrvScene* -> word
+    OrvActor** actors;
+    unsigned count, capacity;
+    unsigned short number;
+
+    OrvTheaterLayer(OrvTheater* theater, unsigned short number);
+    OrvTheaterLayer(const OrvTheaterLayer&) = delete;
+    OrvTheaterLayer& operator=(const OrvTheaterLayer&) = delete;
+    virtual ~OrvTheaterLayer();
+
+    void append(OrvActor* actor);
+    void insert(OrvActor* actor);  // at the front
+    void push(OrvActor* actor);    // to the end (drawn last)
+    void pop(OrvActor* actor);     // to the front
+    void remove(OrvActor* actor);
+    int position(const OrvActor* actor) const;  // -1 when absent
+    OrvActor* object(unsigned i) const { return i < count ? actors[i] : nullptr; }
+    void apply(void (*function)(OrvActor*, void*), void* data);
+    // With deleteThem, link actors go first, then the others.
+    void empty(unsigned long deleteThem);
+
+    void setVisible(const OrvScene* scene, unsigned long on);
+    unsigned long isVisible(const OrvScene* scene) const;
+    void setSelectable(const OrvScene* scene, unsigned long on);
+    unsigned long isSelectable(const OrvScene* scene) const;
+    // Adds or replaces the scene's word.
+    void append(const OrvScene* scene, unsigned long flags);
+    void remove(const OrvScene* scene);
+
+    // Renders the visible actors whose projected box meets the region's box (all without one).
+    void draw(const OrvScene* scene, const Orv2dRegion* region);
+    // Renders the actors that are opaque (opaque 1) or transparent (opaque 0); with a
+    // list, draws the opaque ones and lists the transparent ones instead.
+    void drawTransparency(const OrvScene* scene, const Orv2dRegion* region, unsigned long opaque,
+                          OrvList* transparent);
+
+private:
+    void grow();
+};
+
+class OrvTheater {
+public:
+    OrvList scenes;  // OrvScene*, connected, not owned
+    OrvList layers;  // OrvTheaterLayer*, owned, back to front
+    OrvList hooks;   // OrvTheaterHook*
+    OrvList accelerators;
+    OrvAList callbacks;
+    OrvDirector* director;
+    OrvActor* pressed;
+    OrvActor* lastMoved;
+    OrvActor* grabbed;
+    OrvActor* focus;
+    unsigned long anyFocus;
+    unsigned long selectionOwner;
+    OrvAList selections_;
+    OrvList selectionList;
+    unsigned beginDrawingDepth;
+    unsigned long lockedFlush;
+    unsigned long destroying;
+
+    explicit OrvTheater(OrvDirector* director);
+    OrvTheater(const OrvTheater&) = delete;
+    OrvTheater& operator=(const OrvTheater&) = delete;
+    virtual ~OrvTheater();
+    virtual const char* className() const;  // "OrvTheater"
+
+    // ----- Drawing -----------------------------------------------------------
+    // Draws the scene (the region only, or all); clear says whether to clear first.
+    virtual void drawAll(OrvScene* scene, const Orv2dRegion* region, unsigned long clear);
+    // The same in every scene.
+    virtual void drawAll(const Orv2dRegion* region, unsigned long clear);
+    // Redraws the actor's projected box in each scene, or records it while a scene collects.
+    virtual void draw(OrvActor* actor, unsigned long clear);
+    // Draws the focus box of the focus actor.
+    virtual void drawFocus(OrvScene* scene);
+    virtual OrvActor* getFocus() const;
+    // Called by a scene when its current camera turned or its projection changed.
+    virtual void orientationChanged(const OrvCamera* camera);
+    virtual void mappingChanged(const OrvCamera* camera);
+    // The view callbacks that connect installs: redraw each scene of the view
+    // in the region; after a new size, the first scene's porthole and a full frame.
+    virtual void handleExpose(OrvView* view, const Orv2dRegion* region);
+    virtual void handleResize(OrvView* view, const Orv2dRect& oldRect, const Orv2dRect& newRect);
+
+    void beginDrawing();
+    void flushDrawing(unsigned long clear);
+    void abortDrawing();
+    // Marks the actor's projected box (and, with links, its linked actors') in every scene.
+    void invalidate(const OrvActor* actor, unsigned long links);
+    void invalidate(const Orv2dRect& rect);
+    void invalidate(const Orv2dRegion& region);
+    void setZBuffer(unsigned long on);
+    unsigned long initContext(OrvScene* scene);  // 1: contexts belong to views
+    void closeContext(OrvScene* scene);
+
+    // ----- Contents ------------------------------------------------------------
+    void append(OrvActor* actor, unsigned layer = 0);
+    void insert(OrvActor* actor, unsigned layer = 0);
+    void remove(OrvActor* actor, unsigned long redraw = 1);
+    void remove(OrvActor** actors, unsigned count, unsigned long redraw = 1);
+    void push(OrvActor* actor);
+    void pop(OrvActor* actor);
+    // The layer of that number, made (with those below it) when missing.
+    OrvTheaterLayer* layer(unsigned number, unsigned long create = 1);
+    OrvTheaterLayer* getLayer(const OrvActor* actor) const;
+    unsigned long isLink(const OrvActor* actor) const;
+    unsigned long isVisible(const OrvActor* actor) const;
+    unsigned cardinal() const;
+    // New array (delete[] by the caller), back to front; null when empty.
+    OrvActor** objects(unsigned& count) const;
+    OrvActor* object(const char* name) const;
+    void apply(void (*function)(OrvActor*, void*), void* data);
+    // Removes every actor, deleting them with deleteThem.
+    void empty(unsigned long deleteThem);
+    // The box of all actors, through their matrices (world) or not.
+    Orv3dVolume contentsBBox(unsigned long world) const;
+    // That box projected into the scene's window.
+    Orv2dRect contentsBBoxMapped(const OrvScene* scene) const;
+    void contentsChanged();
+
+    // ----- Scenes -------------------------------------------------------------
+    // A scene already on a stage.
+    void connect(OrvScene* scene);
+    // Lays the scene on the stage at the layer, then connects it.
+    void connect(OrvScene* scene, OrvStage* stage, unsigned layer);
+    void disconnect(OrvScene* scene);
+    void setVisible(OrvScene* scene, unsigned long on);
+    unsigned long isVisible(const OrvScene* scene) const;
+    void setSelectable(OrvScene* scene, unsigned long on);
+    unsigned long isSelectable(const OrvScene* scene) const;
+    // The scene shown in that view, or null.
+    OrvScene* sceneOfView(const void* view) const;
+
+    // ----- Hooks ----------------------------------------------------------------
+    void install(OrvTheaterHook* hook);
+    void remove(OrvTheaterHook* hook);
+    void beforeDraw(const OrvScene* scene, const Orv2dRegion* region);
+    void afterDraw(const OrvScene* scene, const Orv2dRegion* region);
+    void producerChanged(OrvProducer* oldProducer, OrvProducer* newProducer);
+    void afterCopy(const OrvScene* scene, const Orv2dRegion* region);
+    unsigned long doNotOptimizeSceneReDraws(const OrvScene* scene) const;
+
+protected:
+    void init();
+    void drawAllInternal(OrvScene* scene, const Orv2dRegion* region);
+};
+
+#endif
