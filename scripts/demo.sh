@@ -53,5 +53,6 @@ awk 'BEGIN { pi = atan2(0, -1); n = 24; m = 12
     printf "f %d %d %d %d\n", a + 1, b + 1, c + 1, d + 1 } }' >"$OUT/torus.obj"
 run mesh_import "$OUT/torus.obj" "$OUT/mesh_import.orv" 40
 run frames --shots "$OUT"
+run scene_hello --shot "$OUT/scene_hello.ppm"
 topng
 echo "screenshots:"; ls -1 "$OUT" 2>/dev/null || true
