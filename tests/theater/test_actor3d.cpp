@@ -93,6 +93,7 @@ protected:
         scene = new OrvScene(director, Orv2dRect(10, 10, 120, 100), 1, nullptr);
         theater = new OrvTheater(director);
         theater->connect(scene, stage, 0);
+        ASSERT_TRUE(OrvTestWaitViewable(dpy, scene->drawingCanvas()));
         camera(0);
         OrvTestRunFor(30);
     }

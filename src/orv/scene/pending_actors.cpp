@@ -151,3 +151,27 @@ void OrvScene::setDefaultAttachments(long) {}
 void OrvScene::beginDrawing(unsigned long) {}
 void OrvScene::flushDrawing(unsigned long) {}
 void OrvScene::setTheater(OrvTheater*) {}
+
+// Camera
+OrvCamera::~OrvCamera() {}
+void OrvCamera::defaultCamera() {}
+void OrvCamera::lookAt(const Orv3dPoint&, const Orv3dPoint&, const Orv3dVector&) {}
+void OrvCamera::lookAt(const float&, const double&, const double&, const double&) {}
+unsigned long OrvCamera::lookAt(OrvPosition, const float) {
+    return 0;
+}
+void OrvCamera::orientation(const Orv3dMatrix&) {}
+unsigned long OrvCamera::perspective(const double&, const float&, const float&, const float&) {
+    return 0;
+}
+unsigned long OrvCamera::perspective(const Orv3dRect&, const float&, const float&) {
+    return 0;
+}
+unsigned long OrvCamera::orthographic(const Orv3dRect&, const float, const float) {
+    return 0;
+}
+void OrvCamera::mapping(const Orv3dMatrix&) {}
+void OrvCamera::viewAll(const float) {}
+void OrvCamera::keepRatio(unsigned long) {}
+void OrvCamera::zoom(const float&) {}
+void OrvCamera::translate(const float&, const float&, const float&) {}
