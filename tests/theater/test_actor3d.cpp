@@ -196,9 +196,8 @@ TEST_F(Actor3dSceneTest, ChangesReachTheTheaterOnceANest) {
         int frames, contentsCalls;
     } rows[] = {
         {"translate", [&] { a->translate(0.5f, 0, 0, 1); }, 1, 0},
-        {"matrix dropped", [&] { a->to3dWorld(nullptr); }, 1, 0},
         {"hidden", [&] { a->setVisible(0); }, 1, 1},
-        {"shown", [&] { a->setVisible(1); }, 1, 1},
+        {"matrix dropped while hidden", [&] { a->to3dWorld(nullptr); }, 0, 0},
         {"invariant", [&] { a->setInvariant(1); }, 1, 0},
         {"same again", [&] { a->setInvariant(1); }, 0, 0},
         {"track ball, unselected", [&] { a->trackBallSelection(1); }, 0, 0},
@@ -271,27 +270,20 @@ protected:
     }
 };
 
-TEST_F(Actor3dStreamTest, ReadBackAndSavedAgainGivesTheSameText) {
-    std::string text = save3d(samples());
-    std::vector<OrvActor*> read = load(text);
-    actors.insert(actors.end(), read.begin(), read.end());
-    ASSERT_EQ(7u, read.size());
-    EXPECT_EQ(text, save3d(read));
-}
-
-TEST_F(Actor3dStreamTest, CutOrSpoiltFilesGiveMessagesAndWholeObjectsOnly) {
+// Read back whole, the same text again; cut anywhere, the objects before the cut and a message.
+TEST_F(Actor3dStreamTest, ReadBackWholeCutOrSpoilt) {
     std::vector<OrvActor*> all = samples();
     std::string text = save3d(all);
     std::vector<size_t> ends;  // just after each object's closing brace
     for (size_t at = text.find("\n}\n"); at != std::string::npos; at = text.find("\n}\n", at + 1))
         ends.push_back(at + 2);
     ASSERT_EQ(7u, ends.size());
-    for (size_t cut = text.find("Orv3dActor"); cut < ends.back(); cut++) {
+    for (size_t cut = text.find("Orv3dActor"); cut <= text.size(); cut++) {
         size_t whole = std::count_if(ends.begin(), ends.end(), [&](size_t e) { return e <= cut; });
         std::vector<OrvActor*> read;
         std::string said = OrvTestOutput([&] { read = load(text.substr(0, cut)); });
         ASSERT_EQ(whole, read.size()) << "cut at " << cut;
-        EXPECT_NE("", said) << "cut at " << cut;
+        EXPECT_EQ(whole < 7, said != "") << "cut at " << cut;
         EXPECT_EQ(save3d(std::vector<OrvActor*>(all.begin(), all.begin() + whole)), save3d(read));
         for (OrvActor* a : read) delete a;
     }
