@@ -21,8 +21,9 @@ public:
     void drawStructure(const OrvScene* scene) override;
     // Drops the display list: the next frame compiles a new one.
     void takeAPicture() override;
+    // Sets the flag and drops the list when it changes (textureOn drops it
+    // through the base's change protocol).
     void immediate(unsigned long on) override;
-    void textureOn(unsigned long on) override;
     void notifyOnMakeUpChanged() override;
     const Orv3dMatrix* to3dWorld() const override;
     void to3dWorld(const Orv3dMatrix* matrix) override;
@@ -66,7 +67,8 @@ class Orv3dShape : public Orv3dActor {
 public:
     OrvSeries* series_;
     OrvShare* colors_;
-    OrvColor** materials_;  // faceCardinal entries, each counted; may be null
+    OrvColor** materials_;   // faceCardinal entries, each counted; may be null
+    unsigned materialCount;  // entries of materials_: the faces when it was set
 
     Orv3dShape(OrvDirector* director, OrvSeries* series, OrvShare* colors, OrvColor** materials,
                OrvMakeUp* look = nullptr);
@@ -83,5 +85,9 @@ public:
     void draw3d(const OrvScene* scene) const override;
     Orv3dVolume bbox3d(unsigned long world) const override;
 };
+
+ORV_DECLARE_CLASS_INIT(Orv3dActor)
+ORV_DECLARE_CLASS_INIT(Orv3dActorFaceSet)
+ORV_DECLARE_CLASS_INIT(Orv3dShape)
 
 #endif

@@ -9,6 +9,7 @@
 #include "orv/director.h"
 #include "orv/role.h"
 #include "orv/stage.h"
+#include "orv/theater.h"
 #include "orv/undo.h"
 #include "orv/stream.h"
 
@@ -119,7 +120,9 @@ OrvActor::OrvActor(const OrvActor& source)
 OrvActor::~OrvActor() {
     // Leaving the container first redraws the actor's place and drops its links,
     // so no container needs to hear of the actor's end.
-    OrvStage* stage = getStage();
+    OrvTheater* theater = getTheater();
+    OrvStage* stage = theater ? nullptr : getStage();
+    if (theater) theater->remove(this, 0);
     if (stage) {
         // Deleted in its stage, outside the recorded edits: a step might name it.
         if (stage->undoStack) stage->undoStack->forget(stage);
@@ -227,12 +230,18 @@ void OrvActor::setDefaultAttachments(long) {}
 // Change protocol
 // ---------------------------------------------------------------------------
 
+// The stage and the theater are told independently: an actor may stand in both.
 void OrvActor::beginDrawing(unsigned long withLinks) {
     if (OrvForgetUpdateDrawing()) return;
     OrvStage* stage = getStage();
     if (stage) {
         stage->beginDrawing();
         stage->invalidate(this, withLinks);
+    }
+    OrvTheater* theater = getTheater();
+    if (theater) {
+        theater->beginDrawing();
+        theater->invalidate(this, withLinks);
     }
 }
 
@@ -242,6 +251,11 @@ void OrvActor::flushDrawing(unsigned long withLinks) {
     if (stage) {
         stage->invalidate(this, withLinks);
         stage->flushDrawing(1);
+    }
+    OrvTheater* theater = getTheater();
+    if (theater) {
+        theater->invalidate(this, withLinks);
+        theater->flushDrawing(1);
     }
 }
 
@@ -279,6 +293,8 @@ void OrvActor::setVisible(unsigned long on) {
     flushDrawing(1);
     OrvStage* stage = getStage();
     if (stage) stage->contentsChanged();
+    OrvTheater* theater = getTheater();
+    if (theater) theater->contentsChanged();
 }
 
 void OrvActor::setFocus(unsigned long on) {
@@ -299,8 +315,13 @@ void OrvActor::lightOn(unsigned long on) {
 void OrvActor::setInvariant(unsigned long on) {
     changeFlag(OrvInvariantBit, on, 1);
 }
+// Only a selected actor shows the track ball's handles, so only then is there
+// anything to redraw.
 void OrvActor::trackBallSelection(unsigned long on) {
-    changeFlag(OrvTrackBallBit, on, 0);
+    if (isSelected())
+        changeFlag(OrvTrackBallBit, on, 0);
+    else
+        setBit(OrvTrackBallBit, on);
 }
 
 void OrvActor::textureOn(unsigned long on) {
