@@ -2,12 +2,7 @@
 // Each piece of work removes the bodies it implements; the file goes at integration.
 #include "orv/actor.h"
 #include "orv/director.h"
-#include "orv/light.h"
 
-OrvEnvironment* OrvDirector::environment(const OrvRGB&, float, float, float, float, unsigned long,
-                                         unsigned long) {
-    return nullptr;
-}
 void OrvActor::render3d(const OrvScene*) {}
 void OrvActor::drawImmediate(const OrvScene*) {}
 void OrvActor::drawStructure(const OrvScene*) {}
