@@ -213,13 +213,14 @@ void OrvCamera::decomposeOrientation() {
     if (!orientationChanged) return;
     const Orv3dMatrix& o = orientation_;
     lookUp_ = Orv3dVector(o(1, 0), o(1, 1), o(1, 2));
-    lookAt_ = Orv3dVector(-o(2, 0), -o(2, 1), -o(2, 2));
+    // Adding 0 turns the negated zeros into plain ones, which print and save as "0".
+    lookAt_ = Orv3dVector(-o(2, 0) + 0.0f, -o(2, 1) + 0.0f, -o(2, 2) + 0.0f);
     position_ = Orv3dPoint(o(0, 3), o(1, 3), o(2, 3));
     Orv3dMatrix rotation(o(0, 0), o(0, 1), o(0, 2), 0, o(1, 0), o(1, 1), o(1, 2), 0, o(2, 0),
                          o(2, 1), o(2, 2), 0, 0, 0, 0, 1);
     if (!rotation.inverse(position_))
         OrvError("## Camera orientation: singular matrix (can't be inversed).\n");
-    position_ = Orv3dPoint(-position_.x, -position_.y, -position_.z);
+    position_ = Orv3dPoint(-position_.x + 0.0f, -position_.y + 0.0f, -position_.z + 0.0f);
     orientationChanged = 0;
 }
 

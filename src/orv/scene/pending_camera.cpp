@@ -3,6 +3,7 @@
 // while those classes are written elsewhere. The file goes at integration;
 // no test that must pass relies on what these do.
 #include "orv/scene.h"
+#include "orv/stage.h"
 #include "orv/theater.h"
 
 OrvScene::OrvScene(OrvDirector* director, const Orv2dRect& box, unsigned long flag, OrvMakeUp* look)
@@ -247,4 +248,25 @@ Orv3dRect OrvScene::viewportRect(unsigned long) const {
 
 Orv3dVolume OrvTheater::contentsBBox(unsigned long) const {
     return Orv3dVolume();
+}
+OrvTheater::OrvTheater(OrvDirector* d)
+    : director(d), pressed(nullptr), lastMoved(nullptr), grabbed(nullptr), focus(nullptr),
+      anyFocus(0), selectionOwner(0), beginDrawingDepth(0), lockedFlush(0), destroying(0) {}
+OrvTheater::~OrvTheater() {}
+const char* OrvTheater::className() const {
+    return "OrvTheater";
+}
+void OrvTheater::drawAll(OrvScene*, const Orv2dRegion*, unsigned long) {}
+void OrvTheater::drawAll(const Orv2dRegion*, unsigned long) {}
+void OrvTheater::draw(OrvActor*, unsigned long) {}
+void OrvTheater::drawFocus(OrvScene*) {}
+OrvActor* OrvTheater::getFocus() const {
+    return nullptr;
+}
+void OrvTheater::orientationChanged(const OrvCamera*) {}
+void OrvTheater::mappingChanged(const OrvCamera*) {}
+void OrvTheater::handleExpose(OrvView*, const Orv2dRegion*) {}
+void OrvTheater::handleResize(OrvView*, const Orv2dRect&, const Orv2dRect&) {}
+void OrvTheater::connect(OrvScene* scene, OrvStage* stage, unsigned layer) {
+    stage->append(scene, layer);
 }
