@@ -7,6 +7,7 @@
 #include "orv/canvas.h"
 #include "orv/director.h"
 #include "orv/image.h"
+#include "orv/light.h"
 #include "orv/makeup.h"
 #include "orv/resource.h"
 
@@ -52,6 +53,8 @@ void OrvDirector::initResources() {
                            OrvArcPieSlice, OrvEvenOddRule, nullptr, 0, 1, OrvCullBack,
                            OrvFaceFilled, OrvFaceFilled, 1, 2, nullptr);
     OrvCount(defaultMakeUp);
+    defaultEnvironment = environment(defaultAmbientColor(), 1.0f, 1.0f, 0, 0, 0, 0);
+    OrvCount(defaultEnvironment);
     tmpMakeUpObject = new OrvTotalMakeUp(defaultMakeUp);
     wideMakeUp = makeUpLineWidth(defaultMakeUp, 4);
     OrvCount(wideMakeUp);
@@ -327,9 +330,13 @@ void OrvDirector::closeResources() {
         images = nullptr;
     }
     defaultImageObject = nullptr;
-    // Environments belong to the 3D family, which releases them; only the list goes here.
-    delete environments;
-    environments = nullptr;
+    // Last: scenes, which hold environments, went with the views.
+    if (environments) {
+        deleteAll<OrvEnvironment>(environments);
+        delete environments;
+        environments = nullptr;
+    }
+    defaultEnvironment = nullptr;
 }
 
 // ---------------------------------------------------------------- patterns, line styles, cursors

@@ -1,0 +1,189 @@
+// The camera, light and environment records with each reader message; the director's
+// environments and default colours; what render3d leaves in GL's light state.
+#include "orv_fixtures.h"
+#include "orv/light.h"
+#include "orv/scene.h"
+#include "orv/theater.h"
+
+#include <GL/gl.h>
+
+namespace {
+
+template <class... T>
+std::string saved(const T&... records) {
+    std::ostringstream out;
+    OrvOStream writer(out);
+    (void)(writer << ... << records);
+    return out.str();
+}
+void expectFloats(const GLfloat* got, std::vector<float> want, const std::string& what) {
+    for (size_t i = 0; i < want.size(); i++) EXPECT_NEAR(got[i], want[i], 1e-6) << what << " " << i;
+}
+
+class Records : public XTest {
+protected:
+    OrvPointLight point{OrvRGB(1, 0.5f, 0.25f), 0.75f, Orv3dPoint(1, 2, 3)};
+    OrvDirectionalLight directional{OrvRGB(0, 0, 1), 1, Orv3dVector(0, -1, -0.5f)};
+    OrvSpotLight spot{OrvRGB(0.5f, 0.5f, 0.5f), 0.5f, Orv3dPoint(0, 4, 0),
+                      Orv3dVector(0, -1, 0),    12,   30};
+};
+
+}  // namespace
+
+TEST_F(Records, SavedReadAndSavedAgainWithEachMessage) {
+    OrvCamera camera;  // values that six digits hold exactly, so the text is a fixed point
+    camera.lookAt(Orv3dPoint(1, 2, 3), Orv3dPoint(1, 2, -1), Orv3dVector(0, 1, 0));
+    camera.perspective(45.0, 1.5f, 0.5f, 50);
+    camera.keepRatio(0);
+    point.fixed(0);
+    OrvLight plain(OrvRGB(1, 1, 1), 1);  // saved in the spot form, with a plain light's values
+    OrvEnvironment* env =
+        director->environment(OrvRGB(0.1f, 0.2f, 0.3f), 0.9f, 1, 0.5f, 0.25f, 1, 0);
+    OrvCount(env);
+    const OrvEnvironment* none = nullptr;
+    const std::string text = saved(camera, &point, &directional, &spot, &plain, env, none);
+    EXPECT_NE(text.find("}\npointLight {\n\tintensity\t0.75\n\tcolor\t\t1 0.5 0.25\n\tlocation\t1 "
+                        "2 3\n\tfixed\t\tno\n}\n"),
+              std::string::npos);
+    EXPECT_EQ(text.substr(text.size() - 15), "environment\tno\n");
+    std::istringstream in(text);
+    OrvIStream reader(director, in);
+    OrvCamera copy;
+    OrvLight* l[4] = {};
+    OrvEnvironment* e[2] = {nullptr, env};
+    reader >> copy >> l[0] >> l[1] >> l[2] >> l[3] >> e[0] >> e[1];
+    ASSERT_TRUE(l[0] && l[1] && l[2] && l[3] && e[0]);
+    EXPECT_EQ(saved(copy, l[0], l[1], l[2], l[3], e[0], e[1]), text);
+    EXPECT_EQ(std::string(l[0]->className()) + l[1]->className() + l[2]->className() +
+                  l[3]->className(),
+              "PointLightDirectionalLightSpotLightSpotLight");
+    EXPECT_NE(e[0], env);  // environments are never shared by content
+    for (OrvLight* light : l) delete light;
+    OrvCount(e[0]);
+    OrvRelease(e[0]);
+
+    const std::string records[] = {saved(camera), saved(&point), saved(&directional), saved(&spot),
+                                   saved(env)};
+    struct Row {
+        int record;
+        std::string from, to, message;
+    } rows[] = {
+        {0, "camera", "camara", "OrvIStream : Not a camera object.\n"},
+        {0, "{", "(", "OrvIStream : Camera, bad begin separator.\n"},
+        {0, "lookUp", "lookUP", "OrvIStream : Bad data.\n"},
+        {0, "\tno", "\tnah", "## OrvIStream: Definition error (bool).\n"},
+        {0, "\n}", "\n)", "## OrvIStream: Bad end separator (OrvCamera).\n"},
+        {1, "pointLight", "sunLight", "OrvIStream: Definition error (Light sunLight)\n"},
+        {1, "{", "(", "OrvIStream : OrvPointLight, bad begin separator.\n"},
+        {1, "\n}", "\n)", "OrvIStream : OrvPointLight, bad end separator.\n"},
+        {2, "{", "(", "OrvIStream: OrvDirectionalLight, bad begin separator.\n"},  // no blank
+        {2, "\n}", "\n)", "OrvIStream : OrvDirectionalLight, bad end separator.\n"},
+        {3, "{", "(", "OrvIStream : OrvSpotLight, bad begin separator.\n"},
+        {3, "cutOffAngle", "cutOff", "OrvIStream : Bad data.\n"},
+        {3, "\n}", "\n)", "OrvIStream : OrvSpotLight, bad end separator.\n"},
+        {4, "environment", "environs", "OrvIStream: Definition error (Environment environs)\n"},
+        {4, "{", "(", "OrvIStream : OrvEnvironment, bad begin separator.\n"},
+        {4, "\n}", "\n)", "OrvIStream : OrvEnvironment, bad end separator.\n"}};
+    for (const Row& row : rows) {
+        std::string spoilt = records[row.record];
+        std::istringstream bad(spoilt.replace(spoilt.find(row.from), row.from.size(), row.to));
+        OrvIStream badReader(director, bad);
+        OrvCamera target, untouched;
+        OrvLight* light = &plain;
+        OrvEnvironment* environment = env;
+        EXPECT_EQ(OrvTestOutput([&] {
+                      if (row.record == 0) badReader >> target;
+                      if (row.record > 0 && row.record < 4) badReader >> light;
+                      if (row.record == 4) badReader >> environment;
+                  }),
+                  row.message);
+        // Nothing made, nothing changed.
+        EXPECT_EQ(saved(target), saved(untouched)) << row.message;
+        EXPECT_TRUE(row.record == 0 || !light || !environment) << row.message;
+    }
+    OrvRelease(env);
+}
+
+TEST_F(Records, DirectorEnvironmentsAndDefaults) {
+    const OrvEnvironment* d = director->defaultEnvironment;
+    ASSERT_NE(d, nullptr);
+    EXPECT_EQ(saved(d),
+              saved(director->environment(director->defaultAmbientColor(), 1, 1, 0, 0, 0, 0)));
+    EXPECT_EQ(d->count, 1);
+    const OrvRGB colours[] = {director->defaultAmbientColor(), director->defaultDiffuseColor(),
+                              director->defaultSpecularColor(), director->defaultEmissiveColor()};
+    EXPECT_EQ(
+        saved(colours[0], colours[1], colours[2], colours[3]),
+        "faceColor\t0.2 0.2 0.2\nfaceColor\t0.8 0.8 0.8\nfaceColor\t0 0 0\nfaceColor\t0 0 0\n");
+    OrvEnvironment *a = director->environment(OrvRGB(), 1, 1, 0, 0, 0, 0),
+                   *b = director->environment(OrvRGB(), 1, 1, 0, 0, 0, 0);
+    EXPECT_TRUE(a != b && director->environments->find(a) && director->environments->find(b));
+    OrvCount(a);
+    OrvRelease(a);  // its last holder let go: out of the list; b waits for closeResources
+    EXPECT_EQ(director->environments->find(a), nullptr);
+    // Past GL's eight lights: the message, before anything reaches GL.
+    for (unsigned short index : {8, 9})
+        EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(point.render3d(index, nullptr), 0u); }),
+                  "OrvLight::render3d : Number of lights can't exceed 8 \n");
+}
+
+// Needs a scene that renders: runs once the scene and theater are in.
+TEST_F(Records, LightsSentToGLAsTheyAre) {
+    OrvStage* stage = new OrvStage(director, Orv2dRect(0, 0, 120, 100), "lights", 0, 1);
+    OrvScene* scene = new OrvScene(director, Orv2dRect(0, 0, 100, 80), 1);
+    OrvTheater* theater = new OrvTheater(director);
+    theater->connect(scene, stage, 0);
+    OrvTestWaitViewable(dpy, stage->window());
+    struct Row {
+        OrvLight* light;
+        std::vector<float> colour, position, cone;  // cone: direction, cut-off, exponent
+    } rows[] = {{&point, {1, 0.5f, 0.25f, 0.75f}, {1, 2, 3, 1}, {0, 0, -1, 180, 0}},
+                {&directional, {0, 0, 1, 1}, {0, -1, -0.5f, 0}, {0, -1, -0.5f, 180, 0}},
+                {&spot, {0.5f, 0.5f, 0.5f, 0.5f}, {0, 4, 0, 1}, {0, -1, 0, 30, 12}}};
+    OrvEnvironment* env =
+        director->environment(OrvRGB(0.1f, 0.2f, 0.3f), 0.9f, 2, 0.5f, 0.25f, 1, 0);
+    const GLenum names[] = {GL_DIFFUSE,
+                            GL_SPECULAR,
+                            GL_POSITION,
+                            GL_SPOT_DIRECTION,
+                            GL_SPOT_CUTOFF,
+                            GL_SPOT_EXPONENT,
+                            GL_CONSTANT_ATTENUATION,
+                            GL_LINEAR_ATTENUATION,
+                            GL_QUADRATIC_ATTENUATION};
+    const int at[] = {0, 4, 8, 12, 15, 16, 17, 18, 19};  // where each value lands in v
+    for (int pass = 0; pass < 2; pass++) {
+        if (pass) scene->environment(env);  // the director's attenuation, then the scene's
+        scene->beginRendering(nullptr);
+        ASSERT_EQ(director->currentScene, scene);
+        glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
+        for (unsigned short i = 0; i < 3; i++) {
+            const Row& r = rows[i];
+            std::string what = r.light->className() + std::string(" ") + std::to_string(pass);
+            EXPECT_EQ(r.light->render3d(i, scene), 1u) << what;
+            GLfloat v[20];
+            for (int k = 0; k < 9; k++) glGetLightfv(GL_LIGHT0 + i, names[k], v + at[k]);
+            std::vector<float> want = r.colour;
+            for (const std::vector<float>* part : {&r.colour, &r.position, &r.cone})
+                want.insert(want.end(), part->begin(), part->end());
+            for (float f : pass ? std::vector<float>{2, 0.5f, 0.25f} : std::vector<float>{1, 0, 0})
+                want.push_back(f);
+            expectFloats(v, want, what);
+            EXPECT_TRUE(glIsEnabled(GL_LIGHT0 + i)) << what;
+        }
+        scene->endRendering();
+    }
+    scene->beginRendering(nullptr);
+    env->render3d(scene);
+    GLfloat ambient[4];
+    GLint flags[2] = {-1, -1};
+    glGetFloatv(GL_LIGHT_MODEL_AMBIENT, ambient);
+    glGetIntegerv(GL_LIGHT_MODEL_LOCAL_VIEWER, flags);
+    glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, flags + 1);
+    expectFloats(ambient, {0.1f, 0.2f, 0.3f, 0.9f}, "ambient");
+    EXPECT_EQ(std::vector<GLint>(flags, flags + 2), std::vector<GLint>({1, 0}));
+    scene->endRendering();
+    delete stage;
+    delete theater;
+}
