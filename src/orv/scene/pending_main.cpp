@@ -43,4 +43,3 @@ unsigned long OrvActor::inside3d(const Orv2dRegion&, const Orv3dMatrix*) const {
 }
 void OrvActor::draggerRegions3d(Orv2dRegion&, const Orv3dMatrix*) const {}
 void OrvActor::draggerDraw3d(const OrvScene*) const {}
-void OrvMakeUp::render(const OrvScene*, unsigned long) const {}
