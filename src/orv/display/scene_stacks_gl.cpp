@@ -176,8 +176,8 @@ void OrvDirector::immediateMarker(OrvMarkerType type, unsigned short scale) cons
 }
 
 // Lists belong to the share group, so the root context must be current to
-// delete them; when the views are gone it has no window left, and a one-pixel
-// GLX pixmap of the same visual stands in for one.
+// delete them; when the views are gone it has no window left, and an unmapped
+// one-pixel window of the same visual stands in for one.
 void _OrvDeleteOGLMarkerFonts(OrvDirector* director) {
     unsigned base = director->markerLists;
     director->markerLists = 0;
@@ -186,14 +186,18 @@ void _OrvDeleteOGLMarkerFonts(OrvDirector* director) {
     XVisualInfo* vi =
         glXChooseVisual(dpy, DefaultScreen(dpy), const_cast<int*>(director->get3dRendererConfig()));
     if (!vi) return;
-    Pixmap pixmap = XCreatePixmap(dpy, RootWindow(dpy, vi->screen), 1, 1, (unsigned)vi->depth);
-    GLXPixmap drawable = glXCreateGLXPixmap(dpy, vi, pixmap);
-    if (drawable && glXMakeCurrent(dpy, drawable, (GLXContext)director->rootContext)) {
+    Window root = RootWindow(dpy, vi->screen);
+    XSetWindowAttributes a;
+    a.colormap = XCreateColormap(dpy, root, vi->visual, AllocNone);
+    a.border_pixel = 0;
+    Window window = XCreateWindow(dpy, root, 0, 0, 1, 1, 0, vi->depth, InputOutput, vi->visual,
+                                  CWColormap | CWBorderPixel, &a);
+    if (glXMakeCurrent(dpy, window, (GLXContext)director->rootContext)) {
         glDeleteLists(base, MarkerLists);
         glFinish();
     }
     glXMakeCurrent(dpy, None, nullptr);
-    if (drawable) glXDestroyGLXPixmap(dpy, drawable);
-    XFreePixmap(dpy, pixmap);
+    XDestroyWindow(dpy, window);
+    XFreeColormap(dpy, a.colormap);
     XFree(vi);
 }
