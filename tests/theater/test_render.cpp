@@ -69,8 +69,8 @@ protected:
     void SetUp() override {
         XTest::SetUp();
         if (!director) return;
-        stage = new OrvStage(director, Orv2dRect(0, 0, 240, 200), "render", 0, 1);
-        scene = new OrvScene(director, Orv2dRect(0, 0, 240, 200), 1, nullptr);
+        stage = new OrvStage(director, Orv2dRect(0, 0, 280, 240), "render", 0, 1);
+        scene = new OrvScene(director, Orv2dRect(0, 0, 280, 240), 1, nullptr);
         theater = new OrvTheater(director);
         theater->connect(scene, stage, 0);
         OrvTestWaitViewable(dpy, stage->window());
