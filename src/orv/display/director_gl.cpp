@@ -28,6 +28,9 @@ static void orvKeepGLDriverLoaded(bool contextMade = false) {
 }
 #endif
 
+// Deletes the 40 marker lists of the director's share group (the scene side makes them).
+void _OrvDeleteOGLMarkerFonts(OrvDirector* director);
+
 const int* OrvDirector::get3dRendererConfig() const {
     static const int config[] = {GLX_RGBA,
                                  GLX_DOUBLEBUFFER,
@@ -66,8 +69,7 @@ void OrvDirector::initContext() {
 void OrvDirector::closeContext() {
     if (!rootContext) return;
     Display* dpy = (Display*)display;
-    // The marker lists live in the share group and go with its last context.
-    markerLists = 0;
+    _OrvDeleteOGLMarkerFonts(this);
     glXDestroyContext(dpy, (GLXContext)rootContext);
     glXMakeCurrent(dpy, None, nullptr);
     rootContext = nullptr;
