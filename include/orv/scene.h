@@ -294,4 +294,6 @@ extern unsigned long OrvAllowSwapForGhost;
 // The 40 marker display lists from `base`: types 1 to 5 times scales 0 to 7.
 void _OrvCreateOGLMarkerFonts(unsigned base);
 
+ORV_DECLARE_CLASS_INIT(OrvScene)
+
 #endif
