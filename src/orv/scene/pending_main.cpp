@@ -8,8 +8,6 @@ OrvEnvironment* OrvDirector::environment(const OrvRGB&, float, float, float, flo
                                          unsigned long) {
     return nullptr;
 }
-void OrvActor::render3d(const OrvScene*) {}
-void OrvActor::drawImmediate(const OrvScene*) {}
 void OrvActor::drawStructure(const OrvScene*) {}
 unsigned long OrvActor::drawInteractive(const OrvScene*) {
     return 0;
@@ -26,7 +24,6 @@ void OrvActor::translate(const float&, const float&, const float&, unsigned long
 void OrvActor::scale(const float&, const float&, const float&, unsigned long) {}
 void OrvActor::build3dMatrix(const Orv3dPoint&, const Orv3dVector&, const double&, const double&,
                              const double&, const Orv3dVector&, unsigned long) {}
-void OrvActor::bboxToScene(Orv2dRegion&, const Orv3dMatrix*, unsigned long) const {}
 void OrvActor::drawFocus3d(const OrvScene*, const OrvMakeUp*) const {}
 void OrvActor::draw3d(const OrvScene*) const {}
 Orv3dVolume OrvActor::bbox3d(unsigned long) const {
