@@ -120,6 +120,14 @@ TEST_F(TheaterTest, SquareLandsWhereTheMatricesSay) {
     settle();
     expectSquare(scene, unit, 0xff0000);
     expectSquare(second, unit, 0xff0000);
+    // A window laid over both and taken away: the exposed parts are drawn again.
+    Window cover = XCreateSimpleWindow(dpy, stage->window(), 0, 0, 500, 260, 0, 0, 0xffffff);
+    XMapWindow(dpy, cover);
+    OrvTestWaitViewable(dpy, cover);
+    XDestroyWindow(dpy, cover);
+    settle(100);
+    expectSquare(scene, unit, 0xff0000);
+    expectSquare(second, unit, 0xff0000);
 }
 
 TEST_F(TheaterTest, CurrentCameraSwitchedAndRemoved) {

@@ -98,17 +98,22 @@ TEST_F(TheaterDrawTest, MovedActorRepaintsWhatItMeets) {
               counts);
 }
 
-// What a partial frame does not cover stays as it was, with or without a back buffer.
+// What a partial frame does not cover stays as it was, with or without a back buffer, also
+// after whole frames came between partial ones.
 TEST_F(TheaterDrawTest, PixelsOutsideThePartialFrameStay) {
     if (!director) return;
     for (unsigned long doubleBuffer : {1ul, 0ul}) {
         OrvScene* s = newScene(Orv2dRect(20, 30, 300, 200), doubleBuffer);
         GLBox* b = box(Orv3dVolume(0, 0, 0, 0.2f, 0.2f, 0), 0x00ffff);
+        GLBox* other = box(Orv3dVolume(-0.8f, -0.8f, 0, 0.2f, 0.2f, 0), 0xffff00);
+        b->moveTo(0.05f, 0.05f);
+        other->rgb[2] = 1;
+        theater->drawAll(s, nullptr, 1);
         settle();
         std::vector<unsigned long> before = snapshot(s->interior);
         Orv2dRegion changed(25);
         b->bboxToScene(changed, &s->worldToScene, 1);
-        b->moveTo(0.05f, 0.05f);
+        b->moveTo(0.1f, 0.1f);
         b->bboxToScene(changed, &s->worldToScene, 1);
         EXPECT_EQ(1u, s->useScissor);
         std::vector<unsigned long> after = snapshot(s->interior);
@@ -121,10 +126,10 @@ TEST_F(TheaterDrawTest, PixelsOutsideThePartialFrameStay) {
         EXPECT_EQ(0, outside) << "double buffer " << doubleBuffer;
         EXPECT_GT(inside, 0) << "double buffer " << doubleBuffer;
         expectSquare(s, b->volume, 0x00ffff, 2);
-        theater->remove(b, 1);
-        delete b;
+        expectSquare(s, other->volume, 0xffffff, 2);
         theater->disconnect(s);
         delete s;
+        theater->empty(1);
     }
 }
 

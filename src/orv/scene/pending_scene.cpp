@@ -8,6 +8,7 @@
 
 #include "orv/actor.h"
 #include "orv/camera.h"
+#include "orv/light.h"
 #include "orv/scene.h"
 #include "orv/stream.h"
 
@@ -276,3 +277,58 @@ void OrvCamera::spawnRay(long x, long y, Orv3dPoint& origin, Orv3dVector& direct
 }
 
 void OrvCamera::print() const {}
+
+// ----- lights and the environment: their class records, for checked builds ------------------
+
+OrvLight::OrvLight(const OrvRGB& c, float i) : intensity_(i), color_(c), fixed_(1) {}
+OrvLight::OrvLight(const OrvLight& s)
+    : intensity_(s.intensity_), color_(s.color_), fixed_(s.fixed_) {}
+OrvLight::~OrvLight() {}
+OrvRGB OrvLight::color() const {
+    return color_;
+}
+float OrvLight::intensity() const {
+    return intensity_;
+}
+Orv3dPoint OrvLight::position() const {
+    return Orv3dPoint(0, 0, 1);
+}
+Orv3dVector OrvLight::direction() const {
+    return Orv3dVector(0, 0, -1);
+}
+float OrvLight::concentration() const {
+    return 0;
+}
+double OrvLight::cutOff() const {
+    return 180;
+}
+unsigned long OrvLight::fixed() const {
+    return fixed_;
+}
+void OrvLight::color(const OrvRGB& c) {
+    color_ = c;
+}
+void OrvLight::intensity(const float& i) {
+    intensity_ = i;
+}
+void OrvLight::position(const Orv3dPoint&) {}
+void OrvLight::direction(const Orv3dVector&) {}
+void OrvLight::concentration(const float&) {}
+void OrvLight::cutOff(const double&) {}
+void OrvLight::fixed(unsigned long on) {
+    fixed_ = on;
+}
+const char* OrvLight::className() const {
+    return "Light";
+}
+OrvLight* OrvLight::copy() const {
+    return new OrvLight(*this);
+}
+unsigned long OrvLight::render3d(const unsigned short&, const OrvScene*) {
+    return 1;
+}
+OrvEnvironment::~OrvEnvironment() {}
+unsigned long OrvEnvironment::internal(const OrvCanvas*) const {
+    return 0;
+}
+void OrvEnvironment::render3d(const OrvScene*) {}
