@@ -33,13 +33,17 @@ enum {
 class OrvScene;
 
 // Keeps a scene's scroll bars in step with the theater's contents and camera.
+// x and y are the origin of the contents in the window at the last adjustment, in bar units.
 class OrvFrameTheaterHook : public OrvTheaterHook {
 public:
     OrvFrame* frame;
+    long x, y;
 
     explicit OrvFrameTheaterHook(OrvFrame* frame);
     void contents() override;
+    // Only for a camera of the frame's scene.
     void orientation(const OrvCamera* camera) override;
+    void mapping(const OrvCamera* camera) override;
     unsigned long deletedByTheater() override;  // 0: the frame owns it
 };
 
@@ -226,20 +230,36 @@ public:
     void beginDrawing(unsigned long withLinks) override;
     void flushDrawing(unsigned long withLinks) override;
     void setTheater(OrvTheater* theater) override;
+    // The window's own rectangle, as far as its parent shows it; empty without a window.
+    Orv2dRect bboxVisible() const override;
+    // Also hooks the bars to the theater when the scene has one.
+    unsigned long showScrollBars(unsigned long horizontal, unsigned long vertical,
+                                 OrvPosition hPosition, OrvPosition vPosition,
+                                 unsigned short width) override;
 
     static Orv3dMatrix _invariantProjection;  // y downward, for invariant actors
 
 protected:
     OrvFrameTheaterHook* theaterHook;  // owned
+    // Sets every field to its start value; adds no camera.
     void initScene();
     // The viewport rectangle in window pixels, squared when the camera keeps its ratio.
     Orv3dRect viewportRect(unsigned long squared) const;
+    // The window's size: the view's, or the box's off the screen.
+    void windowSize(float& width, float& height) const;
+    // What the scroll bars range over: the contents mapped into the window, with the window.
+    Orv2dRect scrolledArea() const;
+    // After a change of the current camera: matrices, the theater's hooks, a full frame.
+    void cameraSwitched();
+    // A full frame when a theater shows itself here.
+    void redrawAll();
 };
 
 // A scene on a top-level stage of its own.
 class OrvTopScene : public OrvScene {
 public:
-    OrvStage* stage;
+    OrvStage* stage;            // owned, unless it goes first
+    OrvCallback* quitCallback;  // counted; told when the window is closed
 
     OrvTopScene(OrvDirector* director, const Orv2dRect& rect, const char* title,
                 unsigned long flag);
@@ -250,7 +270,8 @@ public:
     void show() override;
     void hide() override;
     void onQuit(OrvCallback* callback) override;
-    virtual void onExit(OrvCallback* callback);
+    // The stage's exit callback.
+    virtual void onExit(OrvExitCallback* callback);
 };
 
 // Process-wide stacks; each returns 1, or 0 after its overflow or underflow message.

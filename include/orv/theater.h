@@ -177,6 +177,9 @@ public:
     unsigned long isSelectable(const OrvScene* scene) const;
     // The scene shown in that view, or null.
     OrvScene* sceneOfView(const void* view) const;
+    // Hears the expose and resize of the scene's window, once; and no longer.
+    void listen(OrvScene* scene);
+    void stopListening(OrvScene* scene);
 
     // ----- Hooks ----------------------------------------------------------------
     void install(OrvTheaterHook* hook);

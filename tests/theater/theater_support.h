@@ -1,0 +1,156 @@
+// The fixture of the 3D tests: a private X server with a director (XTest), a
+// 500x260 stage holding a 300x200 scene at (20, 30) on a black background,
+// connected to a theater (room at the right for a second); GLBox, an actor that draws itself with
+// raw GL and logs its draws; and reads of a scene's pixels from the window or the back buffer.
+#ifndef ORV_THEATER_SUPPORT_H
+#define ORV_THEATER_SUPPORT_H
+
+#include "orv_fixtures.h"
+
+#include "orv/camera.h"
+#include "orv/scene.h"
+#include "orv/theater.h"
+
+#include <GL/gl.h>
+#include <GL/glx.h>
+
+// The front face (the volume's top z) of an axis box in one flat colour, unlit.
+// Moves through the theater's change protocol.
+class GLBox : public OrvActor {
+public:
+    Orv3dVolume volume;
+    float rgb[3];
+    std::string name;
+    mutable int draws = 0;
+    Log* log = nullptr;  // the names of the boxes drawn, in order, when set
+
+    GLBox(OrvDirector* d, const Orv3dVolume& v, unsigned long color, const char* n = "",
+          OrvMakeUp* m = nullptr)
+        : OrvActor(d, m), volume(v), name(n) {
+        for (int i = 0; i < 3; i++) rgb[i] = ((color >> (16 - 8 * i)) & 0xff) / 255.0f;
+    }
+    void draw3d(const OrvScene*) const override {
+        draws++;
+        if (log) log->push_back(name);
+        glDisable(GL_LIGHTING);
+        glColor3fv(rgb);
+        const Orv3dVolume& v = volume;
+        float z = v.z + v.d;
+        glBegin(GL_QUADS);
+        glVertex3f(v.x, v.y, z);
+        glVertex3f(v.x + v.w, v.y, z);
+        glVertex3f(v.x + v.w, v.y + v.h, z);
+        glVertex3f(v.x, v.y + v.h, z);
+        glEnd();
+    }
+    Orv3dVolume bbox3d(unsigned long world) const override {
+        Orv3dVolume v = volume;
+        if (world && to3dWorld()) to3dWorld()->apply(v);
+        return v;
+    }
+    void moveTo(float x, float y) {
+        OrvTheater* t = getTheater();
+        t->beginDrawing();
+        t->invalidate(this, 0);
+        volume.x = x;
+        volume.y = y;
+        t->invalidate(this, 0);
+        t->flushDrawing(1);
+    }
+};
+
+// Counts the frames and keeps the region of the last one; forces whole frames when asked.
+class CountingHook : public OrvTheaterHook {
+public:
+    int before = 0, copies = 0;
+    unsigned long whole = 0;
+    Orv2dRegion last;
+    void beforeDraw(const OrvScene*, const Orv2dRegion* r) override {
+        before++;
+        if (r) last = *r;
+    }
+    void afterCopy(const OrvScene*, const Orv2dRegion*) override { copies++; }
+    unsigned long doNotOptimizeSceneReDraws(const OrvScene*) override { return whole; }
+};
+
+class TheaterTest : public XTest {
+protected:
+    OrvStage* stage = nullptr;
+    OrvTheater* theater = nullptr;
+    OrvScene* scene = nullptr;
+    OrvMakeUp* black = nullptr;
+    void SetUp() override {
+        XTest::SetUp();
+        if (!director) return;
+        black = director->makeUpBackground(director->defaultMakeUp, director->color("black"));
+        OrvCount(black);
+        stage = new OrvStage(director, Orv2dRect(0, 0, 500, 260), "theater", 0, 1);
+        EXPECT_TRUE(OrvTestWaitViewable(dpy, stage->window()));
+        theater = new OrvTheater(director);
+        scene = newScene(Orv2dRect(20, 30, 300, 200));
+    }
+    void TearDown() override {
+        delete theater;
+        delete stage;
+        if (director) OrvRelease(black);
+        XTest::TearDown();
+    }
+    // A double-buffered scene on the stage, connected to the theater and shown.
+    OrvScene* newScene(const Orv2dRect& r, unsigned long doubleBuffer = 1) {
+        OrvScene* s = new OrvScene(director, r, 1, black);
+        s->useDoubleBuffer(doubleBuffer);
+        theater->connect(s, stage, 0);
+        EXPECT_TRUE(OrvTestWaitViewable(dpy, s->drawingCanvas()));
+        settle();
+        return s;
+    }
+    GLBox* box(const Orv3dVolume& v, unsigned long color = 0xff0000, const char* name = "",
+               unsigned layer = 0) {
+        GLBox* b = new GLBox(director, v, color, name);
+        theater->append(b, layer);
+        return b;
+    }
+    void settle(int ms = 60) {
+        XSync(dpy, False);
+        OrvTestRunFor(ms);
+    }
+    // The window's pixel as 0xRRGGBB.
+    unsigned long pixel(OrvScene* s, int x, int y) {
+        glFinish();
+        return rgbOf(s->drawingCanvas(), x, y);
+    }
+    // The back buffer's pixel at x, y (window coordinates) as 0xRRGGBB.
+    unsigned long backPixel(OrvScene* s, int x, int y) {
+        glXMakeCurrent(dpy, s->drawingCanvas(), (GLXContext)s->context());
+        unsigned char c[4] = {0, 0, 0, 0};
+        glReadBuffer(GL_BACK);
+        glReadPixels(x, (int)s->interior->height - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, c);
+        return (unsigned long)c[0] << 16 | (unsigned long)c[1] << 8 | c[2];
+    }
+    // A world point in window pixels, as the scene's matrix puts it.
+    Orv3dPoint toWindow(OrvScene* s, Orv3dPoint p) {
+        s->worldToScene.apply(p);
+        return p;
+    }
+    // Whether the pixels of the window around a world point show the colour (inside) or
+    // the background (outside, `margin` pixels away from the square's projected box).
+    void expectSquare(OrvScene* s, const Orv3dVolume& v, unsigned long color, int margin = 3) {
+        Orv3dPoint a = toWindow(s, Orv3dPoint(v.x, v.y, v.z + v.d));
+        Orv3dPoint b = toWindow(s, Orv3dPoint(v.x + v.w, v.y + v.h, v.z + v.d));
+        int x0 = (int)std::min(a.x, b.x), x1 = (int)std::max(a.x, b.x);
+        int y0 = (int)std::min(a.y, b.y), y1 = (int)std::max(a.y, b.y);
+        const int probes[][3] = {{(x0 + x1) / 2, (y0 + y1) / 2, 1},
+                                 {x0 + margin, y0 + margin, 1},
+                                 {x1 - margin, y1 - margin, 1},
+                                 {x0 - margin, y0, 0},
+                                 {x1 + margin, y1, 0},
+                                 {x0, y0 - margin, 0},
+                                 {x1, y1 + margin, 0}};
+        for (const auto& p : probes)
+            EXPECT_EQ(p[2] ? color : 0u, pixel(s, p[0], p[1]))
+                << "at " << p[0] << "," << p[1] << " of the square " << x0 << "," << y0 << " to "
+                << x1 << "," << y1;
+    }
+};
+
+#endif
