@@ -129,6 +129,7 @@ protected:
 
 TEST_F(Actor3dSceneTest, DisplayListIsKeptUntilOneOfItsTriggers) {
     OrvColor* blue = director->color("blue");
+    OrvCount(blue);  // kept across the rows, whose actors release their make-ups
     auto switched = [&](BoxActor* a) {
         OrvUpdateDisplayListOnMakeUpChanged(0), a->setForeground(blue);
         OrvUpdateDisplayListOnMakeUpChanged(1);
@@ -163,6 +164,7 @@ TEST_F(Actor3dSceneTest, DisplayListIsKeptUntilOneOfItsTriggers) {
         OrvForceImmediateMode(0);
         delete a;
     }
+    OrvRelease(blue);
 }
 
 TEST_F(Actor3dSceneTest, InvariantActorStaysPutWhileTheCameraTurns) {
