@@ -77,6 +77,7 @@ protected:
         OrvTestRunFor(30);
         ASSERT_TRUE(scene->interior);
         W = (int)scene->interior->width, H = (int)scene->interior->height;
+        scene->useDoubleBuffer(1);  // pixels are read from the back buffer
         scene->beginRendering(nullptr);
         scene->renderProjectionMatrix(nullptr);
         glDisable(GL_DEPTH_TEST);
