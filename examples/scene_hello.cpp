@@ -3,8 +3,8 @@
 // camera from above. The theater holds a smooth torus (a face set, smoothed
 // by crease angle) and a wavy chequered sheet (a quad-mesh series with a
 // colour a face); both are drawn through display lists and lit by a point
-// light and a directional light. A timer turns the torus: each turn moves
-// only its matrix, so its display list is compiled once.
+// light and a directional light. A timer turns the torus over: each turn
+// moves only its matrix, so its display list is compiled once.
 //
 //   scene_hello                opens a window on $DISPLAY; q quits.
 //   scene_hello --shot FILE    lets the torus turn for a second, writes the
@@ -68,17 +68,29 @@ static Orv3dShape* Sheet(OrvDirector* d, unsigned n, float size) {
         for (unsigned c = 0; c < n; c++)
             colors[r * n + c] =
                 (r + c) % 2 ? OrvRGB(0.25f, 0.45f, 0.8f) : OrvRGB(0.85f, 0.9f, 0.95f);
-    return new Orv3dShape(d, series, new OrvShare(n * n, colors, 0, 1), nullptr, nullptr);
+    // Flat shading keeps each face's colour whole: a strip shares vertices between faces.
+    OrvMakeUp* flat = d->makeUpSmooth(d->defaultMakeUp, 0);
+    return new Orv3dShape(d, series, new OrvShare(n * n, colors, 0, 1), nullptr, flat);
 }
 
-// Turns an actor a few degrees about z at each tick.
+// Turns an actor over in place, a few degrees about its own x axis at each tick,
+// 1.5 above the sheet.
 class Turner : public OrvTimer {
 public:
     OrvActor* actor;
+    double angle = 30;
     unsigned long ticks = 0;
-    Turner(OrvDirector* d, OrvActor* a) : OrvTimer(d, 0, 40), actor(a) {}
+    Turner(OrvDirector* d, OrvActor* a) : OrvTimer(d, 0, 40), actor(a) {
+        oneShot = 0;
+        place();
+    }
+    void place() {
+        actor->build3dMatrix(Orv3dPoint(0, 0, 0), Orv3dVector(0, 0, 1.5f), angle, 0, 0,
+                             Orv3dVector(1, 1, 1), 0);
+    }
     void activate() override {
-        actor->rotateZ(4, 1);
+        angle += 4;
+        place();
         ticks++;
     }
 };
@@ -114,7 +126,6 @@ int main(int argc, char** argv) {
     OrvTheater* theater = new OrvTheater(d);
     OrvFaceSet* torusFaces = Torus(1.0f, 0.35f);
     Orv3dActorFaceSet* torus = new Orv3dActorFaceSet(d, torusFaces, nullptr);
-    torus->translate(0, 0, 0.6f, 0);
     theater->append(torus);
     theater->append(Sheet(d, 16, 4.0f));
 
@@ -127,7 +138,7 @@ int main(int argc, char** argv) {
 
     // Left: perspective, from the front and above.
     OrvCamera* eye = left->currentCamera();
-    eye->lookAt(Orv3dPoint(0, -5.5f, 3.5f), Orv3dPoint(0, 0, 0.2f), Orv3dVector(0, 0, 1));
+    eye->lookAt(Orv3dPoint(0, -6.5f, 3.5f), Orv3dPoint(0, 0, 0.6f), Orv3dVector(0, 0, 1));
     eye->perspective(40, 1, 1, 30);
     // Right: orthographic, straight down.
     OrvCamera* top = right->currentCamera();
@@ -144,8 +155,8 @@ int main(int argc, char** argv) {
     }
 
     stage->show();
-    Turner turner(d, torus);
-    turner.run(0, 40);
+    Turner* turner = new Turner(d, torus);  // the director deletes what is left of its timers
+    turner->run(0, 40);
     long end = NowMs() + 1000;
     while (!quit && !d->closed) {
         if (shot && NowMs() >= end) break;
@@ -160,11 +171,10 @@ int main(int argc, char** argv) {
             fprintf(stderr, "scene_hello: cannot write %s\n", shot);
             status = 1;
         } else {
-            printf("scene_hello: %lu turns of the torus, its display list compiled once -> %s\n",
-                   turner.ticks, shot);
+            printf("scene_hello: %lu turns of the torus -> %s\n", turner->ticks, shot);
         }
     }
-    turner.suspend();
+    delete turner;
     delete theater;
     delete stage;
     delete d;
