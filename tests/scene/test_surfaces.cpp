@@ -12,11 +12,6 @@ namespace {
 
 const float r2 = 1 / std::sqrt(2.0f), r3 = 1 / std::sqrt(3.0f);
 
-// The normal at vertex k of a face, through its normal block.
-Orv3dVector vertexNormal(const OrvPolygon& p, unsigned k) {
-    return p.vertexNormals()[p.isIndexed() ? p.vertexNormalsIndex()[k] : k];
-}
-
 void expectNear(const Orv3dVector& v, float x, float y, float z, const char* what = "") {
     EXPECT_NEAR(v.x, x, 1e-6) << what;
     EXPECT_NEAR(v.y, y, 1e-6) << what;

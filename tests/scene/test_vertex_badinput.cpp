@@ -10,10 +10,6 @@
 
 namespace {
 
-unsigned listed() {
-    return OrvShare::sharedData ? OrvShare::sharedData->length() : 0;
-}
-
 // Reads one object of a kind from the text; whether it came, and what was said.
 struct Outcome {
     bool made;

@@ -39,6 +39,16 @@ struct Shares {
     }
 };
 
+// How many shares are listed for the overlap test.
+inline unsigned listed() {
+    return OrvShare::sharedData ? OrvShare::sharedData->length() : 0;
+}
+
+// The normal at vertex k of a face, through its normal block.
+inline Orv3dVector vertexNormal(const OrvPolygon& p, unsigned k) {
+    return p.vertexNormals()[p.isIndexed() ? p.vertexNormalsIndex()[k] : k];
+}
+
 // The faces of a set, in order.
 inline std::vector<OrvFace*> facesOf(const OrvFaceSet& set) {
     std::vector<OrvFace*> all;
