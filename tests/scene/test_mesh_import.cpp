@@ -10,9 +10,10 @@
 
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <typeinfo>
 #include <unistd.h>
 
@@ -24,28 +25,13 @@ namespace {
 
 // A directory of its own for the files of a test, removed with it.
 struct Folder {
-    std::string path;
-    std::vector<std::string> files;
-    Folder() {
-        char name[] = "/tmp/orv-mesh-XXXXXX";
-        path = mkdtemp(name) ? name : "/tmp";
-    }
-    ~Folder() {
-        for (const std::string& f : files) remove(f.c_str());
-        rmdir(path.c_str());
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    std::string file(const std::string& name) {
-        files.push_back(path + "/" + name);
-        return files.back();
-    }
-    std::string write(const std::string& name, const std::string& text) {
-        std::string f = file(name);
-        FILE* out = fopen(f.c_str(), "wb");
-        fwrite(text.data(), 1, text.size(), out);
-        fclose(out);
-        return f;
+    std::string path = "/tmp/orv-mesh-" + std::to_string(getpid());
+    Folder() { std::filesystem::create_directories(path); }
+    ~Folder() { std::filesystem::remove_all(path); }
+    std::string file(const std::string& name) const { return path + "/" + name; }
+    std::string write(const std::string& name, const std::string& text) const {
+        std::ofstream(file(name), std::ios::binary) << text;
+        return file(name);
     }
 };
 
@@ -198,7 +184,6 @@ TEST(MeshImport, GltfWithNodeTransforms) {
     aiMatrix4x4::Translation(aiVector3D(10, 0, -4), move);
     scene->mRootNode->mTransformation = move * scene->mRootNode->mTransformation;
     std::string gltf = folder.file("cube.gltf");
-    folder.file("cube.bin");
     Assimp::Exporter exporter;
     ASSERT_EQ(exporter.Export(scene, "gltf2", gltf), AI_SUCCESS) << exporter.GetErrorString();
     OrvFaceSet* set = OrvImportMesh(gltf.c_str(), 30);

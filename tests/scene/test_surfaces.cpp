@@ -342,7 +342,8 @@ TEST(FaceSet, CubeByCreaseAngle) {
     } rows[] = {{30, 6}, {0, 6}, {89, 6}, {91, 8}, {180, 8}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.angle);
-        OrvShare* points = sampleShare(cubeCorners(), 1);
+        Shares make;
+        OrvShare* points = make.make(cubeCorners(), 1);
         OrvFaceSet* set = indexedSet(points, cubeQuads);
         EXPECT_EQ(set->computeFacesNormals(), 1u);
         EXPECT_EQ(set->computeVerticeNormals(row.angle), 1u);
@@ -373,7 +374,6 @@ TEST(FaceSet, CubeByCreaseAngle) {
         EXPECT_EQ(faces[0]->vertexSharedNormals(), table);
         delete set;
         EXPECT_EQ(points->lockCount, 1);
-        points->unLock();
     }
 }
 

@@ -13,17 +13,8 @@
 
 #include "orv_fixtures.h"
 
-// A share of a copy of the values, owned, locked by the caller.
-template <class T>
-OrvShare* sampleShare(const std::vector<T>& values, unsigned long readOnly = 0) {
-    T* array = new T[values.size() ? values.size() : 1];
-    for (size_t i = 0; i < values.size(); i++) array[i] = values[i];
-    OrvShare* share = new OrvShare((unsigned)values.size(), array, readOnly, 1);
-    share->lock();
-    return share;
-}
-
-// Shares made for one test, each locked until the end of it.
+// Shares made for one test, each a copy of the values, owned, and locked
+// until the end of the test.
 struct Shares {
     std::vector<OrvShare*> made;
     Shares() = default;
@@ -34,7 +25,10 @@ struct Shares {
     }
     template <class T>
     OrvShare* make(const std::vector<T>& values, unsigned long readOnly = 0) {
-        made.push_back(sampleShare(values, readOnly));
+        T* array = new T[values.size() ? values.size() : 1];
+        for (size_t i = 0; i < values.size(); i++) array[i] = values[i];
+        made.push_back(new OrvShare((unsigned)values.size(), array, readOnly, 1));
+        made.back()->lock();
         return made.back();
     }
 };
