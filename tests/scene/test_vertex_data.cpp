@@ -2,7 +2,6 @@
 // index blocks and their checks, printing, and the normal arithmetic.
 #include "vertex_samples.h"
 
-#include <cmath>
 #include <typeinfo>
 
 namespace {
@@ -13,12 +12,6 @@ Orv3dVector newell(unsigned count, const Orv3dPoint* points, const unsigned* ind
     unsigned long r = OrvVertexData::computeNormal(count, points, nullptr, index, v);
     if (ok) *ok = r;
     return v;
-}
-
-void expectUnit(const Orv3dVector& v, float x, float y, float z) {
-    EXPECT_FLOAT_EQ(v.x, x);
-    EXPECT_FLOAT_EQ(v.y, y);
-    EXPECT_FLOAT_EQ(v.z, z);
 }
 
 }  // namespace
@@ -234,8 +227,6 @@ TEST(VertexNormals, Newell) {
     // Repeated indices add nothing, wherever they stand.
     EXPECT_EQ(newell(6, square, repeated, &ok), Orv3dVector(0, 0, 1));
     EXPECT_EQ(ok, 1u);
-    Orv3dPoint slope[4] = {{0, 0, 0}, {1, 0, 0}, {1, 1, 1}, {0, 1, 1}};
-    expectUnit(newell(4, slope, nullptr), 0, -1 / std::sqrt(2.0f), 1 / std::sqrt(2.0f));
     // Collinear or tiny: 0, and the sum as it came out (twice the area).
     Orv3dPoint line[3] = {{0, 0, 0}, {1, 1, 0}, {2, 2, 0}};
     EXPECT_EQ(newell(3, line, nullptr, &ok), Orv3dVector(0, 0, 0));
@@ -255,7 +246,7 @@ TEST(VertexNormals, Newell) {
     EXPECT_EQ(r, Orv3dVector(0, -1, 0));
 }
 
-TEST(VertexNormals, StripsFansAndQuadMeshes) {
+TEST(VertexNormals, StripsAndFans) {
     // A zig-zag strip in z = 0: every normal faces -z; through an index that
     // swaps each pair, all turn over.
     Orv3dPoint strip[6] = {{0, 0, 0}, {0, 1, 0}, {1, 0, 0}, {1, 1, 0}, {2, 0, 0}, {2, 1, 0}};
@@ -277,22 +268,12 @@ TEST(VertexNormals, StripsFansAndQuadMeshes) {
               }),
               "OrvVertexData::computeTriangleStripNormals : Bad number of normals.\n");
 
-    // A 2 x 3 grid (rows x columns) rising along y: every cell faces (0, -1, 1)/√2.
-    Orv3dPoint grid[12];
-    for (unsigned r = 0; r < 3; r++)
-        for (unsigned c = 0; c < 4; c++) grid[r * 4 + c] = Orv3dPoint((float)c, (float)r, (float)r);
-    EXPECT_EQ(OrvVertexData::computeQuadrilateralMeshNormals(3, 2, grid, nullptr, nullptr, 8, out),
-              6u);
-    for (int i = 0; i < 6; i++) expectUnit(out[i], 0, -1 / std::sqrt(2.0f), 1 / std::sqrt(2.0f));
-    // One cell bent up at a corner is told from the others.
-    grid[5].z = 5;
-    OrvVertexData::computeQuadrilateralMeshNormals(3, 2, grid, nullptr, nullptr, 8, out);
-    EXPECT_NE(out[0], out[2]);
-    EXPECT_EQ(out[2], out[5]);
+    // The strip's points as a grid of one row and two columns (whose normals
+    // the series tests hold), with room for one.
     EXPECT_EQ(OrvTestOutput([&] {
-                  EXPECT_EQ(OrvVertexData::computeQuadrilateralMeshNormals(3, 2, grid, nullptr,
-                                                                           nullptr, 4, out),
-                            4u);
+                  EXPECT_EQ(OrvVertexData::computeQuadrilateralMeshNormals(2, 1, strip, nullptr,
+                                                                           nullptr, 1, out),
+                            1u);
               }),
               "OrvVertexData::computeQuadrilateralMeshNormals : Bad number of normals.\n");
 }
