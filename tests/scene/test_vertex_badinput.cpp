@@ -62,8 +62,9 @@ std::vector<std::pair<size_t, size_t>> pieces(const std::string& t) {
             continue;
         }
         while (i < n && t[i] && !strchr(" \t\n,", t[i])) i++;
+        std::string word = t.substr(start, i - start);
         char* end = nullptr;
-        strtod(t.substr(start, i - start).c_str(), &end);
+        strtod(word.c_str(), &end);
         if (*end) out.push_back({start, i - start});
     }
     return out;
