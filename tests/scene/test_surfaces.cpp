@@ -141,31 +141,26 @@ TEST(Polygon, NormalFacesAndChanges) {
 
 TEST(Polygon, Textures) {
     struct {
-        const char* name;
         std::vector<Orv3dPoint> points;
         std::vector<OrvTextureUV> uv;
     } rows[] = {
-        // Flat in z = 0: s along x, t along y in proportion, no division by 0.
-        {"wide",
-         {{1, 1, 0}, {5, 1, 0}, {5, 3, 0}, {1, 3, 0}},
-         {{0, 0}, {1, 0}, {1, 0.5f}, {0, 0.5f}}},
-        {"tall",
-         {{0, 0, 0}, {2, 0, 0}, {2, 4, 0}, {0, 4, 0}},
-         {{0, 0}, {0, 0.5f}, {1, 0.5f}, {1, 0}}},
-        // Deepest along z, then x before y on a tie.
-        {"deep", {{0, 0, 0}, {1, 1, 0}, {1, 1, 4}}, {{0, 0}, {0, 0.25f}, {1, 0.25f}}},
+        // Flat in z = 0, wide or tall: s along the longer side, t in
+        // proportion, no division by 0; deepest along z, then x before y on a tie.
+        {{{1, 1, 0}, {5, 1, 0}, {5, 3, 0}, {1, 3, 0}}, {{0, 0}, {1, 0}, {1, 0.5f}, {0, 0.5f}}},
+        {{{0, 0, 0}, {2, 0, 0}, {2, 4, 0}, {0, 4, 0}}, {{0, 0}, {0, 0.5f}, {1, 0.5f}, {1, 0}}},
+        {{{0, 0, 0}, {1, 1, 0}, {1, 1, 4}}, {{0, 0}, {0, 0.25f}, {1, 0.25f}}},
     };
     Shares make;
     for (const auto& r : rows) {
+        SCOPED_TRACE(&r - rows);
         OrvPolygon p;
         p.setNonIndexed(make.make(r.points, 1), nullptr, nullptr, nullptr, nullptr);
         p.computeVerticeTextures();
-        ASSERT_NE(p.vertexTextures(), nullptr) << r.name;
+        ASSERT_NE(p.vertexTextures(), nullptr);
         EXPECT_EQ(typeid(*p.vertex), typeid(_OrvVertexPT_));
         EXPECT_TRUE(p.vertexSharedTextures()->isReadOnly());  // as the points
         EXPECT_EQ(std::vector<OrvTextureUV>(p.vertexTextures(), p.vertexTextures() + r.uv.size()),
-                  r.uv)
-            << r.name;
+                  r.uv);
         // Textures exist: nothing more happens.
         OrvShare* had = p.vertexSharedTextures();
         p.computeVerticeTextures();
