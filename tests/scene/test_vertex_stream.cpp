@@ -66,7 +66,7 @@ std::string bytes(const char (&s)[N]) {
 
 }  // namespace
 
-TEST(VertexText, PolygonLayout) {
+TEST(VertexText, PolygonSeriesAndStripSetLayouts) {
     Shares make;
     OrvShare* points = make.make<Orv3dPoint>({{0, 0, 0}, {1.5f, 0, 0}, {0, -2, 1e-5f}});
     OrvPolygon plain, indexed;
@@ -76,10 +76,21 @@ TEST(VertexText, PolygonLayout) {
     unsigned v[12] = {0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2},
              e[12] = {2, 1, 0, 2, 1, 0, 2, 1, 0, 2, 1, 0};
     indexed.setIndex(1, 12, v, nullptr, nullptr, e, nullptr);
+    OrvShare* grid =
+        make.make<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0, 2, 0}, {1, 2, 0}});
+    OrvSeries mesh(OrvQuadMesh, 2, 1);
+    mesh.setNonIndexed(grid, nullptr, nullptr, nullptr, nullptr);
+    mesh.computeFacesNormals();
+    OrvShare* lengths = make.make<unsigned>({3, 3});
+    OrvTriangleStripSet strips(lengths);
+    strips.setNonIndexed(grid, nullptr, nullptr, nullptr, nullptr);
     std::string text = sampleText([&](OrvOStream& out) {
         plain.write(out);
         out.indentation = 1;
         indexed.write(out);
+        out.indentation = 0;
+        mesh.write(out);
+        strips.write(out);
     });
     EXPECT_EQ(text,
               bytes("polygon {\n\tindexed\t\tno\n\trational\tno\n\tpointCardinal\t3\treadWrite\n"
@@ -93,45 +104,15 @@ TEST(VertexText, PolygonLayout) {
                     "\t\tedgeCardinal\t3\treadWrite\n\t\tpoint\t.USE 1\n\t\tedge 3 [\n\t\t\t\x01,\n"
                     "\t\t\t\0,\n\t\t\t\x01\n\t\t]\n\t\tpointIndex 4 [\n"
                     "\t\t\t0, 1, 2, 0, 1, 2, 0, 1, 2, 0,\n\t\t\t1, 2\n\t\t]\n\t\tedgeIndex 4 [\n"
-                    "\t\t\t2, 1, 0, 2, 1, 0, 2, 1, 0, 2,\n\t\t\t1, 0\n\t\t]\n\t}\n"));
-    // The edges come back from their bytes, 0 among them.
-    std::istringstream in(text);
-    OrvIStream reader(nullptr, in);
-    OrvPolygon* first = OrvPolygon::read(reader);
-    OrvPolygon* second = OrvPolygon::read(reader);
-    ASSERT_NE(first, nullptr);
-    ASSERT_NE(second, nullptr);
-    expectSameVertex(plain, *first);
-    expectSameVertex(indexed, *second);
-    EXPECT_EQ(first->vertexSharedPoints(), second->vertexSharedPoints());
-    EXPECT_EQ(first->bbox, plain.bbox);
-    delete first;
-    delete second;
-}
-
-TEST(VertexText, SeriesAndStripSetLayout) {
-    Shares make;
-    OrvShare* points =
-        make.make<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0, 2, 0}, {1, 2, 0}});
-    OrvSeries mesh(OrvQuadMesh, 2, 1);
-    mesh.setNonIndexed(points, nullptr, nullptr, nullptr, nullptr);
-    mesh.computeFacesNormals();
-    OrvShare* lengths = make.make<unsigned>({3, 3});
-    OrvTriangleStripSet strips(lengths);
-    strips.setNonIndexed(points, nullptr, nullptr, nullptr, nullptr);
-    std::string text = sampleText([&](OrvOStream& out) {
-        mesh.write(out);
-        strips.write(out);
-    });
-    EXPECT_EQ(text,
-              bytes("% ... OrvSeries description\nseries {\n"
+                    "\t\t\t2, 1, 0, 2, 1, 0, 2, 1, 0, 2,\n\t\t\t1, 0\n\t\t]\n\t}\n"
+                    "% ... OrvSeries description\nseries {\n"
                     "\t% ... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, \n"
                     "\t%      3 : TriFan, 4 : Faces)\n\tulData\t0\n\tseriesData1\t2\n"
                     "\tseriesData2\t1\n\tindexed\t\tno\n\trational\tno\n"
                     "\tpointCardinal\t6\treadWrite\n\tcolorCardinal\t0\treadWrite\n"
                     "\tnormalCardinal\t0\treadWrite\n\ttextureCardinal\t0\treadWrite\n"
-                    "\tedgeCardinal\t0\treadWrite\n\tpoint 1 [\n\t\t0 0 0,\n\t\t1 0 0,\n"
-                    "\t\t0 1 0,\n\t\t1 1 0,\n\t\t0 2 0,\n\t\t1 2 0\n\t]\n\tfaceNormal 2 [\n"
+                    "\tedgeCardinal\t0\treadWrite\n\tpoint 5 [\n\t\t0 0 0,\n\t\t1 0 0,\n"
+                    "\t\t0 1 0,\n\t\t1 1 0,\n\t\t0 2 0,\n\t\t1 2 0\n\t]\n\tfaceNormal 6 [\n"
                     "\t\t0 0 1,\n\t\t0 0 1\n\t]\n}\n% ... OrvTriangleStripSet description\n"
                     "triangleStripSet\n% ... OrvSeries description\nseries {\n"
                     "\t% ... (0 : QuadMesh, 1 : TriStrip, 2 : RowsTriStrip, \n"
@@ -139,14 +120,20 @@ TEST(VertexText, SeriesAndStripSetLayout) {
                     "\tseriesData2\t2\n\tindexed\t\tno\n\trational\tno\n"
                     "\tpointCardinal\t6\treadWrite\n\tcolorCardinal\t0\treadWrite\n"
                     "\tnormalCardinal\t0\treadWrite\n\ttextureCardinal\t0\treadWrite\n"
-                    "\tedgeCardinal\t0\treadWrite\n\tpoint\t.USE 1\n\tfaceNormal\tNone\n}\n"
-                    "% Shared data ...\ncardinal\t2\treadWrite\nsharedIndex 3 [\n\t3, 3\n]\n"));
+                    "\tedgeCardinal\t0\treadWrite\n\tpoint\t.USE 5\n\tfaceNormal\tNone\n}\n"
+                    "% Shared data ...\ncardinal\t2\treadWrite\nsharedIndex 7 [\n\t3, 3\n]\n"));
+    // The edges come back from their bytes, 0 among them.
     std::istringstream in(text);
     OrvIStream reader(nullptr, in);
+    OrvPolygon* first = OrvPolygon::read(reader);
+    OrvPolygon* second = OrvPolygon::read(reader);
     OrvSeries* m = OrvSeries::read(reader);
     OrvTriangleStripSet* s = OrvTriangleStripSet::read(reader);
-    ASSERT_NE(m, nullptr);
-    ASSERT_NE(s, nullptr);
+    for (OrvPolygon* back : std::vector<OrvPolygon*>{first, second, m, s}) ASSERT_NE(back, nullptr);
+    expectSameVertex(plain, *first);
+    expectSameVertex(indexed, *second);
+    EXPECT_EQ(first->vertexSharedPoints(), second->vertexSharedPoints());
+    EXPECT_EQ(first->bbox, plain.bbox);
     expectSameVertex(mesh, *m);
     expectSameShare(mesh.faceNormals, m->faceNormals, "face normals");
     EXPECT_EQ(m->kind, OrvQuadMesh);
@@ -155,8 +142,7 @@ TEST(VertexText, SeriesAndStripSetLayout) {
     expectSameShare(lengths, s->stripLengths, "lengths");
     EXPECT_EQ(s->faceCardinal(), 2u);
     EXPECT_EQ(s->faceNormals, nullptr);
-    delete m;
-    delete s;
+    for (OrvPolygon* back : std::vector<OrvPolygon*>{first, second, m, s}) delete back;
 }
 
 // The face sets in both forms are held byte for byte by the seed corpus of the
