@@ -13,15 +13,6 @@ bool isListed(const OrvShare* share) {
     return OrvShare::sharedData && OrvShare::sharedData->find(share);
 }
 
-// Locks a new share for the test and lets go of it at the end.
-struct Held {
-    OrvShare* share;
-    explicit Held(OrvShare* s) : share(s) { share->lock(); }
-    ~Held() { share->unLock(); }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-};
-
 }  // namespace
 
 TEST(VertexValues, ColourModelsAndPrint) {
@@ -89,41 +80,35 @@ TEST(VertexShares, OverlapWarnings) {
         {"ends just before", 0, 0, 0, 2, "", true},
     };
     for (const Case& k : cases) {
-        Held first(new OrvShare(4, normals + 2, k.readOnly1, 0));
-        EXPECT_TRUE(isListed(first.share));
+        Shares held;
+        EXPECT_TRUE(isListed(held.hold(new OrvShare(4, normals + 2, k.readOnly1, 0))));
         OrvShare* second = nullptr;
         EXPECT_EQ(OrvTestOutput(
                       [&] { second = new OrvShare(k.count, normals + k.offset, k.readOnly2, 0); }),
                   k.message)
             << k.name;
         // Only a share that overlapped nothing enters the list.
-        EXPECT_EQ(isListed(second), k.entered) << k.name;
-        second->lock();
-        second->unLock();
+        EXPECT_EQ(isListed(held.hold(second)), k.entered) << k.name;
     }
     EXPECT_EQ(listed(), before);
 
     // Either one owned gives the first message, whatever the flags, each time it is checked.
+    Shares held;
     Orv3dVector* mine = new Orv3dVector[3];
-    {
-        Held owner(new OrvShare(3, mine, 1, 1));
-        OrvShare* borrower = nullptr;
-        EXPECT_EQ(OrvTestOutput([&] { borrower = new OrvShare(3, mine, 1, 0); }), warning1);
-        Held lent(borrower);
-        EXPECT_FALSE(isListed(borrower));
-        EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(borrower->check(), 0u); }), warning1);
-    }
+    held.hold(new OrvShare(3, mine, 1, 1));
+    OrvShare* borrower = nullptr;
+    EXPECT_EQ(OrvTestOutput([&] { borrower = held.hold(new OrvShare(3, mine, 1, 0)); }), warning1);
+    EXPECT_FALSE(isListed(borrower));
+    EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(borrower->check(), 0u); }), warning1);
     // A different kind on the same bytes is not compared; a share over two
     // listed ones warns for each.
     unsigned raw[10];
-    Held asIndex(new OrvShare(3, raw, 0, 0)), right(new OrvShare(3, raw + 5, 1, 0));
+    held.hold(new OrvShare(3, raw, 0, 0));
+    held.hold(new OrvShare(3, raw + 5, 1, 0));
     OrvShare* edges = nullptr;
-    EXPECT_EQ(OrvTestOutput([&] { edges = new OrvShare(12, (OrvEdge*)raw, 0, 0); }), "");
-    Held asEdges(edges);
+    EXPECT_EQ(OrvTestOutput([&] { edges = held.hold(new OrvShare(12, (OrvEdge*)raw, 0, 0)); }), "");
     EXPECT_TRUE(isListed(edges));
-    OrvShare* over = nullptr;
-    EXPECT_EQ(OrvTestOutput([&] { over = new OrvShare(10, raw, 0, 0); }), warning2 + warning2);
-    Held overHeld(over);
+    EXPECT_EQ(OrvTestOutput([&] { held.hold(new OrvShare(10, raw, 0, 0)); }), warning2 + warning2);
 }
 
 TEST(VertexShares, LockingAndFreeing) {

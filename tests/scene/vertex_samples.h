@@ -13,8 +13,8 @@
 
 #include "orv_fixtures.h"
 
-// Shares made for one test, each a copy of the values, owned, and locked
-// until the end of the test.
+// Shares of one test, locked until its end: made from a copy of the values,
+// owned, or held as the test made them.
 struct Shares {
     std::vector<OrvShare*> made;
     Shares() = default;
@@ -27,9 +27,13 @@ struct Shares {
     OrvShare* make(const std::vector<T>& values, unsigned long readOnly = 0) {
         T* array = new T[values.size() ? values.size() : 1];
         for (size_t i = 0; i < values.size(); i++) array[i] = values[i];
-        made.push_back(new OrvShare((unsigned)values.size(), array, readOnly, 1));
-        made.back()->lock();
-        return made.back();
+        return hold(new OrvShare((unsigned)values.size(), array, readOnly, 1));
+    }
+    // A share made by the test, locked like the others.
+    OrvShare* hold(OrvShare* share) {
+        share->lock();
+        made.push_back(share);
+        return share;
     }
 };
 
