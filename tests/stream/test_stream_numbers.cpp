@@ -1,0 +1,115 @@
+// Numbers in the text of the stream (vertex arrays above all): the quick
+// writer gives printf's "%g" text and the quick reader the C library's value,
+// on every kind of float, ties and boundaries included.
+#include "orv/stream/line.h"
+#include "orv/stream/scan.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cfloat>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string quick(double v) {
+    char out[32];
+    return std::string(out, (size_t)OrvFormatG(v, out));
+}
+
+std::string printed(double v) {
+    char out[64];
+    snprintf(out, sizeof out, "%g", v);
+    return out;
+}
+
+template <class T>
+T scanned(const std::string& text, bool* ok = nullptr) {
+    std::istringstream in(text);
+    T v = -12345;
+    bool done = OrvScanNumber(in, v);
+    if (ok) *ok = done;
+    return v;
+}
+
+bool sameBits(float a, float b) {
+    return memcmp(&a, &b, sizeof a) == 0;
+}
+
+float randomFloat(std::mt19937& random) {
+    uint32_t bits = (uint32_t)random();
+    float f;
+    memcpy(&f, &bits, sizeof f);
+    return f;
+}
+
+}  // namespace
+
+TEST(StreamNumbers, WrittenAsPrintfWrites) {
+    // 0.001953125 is a tie at six digits: even wins.
+    std::vector<double> fixed = {
+        (double)FLT_MAX, (double)FLT_MIN, (double)FLT_TRUE_MIN, NAN,
+        INFINITY,        -INFINITY,       (double)0.1f,         (double)(1 / 3.0f)};
+    std::istringstream plain(
+        "0.0 -0.0 1 -1 0.5 1e-5 0.0001 0.00012345678 100000 999999 999999.5 999999.4 9999995 1e6 "
+        "123456789 0.001953125 1234565 2.5e-7 1e100 1e-300 4.89859e-17");
+    for (double v; plain >> v;) fixed.push_back(v);
+    // Every power of two a float has.
+    for (int e = -149; e <= 127; e++) fixed.push_back(std::ldexp(1.0, e));
+    for (double v : fixed) EXPECT_EQ(quick(v), printed(v)) << v;
+    // Random floats, and values of the kind meshes have.
+    std::mt19937 random(20);
+    std::uniform_real_distribution<float> near(-10, 10);
+    for (int i = 0; i < 600000; i++) {
+        float f = i % 2 ? randomFloat(random) : near(random);
+        ASSERT_EQ(quick(f), printed(f)) << f;
+    }
+}
+
+TEST(StreamNumbers, ReadAsTheCLibraryReads) {
+    std::istringstream texts("0 -0 1 0.5 1e-05 3.40282e+38 3.40283e+38 1.17549e-38 1e-45 1.4e-45 "
+                             "7e-46 123456789 0.1 16777217 16777219 1.00000006 9.99999944e-1 "
+                             "12345678901234567890123 1e400 -2.5 +7 .5 5. 1e+2");
+    for (std::string t; texts >> t;) {
+        bool ok = false;
+        float f = scanned<float>(t, &ok);
+        errno = 0;
+        float c = strtof(t.c_str(), nullptr);
+        bool overflow = errno == ERANGE && (c > 1 || c < -1);
+        EXPECT_EQ(ok, !overflow) << t;
+        EXPECT_TRUE(!ok || sameBits(f, c)) << t << " " << f << " " << c;
+        EXPECT_TRUE(overflow || scanned<double>(t) == strtod(t.c_str(), nullptr)) << t;
+    }
+    // Whatever the writer writes, and seven or eight significant digits near
+    // the halfway points of floats, come back as the C library reads them.
+    std::mt19937 random(21);
+    for (int i = 0; i < 600000; i++) {
+        char t[40];
+        float f = randomFloat(random);
+        if (i % 2 && (std::isnan(f) || std::isinf(f))) continue;
+        if (i % 2)
+            snprintf(t, sizeof t, "%g", f);
+        else
+            snprintf(t, sizeof t, "%.*e", 6 + i % 3,
+                     std::ldexp((double)random(), -(int)(random() % 60)));
+        ASSERT_TRUE(sameBits(scanned<float>(t), strtof(t, nullptr))) << t;
+    }
+    // Integers: more digits than the type holds fail; a minus sign wraps.
+    bool ok;
+    EXPECT_EQ(scanned<unsigned long>("18446744073709551615"), 18446744073709551615ul);
+    scanned<unsigned long>("18446744073709551616", &ok);
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(scanned<unsigned>("4294967295"), 4294967295u);
+    scanned<unsigned>("4294967296", &ok);
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(scanned<unsigned>("-1", &ok), 4294967295u);
+    EXPECT_TRUE(ok);
+}
