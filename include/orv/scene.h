@@ -239,6 +239,14 @@ public:
 
     static Orv3dMatrix _invariantProjection;  // y downward, for invariant actors
 
+    // What renderFace projects through: the scene's matrix times the actor's,
+    // made at the first face and kept until the render-face words or the world
+    // matrices change (one product a vertex instead of two).
+    mutable Orv3dMatrix cullMatrix;
+    mutable unsigned long cullValid;
+    mutable const Orv3dMatrix* cullSource;  // the renderMatrix it was made with
+    mutable unsigned long cullInvariant;    // and the renderInvariant
+
 protected:
     OrvFrameTheaterHook* theaterHook;  // owned
     // Sets every field to its start value; adds no camera.

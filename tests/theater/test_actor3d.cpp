@@ -10,6 +10,16 @@
 
 #include "../scene/vertex_samples.h"
 
+// A locked share holding a copy of the values.
+template <class T>
+static OrvShare* sampleShare(const std::vector<T>& values) {
+    T* array = new T[values.size() ? values.size() : 1];
+    for (size_t i = 0; i < values.size(); i++) array[i] = values[i];
+    OrvShare* share = new OrvShare((unsigned)values.size(), array, 0, 1);
+    share->lock();
+    return share;
+}
+
 // A box that shows its front face, unlit, and counts how often its shape is drawn.
 class BoxActor : public Orv3dActor {
 public:

@@ -105,29 +105,34 @@ struct Vertices {
     unsigned count, mode;
     bool indexed;
 
-    // 0 after the internal error message when an array of the mode cannot
-    // be read for every vertex.
-    unsigned long take(const OrvVertexData* data, unsigned long withTextures) {
+    // The points, their count and their index block (null without an index).
+    void takePoints(const OrvVertexData* data) {
         p3 = data->vertexPoints();
-        p4 = data->vertexPoints4d();
+        p4 = p3 ? nullptr : data->vertexPoints4d();
+        count = data->vertexCardinal();
+        indexed = data->isIndexed() != 0;
+        pi = indexed ? data->vertexPointsIndex() : nullptr;
+    }
+
+    // The other arrays, after takePoints; 0 after the internal error message
+    // when an array of the mode cannot be read for every vertex.
+    unsigned long takeRest(const OrvVertexData* data, unsigned long withTextures) {
         colors = data->vertexColors();
         normals = data->vertexNormals();
         edges = data->vertexEdges();
         textures = withTextures ? data->vertexTextures() : nullptr;
-        count = data->vertexCardinal();
-        indexed = data->isIndexed() != 0;
         mode = (colors ? 4 : 0) | (normals ? 2 : 0) | (edges ? 1 : 0);
         if (indexed) {
-            pi = data->vertexPointsIndex();
-            ci = data->vertexColorsIndex();
-            ni = data->vertexNormalsIndex();
-            ei = data->vertexEdgesIndex();
-            ti = data->vertexTexturesIndex();
+            // Only the blocks the mode reads: a face asks for them on every frame.
+            ci = (mode & 4) ? data->vertexColorsIndex() : nullptr;
+            ni = (mode & 2) ? data->vertexNormalsIndex() : nullptr;
+            ei = (mode & 1) ? data->vertexEdgesIndex() : nullptr;
+            ti = textures ? data->vertexTexturesIndex() : nullptr;
             if (!pi || ((mode & 4) && !ci) || ((mode & 2) && !ni) || ((mode & 1) && !ei) ||
                 (textures && !ti))
                 return OrvError("OrvScene::polygon : Internal error (2).\n");
         } else {
-            pi = ci = ni = ei = ti = nullptr;
+            ci = ni = ei = ti = nullptr;
             if (((mode & 4) && data->vertexColorsCardinal() < count) ||
                 ((mode & 2) && data->vertexNormalsCardinal() < count) ||
                 ((mode & 1) && data->vertexEdgesCardinal() < count) ||
@@ -135,6 +140,11 @@ struct Vertices {
                 return OrvError("OrvScene::polygon : Internal error (1).\n");
         }
         return 1;
+    }
+
+    unsigned long take(const OrvVertexData* data, unsigned long withTextures) {
+        takePoints(data);
+        return takeRest(data, withTextures);
     }
 
     // Colour, normal, edge flag, texture coordinate, then the point; with an
@@ -177,7 +187,10 @@ static void beginColorMaterial(const OrvScene* scene) {
 
 // The polygon path: each face culled by hand when closed, coloured by its
 // own colour unless its vertices have colours, drawn as quads, triangles or a
-// polygon (a line strip when open).
+// polygon (a line strip when open). Faces of three or four vertices in a row
+// share one glBegin: GL takes their colours and normals between vertices
+// alike, and one primitive a face costs far more, in a list as in immediate
+// mode, than the vertices themselves.
 static void drawPolygons(const OrvScene* scene, unsigned n, OrvCullingMode cull,
                          const FaceWords* faces, unsigned long closed, unsigned long filled,
                          const OrvMakeUp* makeUp) {
@@ -186,37 +199,51 @@ static void drawPolygons(const OrvScene* scene, unsigned n, OrvCullingMode cull,
     unsigned long withTextures = scene->renderTextureCoordinate(makeUp);
     ColorRun run(scene, lit);
     bool restore = false;
+    GLenum open = 0;  // the primitive begun and still open, 0 for none
+    bool openColors = false;
+    auto end = [&]() {
+        if (!open) return;
+        glEnd();
+        if (openColors && lit) glDisable(GL_COLOR_MATERIAL);
+        open = 0;
+    };
     for (unsigned i = 0; i < n; i++) {
         const OrvPolygon* polygon = faces[i].polygon;
         if (!polygon) continue;
-        const Orv3dPoint* p3 = polygon->vertexPoints();
-        const Orv4dPoint* p4 = polygon->vertexPoints4d();
-        if (!p3 && !p4) {
+        Vertices v;
+        v.takePoints(polygon);
+        if (!v.p3 && !v.p4) {
             OrvError("OrvScene::polygon : No point available (%d). \n", (int)i);
             continue;
         }
-        unsigned count = polygon->vertexCardinal();
+        unsigned count = v.count;
         if (scene->meterCounting && count > 2) scene->meterTriangles += count - 2;
-        if (closed && !scene->renderFace(cull, p3, p4, polygon->vertexPointsIndex(), count))
-            continue;
-        Vertices v;
-        if (!v.take(polygon, withTextures)) continue;
-        if (!v.colors && faces[i].color) run.apply(*faces[i].color);
-        if (v.colors) {
-            restore = true;
-            if (lit) beginColorMaterial(scene);
-        }
-        if (faces[i].normal && !v.normals)
-            glNormal3f(faces[i].normal->x, faces[i].normal->y, faces[i].normal->z);
+        if (closed && !scene->renderFace(cull, v.p3, v.p4, v.pi, count)) continue;
+        if (!v.takeRest(polygon, withTextures)) continue;
         GLenum primitive = !closed      ? GL_LINE_STRIP
                            : count == 4 ? GL_QUADS
                            : count == 3 ? GL_TRIANGLES
                                         : GL_POLYGON;
-        glBegin(primitive);
+        bool colors = v.colors != nullptr;
+        if (open && (open != primitive || primitive == GL_POLYGON || primitive == GL_LINE_STRIP ||
+                     colors != openColors))
+            end();
+        if (!open) {
+            if (colors) {
+                restore = true;
+                if (lit) beginColorMaterial(scene);
+            }
+            glBegin(primitive);
+            open = primitive;
+            openColors = colors;
+        }
+        if (!colors && faces[i].color) run.apply(*faces[i].color);
+        if (faces[i].normal && !v.normals)
+            glNormal3f(faces[i].normal->x, faces[i].normal->y, faces[i].normal->z);
         for (unsigned k = 0; k < count; k++) v.emit(k);
-        glEnd();
-        if (v.colors && lit) glDisable(GL_COLOR_MATERIAL);
+        if (primitive == GL_POLYGON || primitive == GL_LINE_STRIP) end();
     }
+    end();
     if (run.used || restore) scene->restoreCurrentMaterial();
 }
 
@@ -525,12 +552,18 @@ unsigned long OrvScene::renderFace(OrvCullingMode mode, const Orv3dPoint* points
     if (!renderFaceFlag || mode == OrvCullNone) return 1;
     if (mode == OrvCullBoth) return 0;
     if (count < 3 || (!points3d && !points4d)) return 1;
+    if (!cullValid || cullSource != renderMatrix || cullInvariant != renderInvariant) {
+        cullMatrix = renderInvariant ? invariantToScene : worldToScene;
+        if (renderMatrix) cullMatrix = cullMatrix * *renderMatrix;
+        cullSource = renderMatrix;
+        cullInvariant = renderInvariant;
+        cullValid = 1;
+    }
     Orv3dPoint q[3];
     for (unsigned k = 0; k < 3; k++) {
         unsigned at = index ? index[k] : k;
         q[k] = points3d ? points3d[at] : points4d[at].to3dPoint();
-        if (renderMatrix) renderMatrix->apply(q[k]);
-        (renderInvariant ? invariantToScene : worldToScene).apply(q[k]);
+        cullMatrix.apply(q[k]);
     }
     float s = q[0].x * q[1].y - q[1].x * q[0].y + q[1].x * q[2].y - q[2].x * q[1].y +
               q[2].x * q[0].y - q[0].x * q[2].y;

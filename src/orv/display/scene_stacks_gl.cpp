@@ -83,6 +83,7 @@ unsigned long OrvPushRenderFace(const OrvScene* scene) {
     r.invariant = scene->renderInvariant;
     r.matrix = scene->renderMatrix;
     r.flag = scene->renderFaceFlag;
+    scene->cullValid = 0;  // the words are about to change
     return 1;
 }
 
@@ -93,6 +94,7 @@ unsigned long OrvPopRenderFace(const OrvScene* scene) {
     scene->renderInvariant = r.invariant;
     scene->renderMatrix = r.matrix;
     scene->renderFaceFlag = r.flag;
+    scene->cullValid = 0;
     return 1;
 }
 

@@ -130,6 +130,9 @@ void OrvScene::initScene() {
     renderInvariant = 0;
     renderMatrix = nullptr;
     renderFaceFlag = 1;
+    cullValid = 0;
+    cullSource = nullptr;
+    cullInvariant = 0;
     destroying = 0;
     for (OrvRGB& c : material) c = OrvRGB();
     frontShininess = backShininess = frontAlpha = backAlpha = 0;
@@ -438,6 +441,7 @@ Orv3dRect OrvScene::viewportRect(unsigned long squared) const {
 void OrvScene::computeWorldScene() {
     OrvCamera* camera = currentCamera();
     if (!drawingCanvas() || !camera) return;
+    cullValid = 0;
     float W, H;
     windowSize(W, H);
     Orv3dRect v = viewportRect(1);
