@@ -1,11 +1,9 @@
 // The camera, light and environment records with each reader message; the director's
-// environments and default colours; what render3d leaves in GL's light state.
-#include "orv_fixtures.h"
-#include "orv/light.h"
-#include "orv/scene.h"
-#include "orv/theater.h"
+// environments and default colours; what render3d leaves in GL's light state; where fixed
+// and world lights fall on a lit sheet as the camera turns.
+#include "theater_support.h"
 
-#include <GL/gl.h>
+#include "orv/light.h"
 
 namespace {
 
@@ -186,4 +184,32 @@ TEST_F(Records, LightsSentToGLAsTheyAre) {
     scene->endRendering();
     delete stage;
     delete theater;
+}
+
+// The camera turned a quarter about its line of sight: the light of a fixed light stays where
+// the viewer saw it, and a world light's turns with the sheet under it.
+TEST_F(TheaterTest, FixedLightsStayWithTheViewerWorldLightsWithTheWorld) {
+    if (!director) return;
+    theater->append(new LitSheet(director), 0);
+    OrvCamera* camera = scene->currentCamera();
+    camera->perspective(30.0, 1, 1, 20);
+    const Orv3dPoint under(0.4f, 0, 0);  // the point of the sheet the light stands over
+    for (unsigned long fixed : {1ul, 0ul}) {
+        camera->lookAt(Orv3dPoint(0, 0, 5), Orv3dPoint(0, 0, 0), Orv3dVector(0, 1, 0));
+        // A fixed light's place is in the eye's frame, where the sheet lies at z -5.
+        OrvPointLight* light = new OrvPointLight(OrvRGB(1, 1, 1), 1, Orv3dPoint(0.4f, 0, 0.25f));
+        if (fixed) light->position(Orv3dPoint(0.4f, 0, -4.75f));
+        light->fixed(fixed);
+        scene->add(light);
+        Orv3dPoint seen = toWindow(scene, under), at = brightest(scene);
+        EXPECT_NEAR(seen.x, at.x, 1.5) << "fixed " << fixed;
+        EXPECT_NEAR(seen.y, at.y, 1.5) << "fixed " << fixed;
+        camera->lookAt(Orv3dPoint(0, 0, 5), Orv3dPoint(0, 0, 0), Orv3dVector(1, 0, 0));
+        if (!fixed) seen = toWindow(scene, under);
+        at = brightest(scene);
+        EXPECT_NEAR(seen.x, at.x, 1.5) << "turned, fixed " << fixed;
+        EXPECT_NEAR(seen.y, at.y, 1.5) << "turned, fixed " << fixed;
+        scene->remove(light);
+        delete light;
+    }
 }

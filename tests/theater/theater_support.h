@@ -59,6 +59,30 @@ public:
     }
 };
 
+// The square (-1, -1) to (1, 1) at z 0 facing +z, in 80 by 80 lit quads of a white diffuse and
+// ambient material: light shows on it where it falls, unwashed by any emission.
+class LitSheet : public OrvActor {
+public:
+    explicit LitSheet(OrvDirector* d) : OrvActor(d, nullptr) {}
+    void draw3d(const OrvScene*) const override {
+        const float white[4] = {1, 1, 1, 1}, black[4] = {0, 0, 0, 1}, s = 1 / 40.0f;
+        glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE, white);
+        glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, black);
+        glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, black);
+        glNormal3f(0, 0, 1);
+        glBegin(GL_QUADS);
+        for (float x = -1; x < 1 - s / 2; x += s)
+            for (float y = -1; y < 1 - s / 2; y += s) {
+                glVertex3f(x, y, 0);
+                glVertex3f(x + s, y, 0);
+                glVertex3f(x + s, y + s, 0);
+                glVertex3f(x, y + s, 0);
+            }
+        glEnd();
+    }
+    Orv3dVolume bbox3d(unsigned long) const override { return Orv3dVolume(-1, -1, 0, 2, 2, 0); }
+};
+
 // Counts the frames and keeps the region of the last one; forces whole frames when asked.
 class CountingHook : public OrvTheaterHook {
 public:
@@ -126,6 +150,18 @@ protected:
         glReadBuffer(GL_BACK);
         glReadPixels(x, (int)s->interior->height - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, c);
         return (unsigned long)c[0] << 16 | (unsigned long)c[1] << 8 | c[2];
+    }
+    // Where the window is brightest: the middle of the pixels within 1 of its greatest green,
+    // in window coordinates (a pixel's centre is at half units).
+    Orv3dPoint brightest(OrvScene* s) {
+        glFinish();
+        std::vector<unsigned long> all = snapshot(s->interior);
+        unsigned long top = 0, w = s->interior->width;
+        for (unsigned long p : all) top = std::max(top, p >> 8 & 255);
+        double x = 0, y = 0, n = 0;
+        for (size_t i = 0; i < all.size(); i++)
+            if ((all[i] >> 8 & 255) + 1 >= top) x += i % w + 0.5, y += i / w + 0.5, n++;
+        return Orv3dPoint((float)(x / n), (float)(y / n), 0);
     }
     // A world point in window pixels, as the scene's matrix puts it.
     Orv3dPoint toWindow(OrvScene* s, Orv3dPoint p) {
