@@ -1,12 +1,10 @@
 // 3D actors: their box in a window, display lists, invariant actors, the change protocol
 // through a theater, and the saved forms of Orv3dActor, Orv3dActorFaceSet and Orv3dShape.
-#include "orv_fixtures.h"
+#include "theater_support.h"
 
 #include <cmath>
 
 #include "orv/actor3d.h"
-#include "orv/scene.h"
-#include "orv/theater.h"
 
 #include "../scene/vertex_samples.h"
 
@@ -214,6 +212,37 @@ TEST_F(Actor3dSceneTest, ChangesReachTheTheaterOnceANest) {
     }
     delete a;
     EXPECT_EQ(0u, theater->cardinal());
+}
+
+// Without bits 1 and 2, bit 16 draws invariant actors and bit 32 the others as their boxes in the
+// scene's colour, whether they are drawn immediately or from a list.
+TEST_F(TheaterTest, InteractiveModesDrawBoxesInPlaceOfActors) {
+    if (!director) return;
+    scene->setForeground(director->color("white"));
+    OrvMakeUp* red = director->makeUpCull(
+        director->makeUpForeground(director->defaultMakeUp, director->color("red")), 0);
+    BoxActor* fixed = new BoxActor(director, Orv3dVolume(-0.9f, -0.9f, 0, 0.6f, 0.6f, 0), red);
+    BoxActor* other = new BoxActor(director, Orv3dVolume(0.1f, 0.1f, 0, 0.6f, 0.6f, 0), red);
+    fixed->setInvariant(1);
+    fixed->immediate(1);
+    theater->append(fixed, 0);
+    theater->append(other, 0);
+    // The mode, and which are boxed: bit 0 the invariant actor, bit 1 the other.
+    const unsigned long rows[][2] = {{3, 0}, {16, 1}, {32, 2}, {49, 0}, {48, 3}};
+    for (const auto& row : rows) {
+        scene->setInteractiveMode(row[0]);
+        theater->drawAll(scene, nullptr, 1);
+        for (int i = 0; i < 2; i++) {
+            bool boxed = row[1] >> i & 1;
+            Orv2dRect r = projected(i ? other : fixed,
+                                    i ? &scene->worldToScene : &scene->invariantToScene, 0);
+            int x = r.x - 3, y = r.y + (int)r.h / 2;
+            while (x < r.x + 3 && !pixel(scene, x, y)) x++;  // the first lit pixel of the row
+            EXPECT_EQ(boxed ? 0xffffffu : 0xff0000u, pixel(scene, x, y)) << row[0] << " " << i;
+            EXPECT_EQ(boxed ? 0u : 0xff0000u, pixel(scene, x + (int)r.w / 2, y))
+                << row[0] << " " << i;
+        }
+    }
 }
 
 // ---------------------------------------------------------------------------
