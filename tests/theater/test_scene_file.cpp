@@ -1,7 +1,6 @@
 // A scene saved with its stage and read back: the same text and cameras, and a file cut
 // anywhere leaves a message and no part of a scene behind. Needs the scene itself.
-#include "orv_fixtures.h"
-#include "orv/scene.h"
+#include "theater_support.h"
 
 namespace {
 
@@ -103,6 +102,20 @@ TEST_F(SceneFile, SavedReadAndSavedAgainAlike) {
     EXPECT_NE(second->highlightRender, nullptr);
     EXPECT_EQ(second->interactiveMode, 3u);
     EXPECT_EQ(second->useScissor, 0u);
+    // Side by side, both shown by one theater holding a lit sheet: the same picture, once the
+    // read scene has its porthole again (making its window set the porthole to the window).
+    XMoveWindow(dpy, stages[1]->window(), 270, 0);
+    OrvTheater theater(director);
+    theater.append(new LitSheet(director), 0);
+    theater.connect(first);
+    theater.connect(second);
+    second->porthole(Orv2dRect(0, 0, 150, 100));
+    OrvTestRunFor(60);
+    theater.drawAll(nullptr, 1);
+    glFinish();
+    std::vector<unsigned long> shown = snapshot(first->interior);
+    EXPECT_LT(std::count(shown.begin(), shown.end(), shown[0]), (long)shown.size() - 500);
+    EXPECT_EQ(shown, snapshot(second->interior));
 }
 
 TEST_F(SceneFile, CutAtEveryOffset) {
