@@ -68,60 +68,19 @@ TEST(Actor3dBox, ProjectedBoxCoversTouchedPixelsGrownOnlyWithFlagOne) {
 }
 
 // ---------------------------------------------------------------------------
-// A scene of one theater on a stage (these need the scene, camera and render work)
+// A scene of one theater on a stage
 // ---------------------------------------------------------------------------
 
-class FrameCounter : public OrvTheaterHook {
-public:
-    int frames = 0, contentsCalls = 0;
-    void beforeDraw(const OrvScene*, const Orv2dRegion*) override { frames++; }
-    void contents() override { contentsCalls++; }
-};
-
-class Actor3dSceneTest : public XTest {
+class Actor3dSceneTest : public TheaterTest {
 protected:
-    OrvStage* stage = nullptr;
-    OrvScene* scene = nullptr;
-    OrvTheater* theater = nullptr;
-    void SetUp() override {
-        XTest::SetUp();
-        if (!director) return;
-        stage = new OrvStage(director, Orv2dRect(0, 0, 160, 140), "scene", 0, 1);
-        ASSERT_TRUE(OrvTestWaitViewable(dpy, stage->window()));
-        scene = new OrvScene(director, Orv2dRect(10, 10, 120, 100), 1, nullptr);
-        theater = new OrvTheater(director);
-        theater->connect(scene, stage, 0);
-        ASSERT_TRUE(OrvTestWaitViewable(dpy, scene->drawingCanvas()));
-        camera(0);
-        OrvTestRunFor(30);
-    }
     void TearDown() override {
-        delete theater;
-        delete stage;
         OrvForceImmediateMode(0);
-        XTest::TearDown();
+        TheaterTest::TearDown();
     }
-    // Looking at the origin from 5 away, turned by degrees about y.
-    void camera(double degrees) {
-        double r = degrees * M_PI / 180;
-        scene->currentCamera()->lookAt(Orv3dPoint(5 * sin(r), 0, 5 * cos(r)), Orv3dPoint(0, 0, 0),
-                                       Orv3dVector(0, 1, 0));
-        scene->currentCamera()->perspective(60, 1, 1, 100);
-    }
-    void frame() { theater->drawAll(scene, nullptr, 1); }
     BoxActor* add(const Orv3dVolume& v, OrvMakeUp* m = nullptr) {
         BoxActor* a = new BoxActor(director, v, m);
         theater->append(a, 0);
         return a;
-    }
-    std::vector<unsigned long> pixels(const Orv2dRect& r) {
-        XSync(dpy, False);
-        XImage* im = XGetImage(dpy, scene->drawingCanvas(), r.x, r.y, r.w, r.h, AllPlanes, ZPixmap);
-        std::vector<unsigned long> all;
-        for (unsigned i = 0; im && i < r.w * r.h; i++)
-            all.push_back(XGetPixel(im, i % r.w, i / r.w) & 0xffffff);
-        if (im) XDestroyImage(im);
-        return all;
     }
 };
 
@@ -165,30 +124,8 @@ TEST_F(Actor3dSceneTest, DisplayListIsKeptUntilOneOfItsTriggers) {
     OrvRelease(blue);
 }
 
-TEST_F(Actor3dSceneTest, InvariantActorStaysPutWhileTheCameraTurns) {
-    // Invariant space has y downward, so the square turns the other way there: no culling.
-    OrvMakeUp* red = director->makeUpCull(
-        director->makeUpForeground(director->defaultMakeUp, director->color("red")), 0);
-    BoxActor* fixed = add(Orv3dVolume(-0.9f, -0.9f, 0, 0.5f, 0.5f, 0), red);
-    fixed->setInvariant(1);
-    add(Orv3dVolume(-0.5f, -0.5f, 0, 1, 1, 0), red);
-    Orv2dRect corner = projected(fixed, &scene->invariantToScene, 0);
-    Orv2dRect window(0, 0, scene->bboxVisible().w, scene->bboxVisible().h);
-    frame();
-    std::vector<unsigned long> before = pixels(corner), whole = pixels(window);
-    EXPECT_EQ(0xff0000ul, rgbOf(scene->drawingCanvas(), corner.x + corner.w / 2, corner.y + 2));
-    camera(40);
-    frame();
-    EXPECT_EQ(before, pixels(corner));
-    EXPECT_NE(whole, pixels(window));  // while the other one moved
-    // Behind the eye of a scene: that scene's window.
-    BoxActor* behind = add(Orv3dVolume(-1, -1, -10, 2, 2, 20));
-    EXPECT_EQ(window, projected(behind, &scene->worldToScene, 0));
-    delete behind;
-}
-
 TEST_F(Actor3dSceneTest, ChangesReachTheTheaterOnceANest) {
-    FrameCounter* hook = new FrameCounter;
+    CountingHook* hook = new CountingHook;
     theater->install(hook);
     BoxActor* a = add(Orv3dVolume(-1, -1, 0, 2, 2, 0));
     frame();
@@ -205,44 +142,52 @@ TEST_F(Actor3dSceneTest, ChangesReachTheTheaterOnceANest) {
         {"track ball, unselected", [&] { a->trackBallSelection(1); }, 0, 0},
     };
     for (const auto& row : rows) {
-        hook->frames = hook->contentsCalls = 0;
+        hook->before = hook->contentsCalls = 0;
         row.change();
-        EXPECT_EQ(row.frames, hook->frames) << row.what;
+        EXPECT_EQ(row.frames, hook->before) << row.what;
         EXPECT_EQ(row.contentsCalls, hook->contentsCalls) << row.what;
     }
     delete a;
     EXPECT_EQ(0u, theater->cardinal());
 }
 
-// Without bits 1 and 2, bit 16 draws invariant actors and bit 32 the others as their boxes in the
-// scene's colour, whether they are drawn immediately or from a list.
-TEST_F(TheaterTest, InteractiveModesDrawBoxesInPlaceOfActors) {
-    if (!director) return;
+// Invariant actors, drawn through the invariant projection, stay put while the camera turns.
+// Without bits 1 and 2, bit 16 draws them and bit 32 the others as their boxes in the scene's
+// colour, whether drawn immediately or from a list.
+TEST_F(Actor3dSceneTest, InvariantActorsStayPutAndInteractiveModesBoxThem) {
     scene->setForeground(director->color("white"));
+    // Invariant space has y downward, so the square turns the other way there: no culling.
     OrvMakeUp* red = director->makeUpCull(
         director->makeUpForeground(director->defaultMakeUp, director->color("red")), 0);
-    BoxActor* fixed = new BoxActor(director, Orv3dVolume(-0.9f, -0.9f, 0, 0.6f, 0.6f, 0), red);
-    BoxActor* other = new BoxActor(director, Orv3dVolume(0.1f, 0.1f, 0, 0.6f, 0.6f, 0), red);
+    BoxActor *fixed = add(Orv3dVolume(-0.9f, -0.9f, 0, 0.6f, 0.6f, 0), red),
+             *other = add(Orv3dVolume(-0.3f, -0.3f, 0, 0.6f, 0.6f, 0), red);
     fixed->setInvariant(1);
     fixed->immediate(1);
-    theater->append(fixed, 0);
-    theater->append(other, 0);
-    // The mode, and which are boxed: bit 0 the invariant actor, bit 1 the other.
-    const unsigned long rows[][2] = {{3, 0}, {16, 1}, {32, 2}, {49, 0}, {48, 3}};
+    OrvCamera* camera = scene->currentCamera();
+    camera->perspective(30, 1, 1, 100);
+    // The mode, those boxed (bit 0 the invariant actor, bit 1 the other), the camera's turn.
+    const unsigned long rows[][3] = {{3, 0, 0},  {3, 0, 40},  {16, 1, 40},
+                                     {32, 2, 0}, {49, 0, 40}, {48, 3, 0}};
     for (const auto& row : rows) {
+        double r = row[2] * M_PI / 180;
+        camera->lookAt(Orv3dPoint(5 * sin(r), 0, 5 * cos(r)), Orv3dPoint(0, 0, 0),
+                       Orv3dVector(0, 1, 0));
         scene->setInteractiveMode(row[0]);
-        theater->drawAll(scene, nullptr, 1);
+        frame();
         for (int i = 0; i < 2; i++) {
             bool boxed = row[1] >> i & 1;
-            Orv2dRect r = projected(i ? other : fixed,
+            Orv2dRect b = projected(i ? other : fixed,
                                     i ? &scene->worldToScene : &scene->invariantToScene, 0);
-            int x = r.x - 3, y = r.y + (int)r.h / 2;
-            while (x < r.x + 3 && !pixel(scene, x, y)) x++;  // the first lit pixel of the row
+            int x = b.x - 3, y = b.y + (int)b.h / 2;
+            while (x < b.x + 3 && !pixel(scene, x, y)) x++;  // the first lit pixel of the row
             EXPECT_EQ(boxed ? 0xffffffu : 0xff0000u, pixel(scene, x, y)) << row[0] << " " << i;
-            EXPECT_EQ(boxed ? 0u : 0xff0000u, pixel(scene, x + (int)r.w / 2, y))
+            EXPECT_EQ(boxed ? 0u : 0xff0000u, pixel(scene, x + (int)b.w / 2, y))
                 << row[0] << " " << i;
         }
     }
+    // Behind the eye of a scene: that scene's window.
+    EXPECT_EQ(Orv2dRect(0, 0, 300, 200),
+              projected(add(Orv3dVolume(-1, -1, -10, 2, 2, 20)), &scene->worldToScene, 0));
 }
 
 // ---------------------------------------------------------------------------

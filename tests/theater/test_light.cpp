@@ -18,7 +18,7 @@ void expectFloats(const GLfloat* got, std::vector<float> want, const std::string
     for (size_t i = 0; i < want.size(); i++) EXPECT_NEAR(got[i], want[i], 1e-6) << what << " " << i;
 }
 
-class Records : public XTest {
+class Records : public TheaterTest {
 protected:
     OrvPointLight point{OrvRGB(1, 0.5f, 0.25f), 0.75f, Orv3dPoint(1, 2, 3)};
     OrvDirectionalLight directional{OrvRGB(0, 0, 1), 1, Orv3dVector(0, -1, -0.5f)};
@@ -125,21 +125,18 @@ TEST_F(Records, DirectorEnvironmentsAndDefaults) {
                   "OrvLight::render3d : Number of lights can't exceed 8 \n");
 }
 
-// Needs a scene that renders: runs once the scene and theater are in.
+// Diffuse and specular, position, spot direction, cut-off and exponent, then the attenuations
+// of the scene's environment, and of the director's once the scene has none.
 TEST_F(Records, LightsSentToGLAsTheyAre) {
-    OrvStage* stage = new OrvStage(director, Orv2dRect(0, 0, 120, 100), "lights", 0, 1);
-    OrvScene* scene = new OrvScene(director, Orv2dRect(0, 0, 100, 80), 1);
-    OrvTheater* theater = new OrvTheater(director);
-    theater->connect(scene, stage, 0);
-    OrvTestWaitViewable(dpy, stage->window());
     struct Row {
         OrvLight* light;
-        std::vector<float> colour, position, cone;  // cone: direction, cut-off, exponent
+        std::vector<float> colour, position, cone;
     } rows[] = {{&point, {1, 0.5f, 0.25f, 0.75f}, {1, 2, 3, 1}, {0, 0, -1, 180, 0}},
                 {&directional, {0, 0, 1, 1}, {0, -1, -0.5f, 0}, {0, -1, -0.5f, 180, 0}},
                 {&spot, {0.5f, 0.5f, 0.5f, 0.5f}, {0, 4, 0, 1}, {0, -1, 0, 30, 12}}};
     OrvEnvironment* env =
         director->environment(OrvRGB(0.1f, 0.2f, 0.3f), 0.9f, 2, 0.5f, 0.25f, 1, 0);
+    OrvCount(env);  // past the scene's hold
     const GLenum names[] = {GL_DIFFUSE,
                             GL_SPECULAR,
                             GL_POSITION,
@@ -151,10 +148,8 @@ TEST_F(Records, LightsSentToGLAsTheyAre) {
                             GL_QUADRATIC_ATTENUATION};
     const int at[] = {0, 4, 8, 12, 15, 16, 17, 18, 19};  // where each value lands in v
     for (int pass = 0; pass < 2; pass++) {
-        if (pass) scene->environment(env);  // the director's attenuation, then the scene's
+        scene->environment(pass ? nullptr : env);
         scene->beginRendering(nullptr);
-        ASSERT_EQ(director->currentScene, scene);
-        glMatrixMode(GL_MODELVIEW);
         glLoadIdentity();
         for (unsigned short i = 0; i < 3; i++) {
             const Row& r = rows[i];
@@ -165,7 +160,7 @@ TEST_F(Records, LightsSentToGLAsTheyAre) {
             std::vector<float> want = r.colour;
             for (const std::vector<float>* part : {&r.colour, &r.position, &r.cone})
                 want.insert(want.end(), part->begin(), part->end());
-            for (float f : pass ? std::vector<float>{2, 0.5f, 0.25f} : std::vector<float>{1, 0, 0})
+            for (float f : pass ? std::vector<float>{1, 0, 0} : std::vector<float>{2, 0.5f, 0.25f})
                 want.push_back(f);
             expectFloats(v, want, what);
             EXPECT_TRUE(glIsEnabled(GL_LIGHT0 + i)) << what;
@@ -182,15 +177,13 @@ TEST_F(Records, LightsSentToGLAsTheyAre) {
     expectFloats(ambient, {0.1f, 0.2f, 0.3f, 0.9f}, "ambient");
     EXPECT_EQ(std::vector<GLint>(flags, flags + 2), std::vector<GLint>({1, 0}));
     scene->endRendering();
-    delete stage;
-    delete theater;
+    OrvRelease(env);
 }
 
 // The camera turned a quarter about its line of sight: the light of a fixed light stays where
 // the viewer saw it, and a world light's turns with the sheet under it.
-TEST_F(TheaterTest, FixedLightsStayWithTheViewerWorldLightsWithTheWorld) {
-    if (!director) return;
-    theater->append(new LitSheet(director), 0);
+TEST_F(Records, FixedLightsStayWithTheViewerWorldLightsWithTheWorld) {
+    theater->append(litSheet(director), 0);
     OrvCamera* camera = scene->currentCamera();
     camera->perspective(30.0, 1, 1, 20);
     const Orv3dPoint under(0.4f, 0, 0);  // the point of the sheet the light stands over

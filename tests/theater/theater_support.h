@@ -1,7 +1,7 @@
 // The fixture of the 3D tests: a private X server with a director (XTest), a
 // 500x260 stage holding a 300x200 scene at (20, 30) on a black background,
 // connected to a theater (room at the right for a second); GLBox, an actor that draws itself with
-// raw GL and logs its draws; and reads of a scene's pixels from the window or the back buffer.
+// raw GL and logs its draws; and reads of a scene's pixels from the window.
 #ifndef ORV_THEATER_SUPPORT_H
 #define ORV_THEATER_SUPPORT_H
 
@@ -14,8 +14,9 @@
 #include <GL/gl.h>
 #include <GL/glx.h>
 
-// The front face (the volume's top z) of an axis box in one flat colour, unlit.
-// Moves through the theater's change protocol.
+// The front face (the volume's top z) of an axis box, in flat colour unlit, or in a white lit
+// material when `lit` (light shows where it falls, unwashed by emission), in cells by cells
+// quads. Moves through the theater's change protocol.
 class GLBox : public OrvActor {
 public:
     Orv3dVolume volume;
@@ -23,6 +24,8 @@ public:
     std::string name;
     mutable int draws = 0;
     Log* log = nullptr;  // the names of the boxes drawn, in order, when set
+    bool lit = false;
+    int cells = 1;
 
     GLBox(OrvDirector* d, const Orv3dVolume& v, unsigned long color, const char* n = "",
           OrvMakeUp* m = nullptr)
@@ -32,15 +35,26 @@ public:
     void draw3d(const OrvScene*) const override {
         draws++;
         if (log) log->push_back(name);
-        glDisable(GL_LIGHTING);
-        glColor3fv(rgb);
+        const float white[4] = {1, 1, 1, 1}, black[4] = {0, 0, 0, 1};
+        if (lit) {
+            glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE, white);
+            glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, black);
+            glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, black);
+            glNormal3f(0, 0, 1);
+        } else {
+            glDisable(GL_LIGHTING);
+            glColor3fv(rgb);
+        }
         const Orv3dVolume& v = volume;
-        float z = v.z + v.d;
+        float z = v.z + v.d, w = v.w / cells, h = v.h / cells;
         glBegin(GL_QUADS);
-        glVertex3f(v.x, v.y, z);
-        glVertex3f(v.x + v.w, v.y, z);
-        glVertex3f(v.x + v.w, v.y + v.h, z);
-        glVertex3f(v.x, v.y + v.h, z);
+        for (int i = 0; i < cells * cells; i++) {
+            float x = v.x + w * (i % cells), y = v.y + h * (i / cells);
+            glVertex3f(x, y, z);
+            glVertex3f(x + w, y, z);
+            glVertex3f(x + w, y + h, z);
+            glVertex3f(x, y + h, z);
+        }
         glEnd();
     }
     Orv3dVolume bbox3d(unsigned long world) const override {
@@ -59,34 +73,17 @@ public:
     }
 };
 
-// The square (-1, -1) to (1, 1) at z 0 facing +z, in 80 by 80 lit quads of a white diffuse and
-// ambient material: light shows on it where it falls, unwashed by any emission.
-class LitSheet : public OrvActor {
-public:
-    explicit LitSheet(OrvDirector* d) : OrvActor(d, nullptr) {}
-    void draw3d(const OrvScene*) const override {
-        const float white[4] = {1, 1, 1, 1}, black[4] = {0, 0, 0, 1}, s = 1 / 40.0f;
-        glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE, white);
-        glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, black);
-        glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, black);
-        glNormal3f(0, 0, 1);
-        glBegin(GL_QUADS);
-        for (float x = -1; x < 1 - s / 2; x += s)
-            for (float y = -1; y < 1 - s / 2; y += s) {
-                glVertex3f(x, y, 0);
-                glVertex3f(x + s, y, 0);
-                glVertex3f(x + s, y + s, 0);
-                glVertex3f(x, y + s, 0);
-            }
-        glEnd();
-    }
-    Orv3dVolume bbox3d(unsigned long) const override { return Orv3dVolume(-1, -1, 0, 2, 2, 0); }
-};
+// The square (-1, -1) to (1, 1) at z 0 in 80 by 80 lit quads.
+inline GLBox* litSheet(OrvDirector* d) {
+    GLBox* sheet = new GLBox(d, Orv3dVolume(-1, -1, 0, 2, 2, 0), 0);
+    sheet->lit = true, sheet->cells = 80;
+    return sheet;
+}
 
 // Counts the frames and keeps the region of the last one; forces whole frames when asked.
 class CountingHook : public OrvTheaterHook {
 public:
-    int before = 0, copies = 0;
+    int before = 0, copies = 0, contentsCalls = 0;
     unsigned long whole = 0;
     Orv2dRegion last;
     void beforeDraw(const OrvScene*, const Orv2dRegion* r) override {
@@ -94,6 +91,7 @@ public:
         if (r) last = *r;
     }
     void afterCopy(const OrvScene*, const Orv2dRegion*) override { copies++; }
+    void contents() override { contentsCalls++; }
     unsigned long doNotOptimizeSceneReDraws(const OrvScene*) override { return whole; }
 };
 
@@ -138,18 +136,24 @@ protected:
         XSync(dpy, False);
         OrvTestRunFor(ms);
     }
+    void frame() { theater->drawAll(scene, nullptr, 1); }
+    // Button 1 pressed at (x0, y0) of the stage, moved there in four steps to (x1, y1), released.
+    void drag(int x0, int y0, int x1, int y1) {
+        OrvTestMoveIn(dpy, stage->window(), x0, y0);
+        settle(20);
+        OrvTestButton(dpy, 1, true);
+        for (int i = 1; i <= 4; i++) {
+            settle(20);
+            OrvTestMoveIn(dpy, stage->window(), x0 + (x1 - x0) * i / 4, y0 + (y1 - y0) * i / 4);
+        }
+        settle(20);
+        OrvTestButton(dpy, 1, false);
+        settle(100);
+    }
     // The window's pixel as 0xRRGGBB.
     unsigned long pixel(OrvScene* s, int x, int y) {
         glFinish();
         return rgbOf(s->drawingCanvas(), x, y);
-    }
-    // The back buffer's pixel at x, y (window coordinates) as 0xRRGGBB.
-    unsigned long backPixel(OrvScene* s, int x, int y) {
-        glXMakeCurrent(dpy, s->drawingCanvas(), (GLXContext)s->context());
-        unsigned char c[4] = {0, 0, 0, 0};
-        glReadBuffer(GL_BACK);
-        glReadPixels(x, (int)s->interior->height - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, c);
-        return (unsigned long)c[0] << 16 | (unsigned long)c[1] << 8 | c[2];
     }
     // Where the window is brightest: the middle of the pixels within 1 of its greatest green,
     // in window coordinates (a pixel's centre is at half units).
