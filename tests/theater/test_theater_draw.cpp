@@ -55,7 +55,6 @@ protected:
 
 // 10 % of the window is scissored, one pixel more repaints all; a hook may ask for all.
 TEST_F(TheaterDrawTest, PartialRepaintsAgainstTheThreshold) {
-    if (!director) return;
     fill();
     struct Case {
         Orv2dRect rect;
@@ -81,7 +80,6 @@ TEST_F(TheaterDrawTest, PartialRepaintsAgainstTheThreshold) {
 
 // A box moved in a theater of many: only the boxes that meet the places it left and took.
 TEST_F(TheaterDrawTest, MovedActorRepaintsWhatItMeets) {
-    if (!director) return;
     fill();
     theater->beginDrawing();
     theater->beginDrawing();
@@ -101,7 +99,6 @@ TEST_F(TheaterDrawTest, MovedActorRepaintsWhatItMeets) {
 // What a partial frame does not cover stays as it was, with or without a back buffer, also
 // after whole frames came between partial ones.
 TEST_F(TheaterDrawTest, PixelsOutsideThePartialFrameStay) {
-    if (!director) return;
     for (unsigned long doubleBuffer : {1ul, 0ul}) {
         OrvScene* s = newScene(Orv2dRect(20, 30, 300, 200), doubleBuffer);
         GLBox* b = box(Orv3dVolume(0, 0, 0, 0.2f, 0.2f, 0), 0x00ffff);
@@ -134,7 +131,6 @@ TEST_F(TheaterDrawTest, PixelsOutsideThePartialFrameStay) {
 }
 
 TEST_F(TheaterDrawTest, CollectedRegionsAndFlushWithoutBegin) {
-    if (!director) return;
     fill();
     scene->beginDrawingTheater();
     for (int i = 0; i < 33; i++) {
@@ -156,7 +152,6 @@ TEST_F(TheaterDrawTest, CollectedRegionsAndFlushWithoutBegin) {
 // 0 and 1 draw the layers in order, 2 each layer opaque then clear, 3 the clear ones
 // last, farthest first, and two at one depth in the reverse of their order.
 TEST_F(TheaterDrawTest, TransparencyOrders) {
-    if (!director) return;
     OrvMakeUp* clear =
         director->makeUpBackground(director->defaultMakeUp, new ClearColor(director));
     Log log;
@@ -185,7 +180,6 @@ TEST_F(TheaterDrawTest, TransparencyOrders) {
 }
 
 TEST_F(TheaterDrawTest, ConnectMessages) {
-    if (!director) return;
     OrvScene* fresh = new OrvScene(director, Orv2dRect(0, 0, 50, 50), 1);
     OffScene* off = new OffScene(director);
     struct Case {
