@@ -202,64 +202,48 @@ static std::string save3d(const std::vector<OrvActor*>& list) {
     return out.str().substr(out.str().find('\n'));  // without the date line
 }
 
-class Actor3dStreamTest : public XTest {
-protected:
+// Every class, with and without matrix, a strip set and a mesh, colours and materials: read
+// back whole, the same text again; cut anywhere, the objects before the cut and a message.
+TEST_F(XTest, Actor3dSavedFormsReadBackWholeCutOrSpoilt) {
     SampleArrays arrays;
-    std::vector<OrvActor*> actors;
-    void TearDown() override {
-        for (OrvActor* a : actors) delete a;
-        XTest::TearDown();
-    }
-    // What could be read, up to the first object that could not; the caller deletes it.
-    std::vector<OrvActor*> load(const std::string& text) {
+    OrvColor* materials[2] = {director->color("red"), nullptr};
+    OrvShare* colors = sampleShare<OrvRGB>({{1, 0, 0}, {0, 0.5f, 1}});
+    OrvShare* lengths = sampleShare<unsigned>({4});
+    OrvShare* points = sampleShare<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 1}});
+    OrvSeries* strip = new OrvTriangleStripSet(lengths);
+    strip->setNonIndexed(points, nullptr, nullptr, nullptr, nullptr);
+    OrvSeries* mesh = new OrvSeries(OrvQuadMesh, 1, 2);
+    mesh->setNonIndexed(arrays.points, nullptr, nullptr, nullptr, nullptr);
+    Orv3dActor *bare = new Orv3dActor(director), *turned = new Orv3dActor(director),
+               *faces = new Orv3dActorFaceSet(director, compactSample(arrays)),
+               *noFaces = new Orv3dActorFaceSet(director, nullptr),
+               *plain = new Orv3dShape(director, strip, nullptr, nullptr),
+               *shape = new Orv3dShape(director, mesh, colors, materials),
+               *noSeries = new Orv3dShape(director, nullptr, nullptr, nullptr);
+    for (OrvShare* share : {colors, lengths, points}) share->unLock();
+    turned->rotateX(30, 0), turned->translate(1, 2, 3, 1);
+    faces->scale(2, 1, 1, 0), plain->rotateZ(90, 0);
+    const std::vector<OrvActor*> all = {bare, turned, faces, noFaces, plain, shape, noSeries};
+    // What could be read, up to the first object that could not, and what was said.
+    auto load = [&](const std::string& text, std::string& said) {
         std::istringstream in("% Orvis 1 date" + text);
         OrvIStream reader(director, in);
         unsigned n = 0;
-        OrvActor** read = reader.read(n, 0);
+        OrvActor** read = nullptr;
+        said = OrvTestOutput([&] { read = reader.read(n, 0); });
         std::vector<OrvActor*> result;
         for (unsigned i = 0; read && i < n && read[i]; i++) result.push_back(read[i]);
         delete[] read;
         return result;
-    }
-    // Every class, with and without matrix, a strip set and a mesh, colours and materials.
-    std::vector<OrvActor*> samples() {
-        OrvColor* materials[2] = {director->color("red"), nullptr};
-        OrvShare* colors = sampleShare<OrvRGB>({{1, 0, 0}, {0, 0.5f, 1}});
-        OrvShare* lengths = sampleShare<unsigned>({4});
-        OrvShare* points = sampleShare<Orv3dPoint>({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 1}});
-        OrvSeries* strip = new OrvTriangleStripSet(lengths);
-        strip->setNonIndexed(points, nullptr, nullptr, nullptr, nullptr);
-        OrvSeries* mesh = new OrvSeries(OrvQuadMesh, 1, 2);
-        mesh->setNonIndexed(arrays.points, nullptr, nullptr, nullptr, nullptr);
-        Orv3dActor* turned = new Orv3dActor(director);
-        Orv3dActor* faces = new Orv3dActorFaceSet(director, compactSample(arrays));
-        Orv3dActor* plain = new Orv3dShape(director, strip, nullptr, nullptr);
-        turned->rotateX(30, 0), turned->translate(1, 2, 3, 1);
-        faces->scale(2, 1, 1, 0), plain->rotateZ(90, 0);
-        actors = {new Orv3dActor(director),
-                  turned,
-                  faces,
-                  new Orv3dActorFaceSet(director, nullptr),
-                  plain,
-                  new Orv3dShape(director, mesh, colors, materials),
-                  new Orv3dShape(director, nullptr, nullptr, nullptr)};
-        for (OrvShare* share : {colors, lengths, points}) share->unLock();
-        return actors;
-    }
-};
-
-// Read back whole, the same text again; cut anywhere, the objects before the cut and a message.
-TEST_F(Actor3dStreamTest, ReadBackWholeCutOrSpoilt) {
-    std::vector<OrvActor*> all = samples();
-    std::string text = save3d(all);
+    };
+    std::string text = save3d(all), said;
     std::vector<size_t> ends;  // just after each object's closing brace
     for (size_t at = text.find("\n}\n"); at != std::string::npos; at = text.find("\n}\n", at + 1))
         ends.push_back(at + 2);
     ASSERT_EQ(7u, ends.size());
     for (size_t cut = text.find("Orv3dActor"); cut <= text.size(); cut++) {
         size_t whole = std::count_if(ends.begin(), ends.end(), [&](size_t e) { return e <= cut; });
-        std::vector<OrvActor*> read;
-        std::string said = OrvTestOutput([&] { read = load(text.substr(0, cut)); });
+        std::vector<OrvActor*> read = load(text.substr(0, cut), said);
         ASSERT_EQ(whole, read.size()) << "cut at " << cut;
         EXPECT_EQ(whole < 7, said != "") << "cut at " << cut;
         EXPECT_EQ(save3d(std::vector<OrvActor*>(all.begin(), all.begin() + whole)), save3d(read));
@@ -271,19 +255,15 @@ TEST_F(Actor3dStreamTest, ReadBackWholeCutOrSpoilt) {
     } spoilt[] = {
         {"matrix3d", "matrix3x", "OrvIStream : bad separator.\n", 1},
         {"colors\t\tNone", "colors\t\tNix", "OrvIStream : OrvShare : Bad key (Nix).\n", 4},
-        {"cardinal\t2\treadWrite", "cardinal\t2\treadWrong",
-         "OrvIStream: OrvShare : Bad flag (readOnly or readWrite - readWrong)\n", 5},
         {"materials\t2", "materials\t3", "Orv3dShape::Orv3dShape : Bad item (materials 3).\n", 5},
-        {"colorName\t\"red\"", "colourName\t\"red\"",
-         "OrvIStream: Definition error (ColorMaterial colourName)\n", 5},
     };
     for (const auto& s : spoilt) {
         std::string bad = text;
-        bad.replace(bad.find(s.from), strlen(s.from), s.to);
-        std::vector<OrvActor*> read;
-        std::string said = OrvTestOutput([&] { read = load(bad); });
+        std::vector<OrvActor*> read =
+            load(bad.replace(bad.find(s.from), strlen(s.from), s.to), said);
         EXPECT_EQ(s.whole, read.size()) << s.to;
         EXPECT_NE(std::string::npos, said.find(s.message)) << said;
         for (OrvActor* a : read) delete a;
     }
+    for (OrvActor* a : all) delete a;
 }

@@ -28,38 +28,19 @@ protected:
 
 }  // namespace
 
-TEST_F(Records, SavedReadAndSavedAgainWithEachMessage) {
-    OrvCamera camera;  // values that six digits hold exactly, so the text is a fixed point
-    camera.lookAt(Orv3dPoint(1, 2, 3), Orv3dPoint(1, 2, -1), Orv3dVector(0, 1, 0));
-    camera.perspective(45.0, 1.5f, 0.5f, 50);
-    camera.keepRatio(0);
-    point.fixed(0);
-    OrvLight plain(OrvRGB(1, 1, 1), 1);  // saved in the spot form, with a plain light's values
-    OrvEnvironment* env =
-        director->environment(OrvRGB(0.1f, 0.2f, 0.3f), 0.9f, 1, 0.5f, 0.25f, 1, 0);
+// Each record read back whole is the scene file's round trip; here, the reader's message for
+// each fault, nothing made and nothing changed; and the saved form of no environment.
+TEST_F(Records, ReaderMessages) {
+    OrvCamera camera;
+    OrvEnvironment* env = director->environment(OrvRGB(0.1f, 0.2f, 0.3f), 0.9f, 1, 0, 0, 1, 0);
     OrvCount(env);
     const OrvEnvironment* none = nullptr;
-    const std::string text = saved(camera, &point, &directional, &spot, &plain, env, none);
-    EXPECT_NE(text.find("}\npointLight {\n\tintensity\t0.75\n\tcolor\t\t1 0.5 0.25\n\tlocation\t1 "
-                        "2 3\n\tfixed\t\tno\n}\n"),
-              std::string::npos);
-    EXPECT_EQ(text.substr(text.size() - 15), "environment\tno\n");
-    std::istringstream in(text);
+    EXPECT_EQ("environment\tno\n", saved(none));
+    std::istringstream in(saved(none));
     OrvIStream reader(director, in);
-    OrvCamera copy;
-    OrvLight* l[4] = {};
-    OrvEnvironment* e[2] = {nullptr, env};
-    reader >> copy >> l[0] >> l[1] >> l[2] >> l[3] >> e[0] >> e[1];
-    ASSERT_TRUE(l[0] && l[1] && l[2] && l[3] && e[0]);
-    EXPECT_EQ(saved(copy, l[0], l[1], l[2], l[3], e[0], e[1]), text);
-    EXPECT_EQ(std::string(l[0]->className()) + l[1]->className() + l[2]->className() +
-                  l[3]->className(),
-              "PointLightDirectionalLightSpotLightSpotLight");
-    EXPECT_NE(e[0], env);  // environments are never shared by content
-    for (OrvLight* light : l) delete light;
-    OrvCount(e[0]);
-    OrvRelease(e[0]);
-
+    OrvEnvironment* read = env;
+    reader >> read;
+    EXPECT_EQ(nullptr, read);
     const std::string records[] = {saved(camera), saved(&point), saved(&directional), saved(&spot),
                                    saved(env)};
     struct Row {
@@ -87,7 +68,7 @@ TEST_F(Records, SavedReadAndSavedAgainWithEachMessage) {
         std::istringstream bad(spoilt.replace(spoilt.find(row.from), row.from.size(), row.to));
         OrvIStream badReader(director, bad);
         OrvCamera target, untouched;
-        OrvLight* light = &plain;
+        OrvLight* light = &point;
         OrvEnvironment* environment = env;
         EXPECT_EQ(OrvTestOutput([&] {
                       if (row.record == 0) badReader >> target;

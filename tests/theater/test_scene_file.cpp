@@ -6,7 +6,8 @@ namespace {
 
 // The fixture's scene with three cameras, the second removed and the third current (a general
 // view, whose decomposed values six digits do not hold exactly), a porthole, no z-buffer, focus
-// and highlight make-ups, two lights and an environment; and a stage to read it into.
+// and highlight make-ups, a light of each class, one not fixed, a plain one (saved in the spot
+// form), and an environment; and a stage to read it into.
 class SceneFile : public TheaterTest {
 protected:
     OrvStage* other = nullptr;
@@ -28,8 +29,14 @@ protected:
             director->makeUpForeground(director->defaultMakeUp, director->color("red")));
         scene->highlightMakeUp(
             director->makeUpForeground(director->defaultMakeUp, director->color("blue")));
-        scene->add(new OrvPointLight(OrvRGB(1, 1, 0.5f), 0.8f, Orv3dPoint(1, 2, 3)));
+        OrvLight* point = new OrvPointLight(OrvRGB(1, 1, 0.5f), 0.8f, Orv3dPoint(1, 2, 3));
+        point->fixed(0);
+        scene->add(point);
         scene->add(new OrvDirectionalLight(OrvRGB(0, 0.5f, 1), 1, Orv3dVector(0, -1, 0)));
+        scene->add(new OrvSpotLight(OrvRGB(0.5f, 0.5f, 0.5f), 0.5f, Orv3dPoint(0, 4, 0),
+                                    Orv3dVector(0, -1, 0), 12, 30));
+        // Dark: a plain light sends no place, and its saved form reads back as a spot light.
+        scene->add(new OrvLight(OrvRGB(0, 0, 0), 1));
         scene->environment(director->environment(OrvRGB(0.1f, 0.2f, 0.3f), 0.5f, 1, 0.1f, 0, 1, 1));
     }
     void TearDown() override {
@@ -66,7 +73,8 @@ protected:
 TEST_F(SceneFile, SavedReadAndSavedAgainAlike) {
     std::string text = save(stage), messages;
     for (const char* item : {"% OrvScene class ...", "cameraCardinal\t2\n", "currentCamera\t1\n",
-                             "zbuffer\t\tno\n", "lightCardinal\t2\n", "roleProducerAcc\tno\n"})
+                             "zbuffer\t\tno\n", "lightCardinal\t4\n", "roleProducerAcc\tno\n",
+                             "\tfixed\t\tno\n\t}\n\tdirectionalLight {"})
         EXPECT_NE(text.find(item), std::string::npos) << item;
     OrvScene* second = read(full, messages);
     EXPECT_EQ(messages, "");
@@ -83,6 +91,7 @@ TEST_F(SceneFile, SavedReadAndSavedAgainAlike) {
                         scene->getCamera(2 * i)->mapping().m[k], 1e-5);
         }
     EXPECT_TRUE(second->porthole_ == scene->porthole_);
+    EXPECT_NE(second->environment_, scene->environment_);  // never shared by content
     EXPECT_NE(second->highlightRender, nullptr);
     EXPECT_EQ(second->interactiveMode, 3u);
     EXPECT_EQ(second->useScissor, 0u);

@@ -45,12 +45,6 @@ protected:
         for (GLBox* b : grid) n += b->draws > 0;
         return n;
     }
-    // Redraws a rectangle of the window as a change would.
-    void repaint(const Orv2dRect& r) {
-        theater->beginDrawing();
-        theater->invalidate(r);
-        theater->flushDrawing(1);
-    }
 };
 
 // 10 % of the window is scissored, one pixel more repaints all; a hook may ask for all.
@@ -68,7 +62,9 @@ TEST_F(TheaterDrawTest, PartialRepaintsAgainstTheThreshold) {
     };
     for (const Case& c : cases) {
         hook->whole = c.whole;
-        repaint(c.rect);
+        theater->beginDrawing();  // as a change of that rectangle would
+        theater->invalidate(c.rect);
+        theater->flushDrawing(1);
         EXPECT_EQ(c.scissored, scene->useScissor) << c.rect.w;
         EXPECT_EQ(c.drawn, drawn()) << c.rect.w;
         EXPECT_EQ(1, hook->before);
@@ -155,18 +151,15 @@ TEST_F(TheaterDrawTest, TransparencyOrders) {
     OrvMakeUp* clear =
         director->makeUpBackground(director->defaultMakeUp, new ClearColor(director));
     Log log;
-    struct Item {
-        const char* name;
-        float z;
-        unsigned layer;
-        bool clear;
-    } items[] = {{"B", -1, 0, true}, {"a", 0, 0, false}, {"E", -0.5f, 0, true},
-                 {"D", -2, 1, true}, {"c", 0, 1, false}, {"F", -0.5f, 1, true}};
-    for (const Item& i : items) {
-        GLBox* b = new GLBox(director, Orv3dVolume(0, 0, i.z, 0.1f, 0.1f, 0), 0xffffff, i.name,
-                             i.clear ? clear : nullptr);
+    // Three a layer; capitals are clear, at these depths.
+    const char* names = "BaEDcF";
+    const float z[] = {-1, 0, -0.5f, -2, 0, -0.5f};
+    for (int i = 0; i < 6; i++) {
+        bool transparent = isupper(names[i]);
+        GLBox* b = new GLBox(director, Orv3dVolume(0, 0, z[i], 0.1f, 0.1f, 0), 0xffffff,
+                             std::string(1, names[i]).c_str(), transparent ? clear : nullptr);
         b->log = &log;
-        theater->append(b, i.layer);
+        theater->append(b, i / 3);
     }
     const char* orders[] = {"B a E D c F", "B a E D c F", "a B E c D F", "a c D B F E"};
     for (OrvTransparencyType type = 0; type < 4; type++) {

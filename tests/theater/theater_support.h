@@ -173,22 +173,18 @@ protected:
         return p;
     }
     // Whether the pixels of the window around a world point show the colour (inside) or
-    // the background (outside, `margin` pixels away from the square's projected box).
-    void expectSquare(OrvScene* s, const Orv3dVolume& v, unsigned long color, int margin = 3) {
+    // the background (outside, `m` pixels away from the square's projected box).
+    void expectSquare(OrvScene* s, const Orv3dVolume& v, unsigned long color, int m = 3) {
         Orv3dPoint a = toWindow(s, Orv3dPoint(v.x, v.y, v.z + v.d));
         Orv3dPoint b = toWindow(s, Orv3dPoint(v.x + v.w, v.y + v.h, v.z + v.d));
         int x0 = (int)std::min(a.x, b.x), x1 = (int)std::max(a.x, b.x);
         int y0 = (int)std::min(a.y, b.y), y1 = (int)std::max(a.y, b.y);
-        const int probes[][3] = {{(x0 + x1) / 2, (y0 + y1) / 2, 1},
-                                 {x0 + margin, y0 + margin, 1},
-                                 {x1 - margin, y1 - margin, 1},
-                                 {x0 - margin, y0, 0},
-                                 {x1 + margin, y1, 0},
-                                 {x0, y0 - margin, 0},
-                                 {x1, y1 + margin, 0}};
-        for (const auto& p : probes)
-            EXPECT_EQ(p[2] ? color : 0u, pixel(s, p[0], p[1]))
-                << "at " << p[0] << "," << p[1] << " of the square " << x0 << "," << y0 << " to "
+        // The middle and two corners within, four points beside the edges without.
+        const int x[] = {(x0 + x1) / 2, x0 + m, x1 - m, x0 - m, x1 + m, x0, x1},
+                  y[] = {(y0 + y1) / 2, y0 + m, y1 - m, y0, y1, y0 - m, y1 + m};
+        for (int i = 0; i < 7; i++)
+            EXPECT_EQ(i < 3 ? color : 0u, pixel(s, x[i], y[i]))
+                << "at " << x[i] << "," << y[i] << " of the square " << x0 << "," << y0 << " to "
                 << x1 << "," << y1;
     }
 };
