@@ -109,41 +109,34 @@ TEST_F(Records, DirectorEnvironmentsAndDefaults) {
 // Diffuse and specular, position, spot direction, cut-off and exponent, then the attenuations
 // of the scene's environment, and of the director's once the scene has none.
 TEST_F(Records, LightsSentToGLAsTheyAre) {
-    struct Row {
-        OrvLight* light;
-        std::vector<float> colour, position, cone;
-    } rows[] = {{&point, {1, 0.5f, 0.25f, 0.75f}, {1, 2, 3, 1}, {0, 0, -1, 180, 0}},
-                {&directional, {0, 0, 1, 1}, {0, -1, -0.5f, 0}, {0, -1, -0.5f, 180, 0}},
-                {&spot, {0.5f, 0.5f, 0.5f, 0.5f}, {0, 4, 0, 1}, {0, -1, 0, 30, 12}}};
+    OrvLight* lights[] = {&point, &directional, &spot};
+    const std::vector<float> want[] = {
+        {1, .5f, .25f, .75f, 1, .5f, .25f, .75f, 1, 2, 3, 1, 0, 0, -1, 180, 0},
+        {0, 0, 1, 1, 0, 0, 1, 1, 0, -1, -.5f, 0, 0, -1, -.5f, 180, 0},
+        {.5f, .5f, .5f, .5f, .5f, .5f, .5f, .5f, 0, 4, 0, 1, 0, -1, 0, 30, 12}};
+    const GLenum names[][3] = {
+        {GL_DIFFUSE, GL_SPECULAR, GL_POSITION},
+        {GL_SPOT_DIRECTION, GL_SPOT_CUTOFF, GL_SPOT_EXPONENT},
+        {GL_CONSTANT_ATTENUATION, GL_LINEAR_ATTENUATION, GL_QUADRATIC_ATTENUATION}};
+    const int sizes[] = {4, 4, 4, 3, 1, 1, 1, 1, 1};
     OrvEnvironment* env =
         director->environment(OrvRGB(0.1f, 0.2f, 0.3f), 0.9f, 2, 0.5f, 0.25f, 1, 0);
     OrvCount(env);  // past the scene's hold
-    const GLenum names[] = {GL_DIFFUSE,
-                            GL_SPECULAR,
-                            GL_POSITION,
-                            GL_SPOT_DIRECTION,
-                            GL_SPOT_CUTOFF,
-                            GL_SPOT_EXPONENT,
-                            GL_CONSTANT_ATTENUATION,
-                            GL_LINEAR_ATTENUATION,
-                            GL_QUADRATIC_ATTENUATION};
-    const int at[] = {0, 4, 8, 12, 15, 16, 17, 18, 19};  // where each value lands in v
     for (int pass = 0; pass < 2; pass++) {
         scene->environment(pass ? nullptr : env);
         scene->beginRendering(nullptr);
         glLoadIdentity();
         for (unsigned short i = 0; i < 3; i++) {
-            const Row& r = rows[i];
-            std::string what = r.light->className() + std::string(" ") + std::to_string(pass);
-            EXPECT_EQ(r.light->render3d(i, scene), 1u) << what;
-            GLfloat v[20];
-            for (int k = 0; k < 9; k++) glGetLightfv(GL_LIGHT0 + i, names[k], v + at[k]);
-            std::vector<float> want = r.colour;
-            for (const std::vector<float>* part : {&r.colour, &r.position, &r.cone})
-                want.insert(want.end(), part->begin(), part->end());
-            for (float f : pass ? std::vector<float>{1, 0, 0} : std::vector<float>{2, 0.5f, 0.25f})
-                want.push_back(f);
-            expectFloats(v, want, what);
+            std::string what = lights[i]->className() + std::string(" ") + std::to_string(pass);
+            EXPECT_EQ(lights[i]->render3d(i, scene), 1u) << what;
+            std::vector<float> got, expected = want[i];
+            for (int k = 0; k < 9; k++) {
+                GLfloat v[4];
+                glGetLightfv(GL_LIGHT0 + i, names[k / 3][k % 3], v);
+                got.insert(got.end(), v, v + sizes[k]);
+            }
+            expected.insert(expected.end(), {pass ? 1 : 2.f, pass ? 0 : .5f, pass ? 0 : .25f});
+            expectFloats(got.data(), expected, what);
             EXPECT_TRUE(glIsEnabled(GL_LIGHT0 + i)) << what;
         }
         scene->endRendering();

@@ -177,32 +177,28 @@ TEST_F(TheaterTest, FrameMovedAndResizedByItsRole) {
 TEST_F(TheaterTest, TopScenesOfFourForms) {
     Window parent = XCreateSimpleWindow(dpy, DefaultRootWindow(dpy), 0, 0, 200, 160, 0, 0, 0);
     XMapWindow(dpy, parent);
-    std::vector<std::pair<OrvTopScene*, Orv2dRect>> tops = {
-        {new OrvTopScene(director, Orv2dRect(400, 10, 120, 90), "top", 1),
-         Orv2dRect(0, 0, 120, 90)},
-        {new OrvTopScene(director, (void*)parent, Orv2dRect(5, 6, 110, 80), 1),
-         Orv2dRect(0, 0, 110, 80)},
-        {new OrvTopScene(director, (void*)parent), Orv2dRect(0, 0, 200, 160)},
-        {new OrvTopScene(*scene), Orv2dRect(0, 0, 300, 200)},
-    };
-    for (auto& t : tops) {
-        EXPECT_EQ(t.second, t.first->bbox2d(nullptr));
-        EXPECT_EQ(t.second.w, t.first->stage->width);
-        EXPECT_EQ(t.first->stage, t.first->getStage());
-        EXPECT_EQ(scene->classInfo(), t.first->classInfo());
+    OrvTopScene* tops[] = {new OrvTopScene(director, Orv2dRect(400, 10, 120, 90), "top", 1),
+                           new OrvTopScene(director, (void*)parent, Orv2dRect(5, 6, 110, 80), 1),
+                           new OrvTopScene(director, (void*)parent), new OrvTopScene(*scene)};
+    const unsigned sizes[][2] = {{120, 90}, {110, 80}, {200, 160}, {300, 200}};
+    for (int i = 0; i < 4; i++) {
+        EXPECT_EQ(Orv2dRect(0, 0, sizes[i][0], sizes[i][1]), tops[i]->bbox2d(nullptr));
+        EXPECT_EQ(sizes[i][0], tops[i]->stage->width);
+        EXPECT_EQ(tops[i]->stage, tops[i]->getStage());
+        EXPECT_EQ(scene->classInfo(), tops[i]->classInfo());
     }
     char* title = nullptr;
-    XFetchName(dpy, tops[3].first->stage->window(), &title);
+    XFetchName(dpy, tops[3]->stage->window(), &title);
     EXPECT_STREQ("NoName", title);
     XFree(title);
-    tops[0].first->setBackground(director->color("black"));
-    theater->connect(tops[0].first);
-    EXPECT_TRUE(OrvTestWaitViewable(dpy, tops[0].first->drawingCanvas()));
+    tops[0]->setBackground(director->color("black"));
+    theater->connect(tops[0]);
+    EXPECT_TRUE(OrvTestWaitViewable(dpy, tops[0]->drawingCanvas()));
     Orv3dVolume unit(-0.5f, -0.5f, 0, 1, 1, 0);
     box(unit, 0xffff00);
     settle();
-    expectSquare(tops[0].first, unit, 0xffff00);
-    for (auto& t : tops) delete t.first;
+    expectSquare(tops[0], unit, 0xffff00);
+    for (OrvTopScene* t : tops) delete t;
     XDestroyWindow(dpy, parent);
 }
 
