@@ -137,18 +137,16 @@ TEST_F(RenderTest, MakeUpLeavesTheGLStateOfItsAttributesOnceForRepeats) {
         glGetPolygonStipple(stipple);
         EXPECT_TRUE(!r.state[8] || !memcmp(stipple, d->pattern(r.pattern)->data, 128));
     }
-    // The same make-up again: only the scene's wire frame, and the foreground for lines.
-    glLineWidth(5);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_POINT);
-    m->render(scene, 0);
-    EXPECT_EQ(L, glState()[0]);
-    EXPECT_EQ(5, glState()[4]);
-    scene->setInteractiveMode(3);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_POINT);
-    m->render(scene, 0);
-    EXPECT_EQ(P, glState()[0]);
-    m->render(scene, 1);  // another flag: all again
-    EXPECT_EQ(1, glState()[4]);
+    // The same make-up again sets only the wire frame; another flag sets all again.
+    const int again[][4] = {{7, 0, L, 5}, {3, 0, P, 5}, {3, 1, F, 1}};  // mode, flag, results
+    for (const auto& a : again) {
+        scene->setInteractiveMode(a[0]);
+        glLineWidth(5);
+        glPolygonMode(GL_FRONT_AND_BACK, GL_POINT);
+        m->render(scene, a[1]);
+        EXPECT_EQ(a[2], glState()[0]) << a[0] << " " << a[1];
+        EXPECT_EQ(a[3], glState()[4]) << a[0] << " " << a[1];
+    }
     float color[4];
     glColor3f(0, 0, 1);
     m->render(scene, 1);
@@ -270,9 +268,9 @@ TEST_F(RenderTest, StacksDropThe33rdMatrixAndThe501stRenderFace) {
         for (unsigned long i = 501; i-- > 0;) {
             EXPECT_EQ(i > 0, OrvPopRenderFace(scene));
             unsigned long k = i ? i - 1 : 0;
-            ASSERT_EQ(k, scene->renderFaceFlag);
-            ASSERT_EQ(k & 1, scene->renderInvariant);
-            ASSERT_EQ((k & 2) ? &m : nullptr, scene->renderMatrix);
+            ASSERT_EQ(std::make_tuple(k, k & 1, (k & 2) ? &m : nullptr),
+                      std::make_tuple(scene->renderFaceFlag, scene->renderInvariant,
+                                      scene->renderMatrix));
         }
     });
     EXPECT_EQ("## Render face stack : internal error (stack overflow).## Render face stack : "
