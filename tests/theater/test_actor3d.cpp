@@ -4,31 +4,7 @@
 
 #include <cmath>
 
-#include "orv/actor3d.h"
-
 #include "../scene/vertex_samples.h"
-
-// A box that shows its front face, unlit, and counts how often its shape is drawn.
-class BoxActor : public Orv3dActor {
-public:
-    Orv3dVolume volume;
-    mutable int draws = 0;
-    BoxActor(OrvDirector* d, const Orv3dVolume& v, OrvMakeUp* m = nullptr)
-        : Orv3dActor(d, m), volume(v) {
-        removeProperty(OrvLightBit);
-    }
-    void draw3d(const OrvScene* s) const override {
-        draws++;
-        const Orv3dVolume& v = volume;
-        s->rectangle(makeUp, Orv3dPoint(v.x, v.y, v.z), Orv3dPoint(v.x + v.w, v.y, v.z),
-                     Orv3dPoint(v.x + v.w, v.y + v.h, v.z), Orv3dPoint(v.x, v.y + v.h, v.z), 1);
-    }
-    Orv3dVolume bbox3d(unsigned long world) const override {
-        Orv3dVolume v = volume;
-        if (world && matrix) matrix->apply(v);
-        return v;
-    }
-};
 
 static Orv2dRect projected(const OrvActor* a, const Orv3dMatrix* m, unsigned long grow) {
     Orv2dRegion r;
@@ -157,8 +133,7 @@ TEST_F(Actor3dSceneTest, ChangesReachTheTheaterOnceANest) {
 TEST_F(Actor3dSceneTest, InvariantActorsStayPutAndInteractiveModesBoxThem) {
     scene->setForeground(director->color("white"));
     // Invariant space has y downward, so the square turns the other way there: no culling.
-    OrvMakeUp* red = director->makeUpCull(
-        director->makeUpForeground(director->defaultMakeUp, director->color("red")), 0);
+    OrvMakeUp* red = director->makeUpCull(paint("red"), 0);
     BoxActor *fixed = add(Orv3dVolume(-0.9f, -0.9f, 0, 0.6f, 0.6f, 0), red),
              *other = add(Orv3dVolume(-0.3f, -0.3f, 0, 0.6f, 0.6f, 0), red);
     fixed->setInvariant(1);

@@ -9,23 +9,6 @@
 
 namespace {
 
-// Answers a fixed window rectangle for its box; draws a filled square at z 0.5.
-class ProbeActor : public OrvActor {
-public:
-    Orv2dRect rect;
-    mutable const Orv3dMatrix* matrix = nullptr;
-    mutable unsigned long grow = 9;
-    ProbeActor(OrvDirector* d, OrvMakeUp* m) : OrvActor(d, m) {}
-    void bboxToScene(Orv2dRegion& r, const Orv3dMatrix* m, unsigned long g) const override {
-        matrix = m, grow = g;
-        r.extendBy(rect);
-    }
-    void draw3d(const OrvScene* s) const override {
-        const float h = .25f, z = .5f;
-        s->rectangle(makeUp, {-h, -h, z}, {h, -h, z}, {h, h, z}, {-h, h, z}, 1);
-    }
-};
-
 // Vertex data on an owned copy of the points.
 template <class T>
 void setPoints(T& data, const std::vector<Orv3dPoint>& p) {
@@ -83,9 +66,6 @@ protected:
         glLightfv(GL_LIGHT0, GL_POSITION, toward);
         glPopMatrix();
         if (front) glEnable(GL_LIGHT0);
-    }
-    OrvMakeUp* paint(const char* fg) {
-        return director->makeUpForeground(director->defaultMakeUp, director->color(fg));
     }
     // A window pixel (y downward) of the back buffer against 0xRRGGBB, within 1.
     void expectPixel(const Orv2dPoint& at, unsigned long want) {
@@ -279,7 +259,7 @@ TEST_F(RenderTest, StacksDropThe33rdMatrixAndThe501stRenderFace) {
 }
 
 TEST_F(RenderTest, LevelOfDetailSharesTheActorsWindowBoxWithTheWindow) {
-    ProbeActor actor(director, paint("red"));
+    BoxActor actor(director, Orv3dVolume(-.25f, -.25f, .5f, .5f, .5f, 0), paint("red"));
     struct {
         Orv2dRect rect;
         unsigned long invariant;
@@ -294,13 +274,13 @@ TEST_F(RenderTest, LevelOfDetailSharesTheActorsWindowBoxWithTheWindow) {
         scene->levelOfDetail(&actor, onScreen, visible);
         EXPECT_NEAR(r.onScreen, onScreen, 1e-6);
         EXPECT_NEAR(r.visible, visible, 1e-6);
-        EXPECT_EQ(r.invariant ? &scene->invariantToScene : &scene->worldToScene, actor.matrix);
+        EXPECT_EQ(r.invariant ? &scene->invariantToScene : &scene->worldToScene, actor.asked);
         EXPECT_EQ(0u, actor.grow);
     }
 }
 
 TEST_F(RenderTest, ShadowFlattensTheActorAlongTheLightOntoThePlane) {
-    ProbeActor actor(director, paint("red"));
+    BoxActor actor(director, Orv3dVolume(-.25f, -.25f, .5f, .5f, .5f, 0), paint("red"));
     OrvMakeUp* blue = director->makeUpCull(paint("blue"), OrvCullNone);
     float before[16], after[16];
     glGetFloatv(GL_MODELVIEW_MATRIX, before);

@@ -25,10 +25,8 @@ protected:
         scene->removeCamera(1);
         scene->porthole(Orv2dRect(0, 0, 150, 100));
         scene->useZBuffer(0);
-        scene->focusMakeUp(
-            director->makeUpForeground(director->defaultMakeUp, director->color("red")));
-        scene->highlightMakeUp(
-            director->makeUpForeground(director->defaultMakeUp, director->color("blue")));
+        scene->focusMakeUp(paint("red"));
+        scene->highlightMakeUp(paint("blue"));
         OrvLight* point = new OrvPointLight(OrvRGB(1, 1, 0.5f), 0.8f, Orv3dPoint(1, 2, 3));
         point->fixed(0);
         scene->add(point);

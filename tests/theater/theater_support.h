@@ -7,6 +7,7 @@
 
 #include "orv_fixtures.h"
 
+#include "orv/actor3d.h"
 #include "orv/camera.h"
 #include "orv/scene.h"
 #include "orv/theater.h"
@@ -80,6 +81,38 @@ inline GLBox* litSheet(OrvDirector* d) {
     return sheet;
 }
 
+// A 3D actor showing its volume's face at the volume's z in its make-up, unlit, that counts how
+// often its shape is drawn. With `rect` set, that is its box in any window, and it keeps the
+// matrix and the grow flag it was asked with.
+class BoxActor : public Orv3dActor {
+public:
+    Orv3dVolume volume;
+    mutable int draws = 0;
+    Orv2dRect rect;
+    mutable const Orv3dMatrix* asked = nullptr;
+    mutable unsigned long grow = 9;
+    BoxActor(OrvDirector* d, const Orv3dVolume& v, OrvMakeUp* m = nullptr)
+        : Orv3dActor(d, m), volume(v) {
+        removeProperty(OrvLightBit);
+    }
+    void draw3d(const OrvScene* s) const override {
+        draws++;
+        const Orv3dVolume& v = volume;
+        s->rectangle(makeUp, Orv3dPoint(v.x, v.y, v.z), Orv3dPoint(v.x + v.w, v.y, v.z),
+                     Orv3dPoint(v.x + v.w, v.y + v.h, v.z), Orv3dPoint(v.x, v.y + v.h, v.z), 1);
+    }
+    Orv3dVolume bbox3d(unsigned long world) const override {
+        Orv3dVolume v = volume;
+        if (world && matrix) matrix->apply(v);
+        return v;
+    }
+    void bboxToScene(Orv2dRegion& r, const Orv3dMatrix* m, unsigned long g) const override {
+        if (!rect.w) return Orv3dActor::bboxToScene(r, m, g);
+        asked = m, grow = g;
+        r.extendBy(rect);
+    }
+};
+
 // Counts the frames and keeps the region of the last one; forces whole frames when asked.
 class CountingHook : public OrvTheaterHook {
 public:
@@ -137,6 +170,9 @@ protected:
         OrvTestRunFor(ms);
     }
     void frame() { theater->drawAll(scene, nullptr, 1); }
+    OrvMakeUp* paint(const char* foreground) {
+        return director->makeUpForeground(director->defaultMakeUp, director->color(foreground));
+    }
     // Button 1 pressed at (x0, y0) of the stage, moved there in four steps to (x1, y1), released.
     void drag(int x0, int y0, int x1, int y1) {
         OrvTestMoveIn(dpy, stage->window(), x0, y0);
