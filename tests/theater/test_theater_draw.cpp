@@ -45,17 +45,10 @@ protected:
         for (GLBox* b : grid) n += b->draws > 0;
         return n;
     }
-    // Redraws a rectangle of the window as a change would.
-    void repaint(const Orv2dRect& r) {
-        theater->beginDrawing();
-        theater->invalidate(r);
-        theater->flushDrawing(1);
-    }
 };
 
 // 10 % of the window is scissored, one pixel more repaints all; a hook may ask for all.
 TEST_F(TheaterDrawTest, PartialRepaintsAgainstTheThreshold) {
-    if (!director) return;
     fill();
     struct Case {
         Orv2dRect rect;
@@ -69,7 +62,9 @@ TEST_F(TheaterDrawTest, PartialRepaintsAgainstTheThreshold) {
     };
     for (const Case& c : cases) {
         hook->whole = c.whole;
-        repaint(c.rect);
+        theater->beginDrawing();  // as a change of that rectangle would
+        theater->invalidate(c.rect);
+        theater->flushDrawing(1);
         EXPECT_EQ(c.scissored, scene->useScissor) << c.rect.w;
         EXPECT_EQ(c.drawn, drawn()) << c.rect.w;
         EXPECT_EQ(1, hook->before);
@@ -81,7 +76,6 @@ TEST_F(TheaterDrawTest, PartialRepaintsAgainstTheThreshold) {
 
 // A box moved in a theater of many: only the boxes that meet the places it left and took.
 TEST_F(TheaterDrawTest, MovedActorRepaintsWhatItMeets) {
-    if (!director) return;
     fill();
     theater->beginDrawing();
     theater->beginDrawing();
@@ -92,16 +86,13 @@ TEST_F(TheaterDrawTest, MovedActorRepaintsWhatItMeets) {
     theater->flushDrawing(1);
     EXPECT_EQ(1, hook->before);
     EXPECT_EQ(1u, scene->useScissor);
-    std::vector<int> counts;
-    for (GLBox* b : grid) counts.push_back(b->draws);
-    EXPECT_EQ((std::vector<int>{1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}),
-              counts);
+    EXPECT_EQ(2, drawn());  // the two moved, once each
+    EXPECT_EQ(2, grid[0]->draws + grid[1]->draws);
 }
 
 // What a partial frame does not cover stays as it was, with or without a back buffer, also
 // after whole frames came between partial ones.
 TEST_F(TheaterDrawTest, PixelsOutsideThePartialFrameStay) {
-    if (!director) return;
     for (unsigned long doubleBuffer : {1ul, 0ul}) {
         OrvScene* s = newScene(Orv2dRect(20, 30, 300, 200), doubleBuffer);
         GLBox* b = box(Orv3dVolume(0, 0, 0, 0.2f, 0.2f, 0), 0x00ffff);
@@ -134,7 +125,6 @@ TEST_F(TheaterDrawTest, PixelsOutsideThePartialFrameStay) {
 }
 
 TEST_F(TheaterDrawTest, CollectedRegionsAndFlushWithoutBegin) {
-    if (!director) return;
     fill();
     scene->beginDrawingTheater();
     for (int i = 0; i < 33; i++) {
@@ -156,22 +146,18 @@ TEST_F(TheaterDrawTest, CollectedRegionsAndFlushWithoutBegin) {
 // 0 and 1 draw the layers in order, 2 each layer opaque then clear, 3 the clear ones
 // last, farthest first, and two at one depth in the reverse of their order.
 TEST_F(TheaterDrawTest, TransparencyOrders) {
-    if (!director) return;
     OrvMakeUp* clear =
         director->makeUpBackground(director->defaultMakeUp, new ClearColor(director));
     Log log;
-    struct Item {
-        const char* name;
-        float z;
-        unsigned layer;
-        bool clear;
-    } items[] = {{"B", -1, 0, true}, {"a", 0, 0, false}, {"E", -0.5f, 0, true},
-                 {"D", -2, 1, true}, {"c", 0, 1, false}, {"F", -0.5f, 1, true}};
-    for (const Item& i : items) {
-        GLBox* b = new GLBox(director, Orv3dVolume(0, 0, i.z, 0.1f, 0.1f, 0), 0xffffff, i.name,
-                             i.clear ? clear : nullptr);
+    // Three a layer; capitals are clear, at these depths.
+    const char* names = "BaEDcF";
+    const float z[] = {-1, 0, -0.5f, -2, 0, -0.5f};
+    for (int i = 0; i < 6; i++) {
+        bool transparent = isupper(names[i]);
+        GLBox* b = new GLBox(director, Orv3dVolume(0, 0, z[i], 0.1f, 0.1f, 0), 0xffffff,
+                             std::string(1, names[i]).c_str(), transparent ? clear : nullptr);
         b->log = &log;
-        theater->append(b, i.layer);
+        theater->append(b, i / 3);
     }
     const char* orders[] = {"B a E D c F", "B a E D c F", "a B E c D F", "a c D B F E"};
     for (OrvTransparencyType type = 0; type < 4; type++) {
@@ -185,7 +171,6 @@ TEST_F(TheaterDrawTest, TransparencyOrders) {
 }
 
 TEST_F(TheaterDrawTest, ConnectMessages) {
-    if (!director) return;
     OrvScene* fresh = new OrvScene(director, Orv2dRect(0, 0, 50, 50), 1);
     OffScene* off = new OffScene(director);
     struct Case {

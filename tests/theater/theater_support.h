@@ -1,12 +1,13 @@
 // The fixture of the 3D tests: a private X server with a director (XTest), a
 // 500x260 stage holding a 300x200 scene at (20, 30) on a black background,
 // connected to a theater (room at the right for a second); GLBox, an actor that draws itself with
-// raw GL and logs its draws; and reads of a scene's pixels from the window or the back buffer.
+// raw GL and logs its draws; and reads of a scene's pixels from the window.
 #ifndef ORV_THEATER_SUPPORT_H
 #define ORV_THEATER_SUPPORT_H
 
 #include "orv_fixtures.h"
 
+#include "orv/actor3d.h"
 #include "orv/camera.h"
 #include "orv/scene.h"
 #include "orv/theater.h"
@@ -14,8 +15,9 @@
 #include <GL/gl.h>
 #include <GL/glx.h>
 
-// The front face (the volume's top z) of an axis box in one flat colour, unlit.
-// Moves through the theater's change protocol.
+// The front face (the volume's top z) of an axis box, in flat colour unlit, or in a white lit
+// material when `lit` (light shows where it falls, unwashed by emission), in cells by cells
+// quads. Moves through the theater's change protocol.
 class GLBox : public OrvActor {
 public:
     Orv3dVolume volume;
@@ -23,6 +25,8 @@ public:
     std::string name;
     mutable int draws = 0;
     Log* log = nullptr;  // the names of the boxes drawn, in order, when set
+    bool lit = false;
+    int cells = 1;
 
     GLBox(OrvDirector* d, const Orv3dVolume& v, unsigned long color, const char* n = "",
           OrvMakeUp* m = nullptr)
@@ -32,15 +36,26 @@ public:
     void draw3d(const OrvScene*) const override {
         draws++;
         if (log) log->push_back(name);
-        glDisable(GL_LIGHTING);
-        glColor3fv(rgb);
+        const float white[4] = {1, 1, 1, 1}, black[4] = {0, 0, 0, 1};
+        if (lit) {
+            glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE, white);
+            glMaterialfv(GL_FRONT_AND_BACK, GL_SPECULAR, black);
+            glMaterialfv(GL_FRONT_AND_BACK, GL_EMISSION, black);
+            glNormal3f(0, 0, 1);
+        } else {
+            glDisable(GL_LIGHTING);
+            glColor3fv(rgb);
+        }
         const Orv3dVolume& v = volume;
-        float z = v.z + v.d;
+        float z = v.z + v.d, w = v.w / cells, h = v.h / cells;
         glBegin(GL_QUADS);
-        glVertex3f(v.x, v.y, z);
-        glVertex3f(v.x + v.w, v.y, z);
-        glVertex3f(v.x + v.w, v.y + v.h, z);
-        glVertex3f(v.x, v.y + v.h, z);
+        for (int i = 0; i < cells * cells; i++) {
+            float x = v.x + w * (i % cells), y = v.y + h * (i / cells);
+            glVertex3f(x, y, z);
+            glVertex3f(x + w, y, z);
+            glVertex3f(x + w, y + h, z);
+            glVertex3f(x, y + h, z);
+        }
         glEnd();
     }
     Orv3dVolume bbox3d(unsigned long world) const override {
@@ -59,10 +74,49 @@ public:
     }
 };
 
+// The square (-1, -1) to (1, 1) at z 0 in 80 by 80 lit quads.
+inline GLBox* litSheet(OrvDirector* d) {
+    GLBox* sheet = new GLBox(d, Orv3dVolume(-1, -1, 0, 2, 2, 0), 0);
+    sheet->lit = true, sheet->cells = 80;
+    return sheet;
+}
+
+// A 3D actor showing its volume's face at the volume's z in its make-up, unlit, that counts how
+// often its shape is drawn. With `rect` set, that is its box in any window, and it keeps the
+// matrix and the grow flag it was asked with.
+class BoxActor : public Orv3dActor {
+public:
+    Orv3dVolume volume;
+    mutable int draws = 0;
+    Orv2dRect rect;
+    mutable const Orv3dMatrix* asked = nullptr;
+    mutable unsigned long grow = 9;
+    BoxActor(OrvDirector* d, const Orv3dVolume& v, OrvMakeUp* m = nullptr)
+        : Orv3dActor(d, m), volume(v) {
+        removeProperty(OrvLightBit);
+    }
+    void draw3d(const OrvScene* s) const override {
+        draws++;
+        const Orv3dVolume& v = volume;
+        s->rectangle(makeUp, Orv3dPoint(v.x, v.y, v.z), Orv3dPoint(v.x + v.w, v.y, v.z),
+                     Orv3dPoint(v.x + v.w, v.y + v.h, v.z), Orv3dPoint(v.x, v.y + v.h, v.z), 1);
+    }
+    Orv3dVolume bbox3d(unsigned long world) const override {
+        Orv3dVolume v = volume;
+        if (world && matrix) matrix->apply(v);
+        return v;
+    }
+    void bboxToScene(Orv2dRegion& r, const Orv3dMatrix* m, unsigned long g) const override {
+        if (!rect.w) return Orv3dActor::bboxToScene(r, m, g);
+        asked = m, grow = g;
+        r.extendBy(rect);
+    }
+};
+
 // Counts the frames and keeps the region of the last one; forces whole frames when asked.
 class CountingHook : public OrvTheaterHook {
 public:
-    int before = 0, copies = 0;
+    int before = 0, copies = 0, contentsCalls = 0;
     unsigned long whole = 0;
     Orv2dRegion last;
     void beforeDraw(const OrvScene*, const Orv2dRegion* r) override {
@@ -70,6 +124,7 @@ public:
         if (r) last = *r;
     }
     void afterCopy(const OrvScene*, const Orv2dRegion*) override { copies++; }
+    void contents() override { contentsCalls++; }
     unsigned long doNotOptimizeSceneReDraws(const OrvScene*) override { return whole; }
 };
 
@@ -114,18 +169,39 @@ protected:
         XSync(dpy, False);
         OrvTestRunFor(ms);
     }
+    void frame() { theater->drawAll(scene, nullptr, 1); }
+    OrvMakeUp* paint(const char* foreground) {
+        return director->makeUpForeground(director->defaultMakeUp, director->color(foreground));
+    }
+    // Button 1 pressed at (x0, y0) of the stage, moved there in four steps to (x1, y1), released.
+    void drag(int x0, int y0, int x1, int y1) {
+        OrvTestMoveIn(dpy, stage->window(), x0, y0);
+        settle(20);
+        OrvTestButton(dpy, 1, true);
+        for (int i = 1; i <= 4; i++) {
+            settle(20);
+            OrvTestMoveIn(dpy, stage->window(), x0 + (x1 - x0) * i / 4, y0 + (y1 - y0) * i / 4);
+        }
+        settle(20);
+        OrvTestButton(dpy, 1, false);
+        settle(100);
+    }
     // The window's pixel as 0xRRGGBB.
     unsigned long pixel(OrvScene* s, int x, int y) {
         glFinish();
         return rgbOf(s->drawingCanvas(), x, y);
     }
-    // The back buffer's pixel at x, y (window coordinates) as 0xRRGGBB.
-    unsigned long backPixel(OrvScene* s, int x, int y) {
-        glXMakeCurrent(dpy, s->drawingCanvas(), (GLXContext)s->context());
-        unsigned char c[4] = {0, 0, 0, 0};
-        glReadBuffer(GL_BACK);
-        glReadPixels(x, (int)s->interior->height - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, c);
-        return (unsigned long)c[0] << 16 | (unsigned long)c[1] << 8 | c[2];
+    // Where the window is brightest: the middle of the pixels within 1 of its greatest green,
+    // in window coordinates (a pixel's centre is at half units).
+    Orv3dPoint brightest(OrvScene* s) {
+        glFinish();
+        std::vector<unsigned long> all = snapshot(s->interior);
+        unsigned long top = 0, w = s->interior->width;
+        for (unsigned long p : all) top = std::max(top, p >> 8 & 255);
+        double x = 0, y = 0, n = 0;
+        for (size_t i = 0; i < all.size(); i++)
+            if ((all[i] >> 8 & 255) + 1 >= top) x += i % w + 0.5, y += i / w + 0.5, n++;
+        return Orv3dPoint((float)(x / n), (float)(y / n), 0);
     }
     // A world point in window pixels, as the scene's matrix puts it.
     Orv3dPoint toWindow(OrvScene* s, Orv3dPoint p) {
@@ -133,22 +209,18 @@ protected:
         return p;
     }
     // Whether the pixels of the window around a world point show the colour (inside) or
-    // the background (outside, `margin` pixels away from the square's projected box).
-    void expectSquare(OrvScene* s, const Orv3dVolume& v, unsigned long color, int margin = 3) {
+    // the background (outside, `m` pixels away from the square's projected box).
+    void expectSquare(OrvScene* s, const Orv3dVolume& v, unsigned long color, int m = 3) {
         Orv3dPoint a = toWindow(s, Orv3dPoint(v.x, v.y, v.z + v.d));
         Orv3dPoint b = toWindow(s, Orv3dPoint(v.x + v.w, v.y + v.h, v.z + v.d));
         int x0 = (int)std::min(a.x, b.x), x1 = (int)std::max(a.x, b.x);
         int y0 = (int)std::min(a.y, b.y), y1 = (int)std::max(a.y, b.y);
-        const int probes[][3] = {{(x0 + x1) / 2, (y0 + y1) / 2, 1},
-                                 {x0 + margin, y0 + margin, 1},
-                                 {x1 - margin, y1 - margin, 1},
-                                 {x0 - margin, y0, 0},
-                                 {x1 + margin, y1, 0},
-                                 {x0, y0 - margin, 0},
-                                 {x1, y1 + margin, 0}};
-        for (const auto& p : probes)
-            EXPECT_EQ(p[2] ? color : 0u, pixel(s, p[0], p[1]))
-                << "at " << p[0] << "," << p[1] << " of the square " << x0 << "," << y0 << " to "
+        // The middle and two corners within, four points beside the edges without.
+        const int x[] = {(x0 + x1) / 2, x0 + m, x1 - m, x0 - m, x1 + m, x0, x1},
+                  y[] = {(y0 + y1) / 2, y0 + m, y1 - m, y0, y1, y0 - m, y1 + m};
+        for (int i = 0; i < 7; i++)
+            EXPECT_EQ(i < 3 ? color : 0u, pixel(s, x[i], y[i]))
+                << "at " << x[i] << "," << y[i] << " of the square " << x0 << "," << y0 << " to "
                 << x1 << "," << y1;
     }
 };
