@@ -6,6 +6,9 @@
 #include "orv/base.h"
 #include "orv/geometry.h"
 #include "orv/region.h"
+#include "orv/event.h"
+
+#include <iosfwd>
 
 class OrvDirector;
 class OrvActor;
@@ -16,6 +19,7 @@ class OrvCamera;
 class OrvProducer;
 class OrvAccelerator;
 class OrvView;
+class OrvCallback;
 
 // The observer of a theater. Every call does nothing by default.
 class OrvTheaterHook {
@@ -180,6 +184,84 @@ public:
     // Hears the expose and resize of the scene's window, once; and no longer.
     void listen(OrvScene* scene);
     void stopListening(OrvScene* scene);
+
+    // ----- Picking ---------------------------------------------------------------
+    // The actor under a window point of the scene, nearest the eye, among those
+    // that have a role (role 1), may be highlighted (highlightable 1) and are
+    // of the type (null for any); the director's pick record tells where.
+    OrvActor* contains(const Orv2dPoint& point, const OrvScene* scene, unsigned long role,
+                       unsigned long highlightable, const char* type) const;
+    // The same over the handle regions of selected actors only.
+    OrvActor* containsDragger(const Orv2dPoint& point, const OrvScene* scene, unsigned long role,
+                              unsigned long highlightable, const char* type) const;
+
+    // ----- Input, focus and highlight ------------------------------------------------
+    // The scene's view callback: balloons, then accelerators, producers and actors.
+    virtual void handleInput(OrvView* view, const OrvEvent& event);
+    // The first accelerator that matches takes the event; 1 when one did.
+    virtual int dispatchToAccelerators(OrvScene* scene, const OrvEvent& event);
+    // Focus keys, the grabbing actor, the focus actor or the actor under the pointer.
+    virtual int dispatchToActors(OrvScene* scene, const OrvEvent& event);
+    int nofocusDispatch(OrvScene* scene, const OrvEvent& event);
+    virtual void setFocus(OrvActor* actor);
+    virtual void moveFocusAfter();
+    virtual void moveFocusBefore();
+    void sendFocusIn(OrvScene* scene, OrvActor* actor);
+    void sendFocusOut(OrvScene* scene, OrvActor* actor);
+    virtual OrvActor* getHighlighted() const;
+    virtual void setHighlighted(const Orv2dPoint& point, OrvActor* actor);
+
+    // ----- Selection, callbacks, clipboard --------------------------------------------
+    void deSelect();
+    // New array (delete[] by the caller); null when nothing is selected.
+    OrvActor** selections(unsigned& count) const;
+    OrvActor* selection(unsigned index) const;
+    // The selections' projected box in the scene's window.
+    Orv2dRect bboxSelections(const OrvScene* scene) const;
+    // Told by an actor whose selected state changed.
+    void makeSelected(OrvActor* actor);
+    // Moves the actor to layer number (made when missing); 1 done.
+    unsigned long makeLayer(OrvActor* actor, unsigned short number);
+    // Takes the actor out of the theater's tables (focus, grab, selection...),
+    // deleting it with deleteIt; 1 when it was there.
+    unsigned long clean(OrvActor* actor, unsigned long deleteIt);
+    void applyToSelections(void (*function)(OrvActor*, void*), void* data);
+    // A theater has no grid: the point itself.
+    Orv3dPoint snapToGrid(const Orv3dPoint& point) const { return point; }
+    virtual void callCallback(OrvActor* actor, OrvScene* scene) const;
+    void registerCallback(const char* name, OrvCallback* callback);
+    OrvCallback* getCallback(const char* name) const;
+    void removeCallback(const char* name);
+    // The selections to the X clipboard as .orv text; cut removes them too.
+    virtual void cut();
+    virtual void copy();
+    // Reads the clipboard's actors into layer 0, their box's centre at where; select selects them.
+    virtual void paste(const Orv3dPoint& where, unsigned long select);
+
+    // ----- Accelerators and producers ------------------------------------------------
+    void add(OrvAccelerator* accelerator);
+    void remove(OrvAccelerator* accelerator);
+    // Deletes them all with deleteThem, else only forgets them.
+    void removeAccelerators(unsigned long deleteThem);
+    void deleteAccelerators(OrvEventType type, unsigned short key, unsigned short modifiers);
+    // The 26 default keys; flag adds the trackball's.
+    void installAccelerators(unsigned long flag);
+    // The current producer of the producer's scene (null: none for that scene).
+    void setProducer(OrvProducer* producer);
+    void pushProducer(OrvProducer* producer);
+    void remove(OrvProducer* producer);
+    OrvProducer* getProducer(const OrvScene* scene) const;
+
+    // ----- Files --------------------------------------------------------------------
+    // The 3D stream: the actors, then the default scene when one is given.
+    virtual void save(const char* file, const OrvScene* defaultScene = nullptr);
+    virtual void save(std::ostream& out, const OrvScene* defaultScene = nullptr);
+    // Appends what the stream holds (at layer when it is not negative); the default
+    // scene comes back through scene (null without one). 1 read, 0 after the message.
+    virtual unsigned long read(const char* file, OrvScene*& scene, int layer);
+    virtual unsigned long read(std::istream& in, OrvScene*& scene, int layer);
+    unsigned long read(const char* file, int layer);
+    unsigned long read(std::istream& in, int layer);
 
     // ----- Hooks ----------------------------------------------------------------
     void install(OrvTheaterHook* hook);
