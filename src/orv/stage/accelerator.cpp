@@ -12,6 +12,7 @@
 #include "orv/resource.h"
 #include "orv/stage.h"
 #include "orv/theater.h"
+#include "count_report.h"
 #include "route_internal.h"
 
 unsigned short OrvTabKey = 9;

@@ -1,6 +1,5 @@
-// Shared by the routing sources: the walk over all stages, the record of
-// which stage of a director holds the highlighted actor, and the count report
-// that the stage's and the theater's accelerators print.
+// Shared by the routing sources: the walk over all stages and the record of
+// which stage of a director holds the highlighted actor.
 #ifndef ORV_STAGE_ROUTE_INTERNAL_H
 #define ORV_STAGE_ROUTE_INTERNAL_H
 
@@ -14,8 +13,5 @@ void OrvForEachPlainStage(void (*visit)(OrvStage*, void*), void* data);
 // The stage of the director that has a highlighted actor, or null.
 OrvStage* OrvGetHighlightStage(const OrvDirector* director);
 void OrvSetHighlightStage(OrvDirector* director, OrvStage* stage);
-
-// The count accelerators' report of the director's make-up and colour tables.
-void OrvReportTables(OrvDirector* director);
 
 #endif
