@@ -54,5 +54,6 @@ awk 'BEGIN { pi = atan2(0, -1); n = 24; m = 12
 run mesh_import "$OUT/torus.obj" "$OUT/mesh_import.orv" 40
 run frames --shots "$OUT"
 run scene_hello --shot "$OUT/scene_hello.ppm"
+run theater_editor --script "$OUT"
 topng
 echo "screenshots:"; ls -1 "$OUT" 2>/dev/null || true

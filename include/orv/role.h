@@ -159,7 +159,7 @@ public:
         : type(onType), key(onKey), modifiers(onModifiers) {}
     OrvAccelerator(const OrvAccelerator&) = delete;
     OrvAccelerator& operator=(const OrvAccelerator&) = delete;
-    // Unlinks itself from every stage that holds it.
+    // Unlinks itself from every stage and every theater that holds it.
     virtual ~OrvAccelerator();
     virtual int match(const OrvEvent& event) const;
     virtual int input2d(OrvStage* stage, const OrvEvent& event);
@@ -174,6 +174,7 @@ public:
                        unsigned long zoomIn, float zoomFactor)
         : OrvAccelerator(onType, onKey, onModifiers), in(zoomIn), factor(zoomFactor) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvTranslateAccelerator : public OrvAccelerator {
@@ -184,30 +185,35 @@ public:
                             OrvPosition towards, float sizeDivisor)
         : OrvAccelerator(onType, onKey, onModifiers), direction(towards), divisor(sizeDivisor) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvIdentityAccelerator : public OrvAccelerator {
 public:
     using OrvAccelerator::OrvAccelerator;
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvDuplicateAccelerator : public OrvAccelerator {
 public:
     using OrvAccelerator::OrvAccelerator;
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvFitTransformerAccelerator : public OrvAccelerator {
 public:
     using OrvAccelerator::OrvAccelerator;
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvRotateAccelerator : public OrvAccelerator {
 public:
     using OrvAccelerator::OrvAccelerator;
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvSelectAccelerator : public OrvAccelerator {
@@ -217,6 +223,7 @@ public:
                          unsigned long selectAll)
         : OrvAccelerator(onType, onKey, onModifiers), select(selectAll) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvDeleteAccelerator : public OrvAccelerator {
@@ -226,6 +233,7 @@ public:
                          unsigned long stageReadOnly)
         : OrvAccelerator(onType, onKey, onModifiers), readOnly(stageReadOnly) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvCutAccelerator : public OrvAccelerator {
@@ -235,24 +243,63 @@ public:
                       unsigned long stageReadOnly)
         : OrvAccelerator(onType, onKey, onModifiers), readOnly(stageReadOnly) {}
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvCopyAccelerator : public OrvAccelerator {
 public:
     using OrvAccelerator::OrvAccelerator;
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvPasteAccelerator : public OrvAccelerator {
 public:
     using OrvAccelerator::OrvAccelerator;
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 class OrvCountAccelerator : public OrvAccelerator {
 public:
     using OrvAccelerator::OrvAccelerator;
     int input2d(OrvStage* stage, const OrvEvent& event) override;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
+};
+
+// The theater's own: on a stage they do nothing.
+
+// Toggles the double buffering of the scene.
+class OrvUseDoubleBufferingAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
+};
+
+// Looks at the theater's contents from one side (the name is the one files and
+// programs know).
+class OrvLooakAtAccelerator : public OrvAccelerator {
+public:
+    OrvPosition position;  // OrvFront, OrvBack, OrvTop, OrvBottom, OrvLeft, OrvRight
+    float margin;          // 0: the largest side of the contents' box
+    OrvLooakAtAccelerator(OrvEventType onType, unsigned short onKey, unsigned short onModifiers,
+                          OrvPosition side, float eyeMargin)
+        : OrvAccelerator(onType, onKey, onModifiers), position(side), margin(eyeMargin) {}
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
+};
+
+// Toggles the trackball selection of each selected actor.
+class OrvTrackBallAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
+};
+
+// Toggles whether the theater's actors may be selected in the scene.
+class OrvSelectableAccelerator : public OrvAccelerator {
+public:
+    using OrvAccelerator::OrvAccelerator;
+    int input3d(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) override;
 };
 
 // The key that moves the focus on its release.

@@ -3,9 +3,6 @@
 #include "orv/theater.h"
 
 void OrvTheater::handleInput(OrvView*, const OrvEvent&) {}
-int OrvTheater::dispatchToAccelerators(OrvScene*, const OrvEvent&) {
-    return 0;
-}
 int OrvTheater::dispatchToActors(OrvScene*, const OrvEvent&) {
     return 0;
 }

@@ -168,8 +168,8 @@ OrvTheater::~OrvTheater() {
         layers.remove(l);
         delete l;
     }
-    for (OrvLink* l = accelerators.first; l; l = l->next) delete (OrvAccelerator*)l->value;
-    while (accelerators.first) accelerators.remove(accelerators.first->value);
+    // Each accelerator leaves every theater as it goes.
+    removeAccelerators(1);
     while (hooks.first) {
         OrvTheaterHook* hook = (OrvTheaterHook*)hooks.first->value;
         remove(hook);

@@ -1,5 +1,5 @@
 // Accelerators: the base matching rule, the stage's list operations and the
-// default table of a stage.
+// default table of a stage. Their 3D halves live with the scene (accelerator3d.cpp).
 #include "orv/undo.h"
 #include "orv/role.h"
 
@@ -11,6 +11,8 @@
 #include "orv/makeup.h"
 #include "orv/resource.h"
 #include "orv/stage.h"
+#include "orv/theater.h"
+#include "count_report.h"
 #include "route_internal.h"
 
 unsigned short OrvTabKey = 9;
@@ -25,6 +27,13 @@ static void OrvRemoveAcceleratorFrom(OrvStage* stage, void* accelerator) {
 
 OrvAccelerator::~OrvAccelerator() {
     OrvForEachPlainStage(OrvRemoveAcceleratorFrom, this);
+    OrvList* directors = OrvGetAllDirectors();
+    if (!directors) return;
+    for (OrvLink* d = directors->first; d; d = d->next) {
+        OrvList* theaters = ((OrvDirector*)d->value)->theaters;
+        for (OrvLink* t = theaters ? theaters->first : nullptr; t; t = t->next)
+            ((OrvTheater*)t->value)->remove(this);
+    }
 }
 
 int OrvAccelerator::match(const OrvEvent& event) const {
@@ -158,7 +167,7 @@ int OrvPasteAccelerator::input2d(OrvStage* stage, const OrvEvent& event) {
 }
 
 // The director's shared tables, as a developer wants to see them.
-static void OrvReportTables(OrvDirector* d) {
+void OrvReportTables(OrvDirector* d) {
     OrvMakeUpHashTable* makeUps = d->makeUps;
     if (makeUps) {
         unsigned long entries = 0;

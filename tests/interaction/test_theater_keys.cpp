@@ -1,0 +1,259 @@
+// The theater's accelerators: the list, the 26 default keys typed through XTest on a scene's
+// window, and what each does to the scene's camera, the theater's selections and the scene.
+#include "../theater/theater_support.h"
+
+#include <typeinfo>
+
+#include "orv/actor3d.h"
+
+// A box of six faces over the volume's corners, with a saved form.
+static OrvActor* Box(OrvDirector* d, const Orv3dVolume& v) {
+    Orv3dPoint* p = new Orv3dPoint[8];
+    for (unsigned i = 0; i < 8; i++)
+        p[i] =
+            Orv3dPoint(v.x + (i & 1 ? v.w : 0), v.y + (i & 2 ? v.h : 0), v.z + (i & 4 ? v.d : 0));
+    OrvShare* points = new OrvShare(8, p, 0, 1);
+    points->lock();
+    OrvFaceSet* set = new OrvFaceSet(0);
+    const unsigned quads[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4},
+                                  {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
+    for (const auto& q : quads) {
+        OrvFace* f = new OrvFace;
+        f->setIndexed(points, nullptr, nullptr, nullptr, nullptr);
+        f->setIndex(0, 4, q, nullptr, nullptr, nullptr, nullptr);
+        set->add(f);
+    }
+    points->unLock();
+    return new Orv3dActorFaceSet(d, set);
+}
+
+class KeysTest : public TheaterTest {
+protected:
+    OrvCamera* camera = nullptr;
+    OrvActor* a = nullptr;
+    void SetUp() override {
+        TheaterTest::SetUp();
+        if (!director) return;
+        theater->installAccelerators(0);
+        camera = scene->currentCamera();
+        acceleratorsOnly(scene);
+        theater->append(a = Box(director, Orv3dVolume(-0.125f, -0.25f, -0.25f, 0.25f, 0.5f, 0.5f)));
+    }
+    // The window's decoded events go to the accelerators alone, as handleInput offers them.
+    void acceleratorsOnly(OrvScene* s) {
+        OrvAList& calls = s->interior->inputCallbacks;
+        while (calls.first) calls.remove(calls.first->key);
+        s->interior->onInput(
+            [](OrvView* view, const OrvEvent& e, void* t) {
+                OrvTheater* owner = (OrvTheater*)t;
+                owner->dispatchToAccelerators(owner->sceneOfView(view), e);
+            },
+            s->getTheater());
+    }
+    // A key typed with the pointer in the middle of the scene.
+    void key(unsigned long keysym, unsigned long modifier = XK_Control_L, OrvScene* s = nullptr) {
+        s = s ? s : scene;
+        OrvTestMoveIn(dpy, s->drawingCanvas(), 150, 100);
+        OrvTestFocus(dpy, s->drawingCanvas());
+        OrvTestType(dpy, keysym, modifier);
+        settle(60);
+    }
+};
+
+static void PrintTo(const Orv3dMatrix& m, std::ostream* out) {
+    for (int i = 0; i < 16; i++) *out << (i % 4 ? " " : i ? " | " : "") << m.m[i];
+}
+
+static Orv3dMatrix Rows(std::initializer_list<float> v) {
+    return Orv3dMatrix(std::vector<float>(v).data());
+}
+
+TEST_F(KeysTest, TheTwentySixInOrder) {
+    const unsigned short keys[] = {26, 21, 551, 550, 553, 552, 15, 4,  6,  18, 1,  2,  127,
+                                   24, 3,  22,  14,  11,  49,  50, 51, 52, 53, 54, 20, 12};
+    const std::type_info* types[] = {&typeid(OrvZoomAccelerator),
+                                     &typeid(OrvTranslateAccelerator),
+                                     &typeid(OrvIdentityAccelerator),
+                                     &typeid(OrvDuplicateAccelerator),
+                                     &typeid(OrvFitTransformerAccelerator),
+                                     &typeid(OrvRotateAccelerator),
+                                     &typeid(OrvSelectAccelerator),
+                                     &typeid(OrvDeleteAccelerator),
+                                     &typeid(OrvCutAccelerator),
+                                     &typeid(OrvCopyAccelerator),
+                                     &typeid(OrvPasteAccelerator),
+                                     &typeid(OrvCountAccelerator),
+                                     &typeid(OrvUseDoubleBufferingAccelerator),
+                                     &typeid(OrvLooakAtAccelerator),
+                                     &typeid(OrvTrackBallAccelerator),
+                                     &typeid(OrvSelectableAccelerator)};
+    const int type[] = {0, 0, 1,  1,  1,  1,  2,  3,  4,  5,  6,  6,  7,
+                        8, 9, 10, 11, 12, 13, 13, 13, 13, 13, 13, 14, 15};
+    ASSERT_EQ(26u, theater->accelerators.length());
+    unsigned i = 0;
+    for (OrvLink* l = theater->accelerators.first; l; l = l->next, i++) {
+        OrvAccelerator* acc = (OrvAccelerator*)l->value;
+        EXPECT_TRUE(acc->key == keys[i] && typeid(*acc) == *types[type[i]] &&
+                    acc->type == OrvKeyDown && !acc->modifiers)
+            << i;
+    }
+}
+
+// Each camera key from the default camera (identity from another one): the matrices exactly.
+TEST_F(KeysTest, CameraKeysSetTheMatrices) {
+    const Orv3dMatrix O0 = Rows({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, -1, 0, 0, 0, 1});
+    const Orv3dMatrix M0 = Rows({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -0.1f, 0, 0, 0, 0, 1});
+    const float t = 2 / 0.75f;
+    const struct {
+        unsigned long keysym, modifier;
+        Orv3dMatrix orientation, mapping;
+    } rows[] = {
+        {XK_z, XK_Control_L, O0, Rows({2, 0, 0, 0, 0, 2, 0, 0, 0, 0, -0.1f, 0, 0, 0, 0, 1})},
+        {XK_u, XK_Control_L, O0, Rows({0.5f, 0, 0, 0, 0, 0.5f, 0, 0, 0, 0, -0.1f, 0, 0, 0, 0, 1})},
+        {XK_Left, 0, Rows({1, 0, 0, -0.25f, 0, 1, 0, 0, 0, 0, 1, -1, 0, 0, 0, 1}), M0},
+        {XK_Up, 0, Rows({1, 0, 0, 0, 0, 1, 0, 0.25f, 0, 0, 1, -1, 0, 0, 0, 1}), M0},
+        {XK_Right, 0, Rows({1, 0, 0, 0.25f, 0, 1, 0, 0, 0, 0, 1, -1, 0, 0, 0, 1}), M0},
+        {XK_Down, 0, Rows({1, 0, 0, 0, 0, 1, 0, -0.25f, 0, 0, 1, -1, 0, 0, 0, 1}), M0},
+        {XK_o, XK_Control_L, O0, M0},
+        {XK_r, XK_Control_L, Rows({0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 1, -1, 0, 0, 0, 1}), M0},
+        // The box's radius is 0.375: the eye 1.5 radii away, the volume from half a radius.
+        {XK_f, XK_Control_L, Rows({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, -0.5625f, 0, 0, 0, 1}),
+         Rows({t, 0, 0, 0, 0, t, 0, 0, 0, 0, -t, -1.5f, 0, 0, 0, 1})}};
+    for (const auto& row : rows) {
+        camera->defaultCamera();
+        if (row.keysym == XK_o)
+            camera->lookAt(Orv3dPoint(3, 2, 1), Orv3dPoint(), Orv3dVector(0, 1, 0));
+        key(row.keysym, row.modifier);
+        EXPECT_EQ(row.orientation, camera->orientation()) << XKeysymToString(row.keysym);
+        EXPECT_EQ(row.mapping, camera->mapping()) << XKeysymToString(row.keysym);
+    }
+    // In perspective the fit keeps the near plane in front of the eye: half a radius.
+    camera->perspective(Orv3dRect(-1, -1, 2, 2), 1, 20);
+    key(XK_f);
+    EXPECT_TRUE(camera->isPerspective() && camera->nearDistance() == 0.1875f);
+}
+
+// Digits 1 to 6: the eye a largest side (0.5) away from the contents' box, and the up.
+TEST_F(KeysTest, DigitsLookFromTheSixSides) {
+    const std::vector<float> rows[] = {{0, 0, 0.75f, 0, 1, 0},   {0, 0, -0.75f, 0, 1, 0},
+                                       {0, 0.75f, 0, 0, 0, 1},   {0, -0.75f, 0, 0, 0, 1},
+                                       {-0.625f, 0, 0, 0, 1, 0}, {0.625f, 0, 0, 0, 1, 0}};
+    for (int i = 0; i < 6; i++) {
+        key(XK_1 + i, 0);
+        Orv3dPoint eye = camera->position();
+        Orv3dVector up = camera->lookUp();
+        EXPECT_EQ(rows[i], std::vector<float>({eye.x, eye.y, eye.z, up.x, up.y, up.z})) << i + 1;
+    }
+}
+
+TEST_F(KeysTest, SelectDuplicateDeleteCountAndTheToggles) {
+    OrvActor* b = Box(director, Orv3dVolume(0.375f, 0.25f, 0, 0.25f, 0.25f, 0.1f));
+    theater->append(b, 1);
+    key(XK_a);
+    EXPECT_TRUE(a->isSelected() && b->isSelected());
+    key(XK_b);
+    EXPECT_FALSE(a->isSelected() || b->isSelected());
+    // Copies a tenth of the selections' box (0.75 by 0.75) further, in layer 0, selected.
+    a->setSelected(1), b->setSelected(1);
+    key(XK_d);
+    unsigned n = 0;
+    OrvActor** copies = theater->selections(n);
+    ASSERT_EQ(2u, n);
+    EXPECT_EQ(4u, theater->cardinal());
+    EXPECT_FALSE(a->isSelected() || b->isSelected());
+    const float step = 0.75f / 10;
+    for (unsigned i = 0; i < n; i++) {
+        ASSERT_TRUE(copies[i] != a && copies[i] != b && copies[i]->to3dWorld());
+        EXPECT_EQ(0u, copies[i]->getLayer());
+        EXPECT_EQ(Rows({1, 0, 0, step, 0, 1, 0, step, 0, 0, 1, 0, 0, 0, 0, 1}),
+                  *copies[i]->to3dWorld());
+    }
+    // Control-T toggles the trackball selection of the selected copies only.
+    key(XK_t);
+    EXPECT_TRUE(copies[0]->trackBallSelection() && !a->trackBallSelection());
+    delete[] copies;
+    key(XK_Delete, 0);
+    EXPECT_EQ(2u, theater->cardinal());
+    EXPECT_EQ(nullptr, theater->selections(n));
+    std::string report = OrvTestOutput([&] { key(XK_n); });
+    EXPECT_EQ(0u, report.find("Found 2 objects in theater ...\nMakeUp's hash table report : "))
+        << report;
+    // Control-K and control-L toggle the double buffering and the selectability in the scene.
+    for (unsigned long on : {0ul, 1ul}) {
+        key(XK_k);
+        key(XK_l);
+        EXPECT_EQ(std::make_pair(on, 1 - on),
+                  std::make_pair(scene->doubleBuffer, theater->isSelectable(scene)));
+    }
+}
+
+// Offered events: counts them and declines.
+class Counting3d : public OrvAccelerator {
+public:
+    int* calls;
+    Counting3d(int* c, unsigned short mods) : OrvAccelerator(OrvKeyDown, 'q', mods), calls(c) {}
+    int input3d(OrvTheater*, OrvScene*, const OrvEvent&) override { return ++*calls, 0; }
+};
+
+TEST_F(KeysTest, FirstMatchTakesTheEventAndDeletedAcceleratorsLeave) {
+    OrvEvent e;
+    memset(&e, 0, sizeof e);
+    e.type = OrvKeyDown, e.key = 'q', e.modifiers = 1;
+    int any = 0, plain = 0;
+    Counting3d* first = new Counting3d(&any, OrvAnyModifiers);
+    Counting3d* second = new Counting3d(&plain, 0);
+    theater->add(first), theater->add(second), stage->add(first);
+    EXPECT_EQ(1, theater->dispatchToAccelerators(scene, e));
+    theater->remove(first);
+    EXPECT_EQ(0, theater->dispatchToAccelerators(scene, e));
+    e.modifiers = 0;
+    EXPECT_EQ(1, theater->dispatchToAccelerators(scene, e));
+    EXPECT_EQ(std::make_pair(1, 1), std::make_pair(any, plain));
+    delete second;
+    delete first;
+    EXPECT_EQ(std::make_pair(26u, 0u),
+              std::make_pair(theater->accelerators.length(), stage->accelerators.length()));
+    theater->deleteAccelerators(OrvKeyDown, 49, 0);
+    EXPECT_EQ(25u, theater->accelerators.length());
+    theater->deleteAccelerators(OrvKeyDown, 0, 0);
+    theater->add(first = new Counting3d(&any, 0));
+    theater->removeAccelerators(0);
+    EXPECT_EQ(0u, theater->accelerators.length());
+    delete first;
+}
+
+// Waits for the theater's input routing: keys reach the accelerators through handleInput.
+TEST_F(KeysTest, KeysReachTheAcceleratorsThroughHandleInput) {
+    OrvScene* other = newScene(Orv2dRect(330, 30, 160, 200));
+    key(XK_z, XK_Control_L, other);
+    EXPECT_EQ(std::make_pair(2.0f, 1.0f),
+              std::make_pair(other->currentCamera()->mapping()(0, 0), camera->mapping()(0, 0)));
+}
+
+// Waits for the theater's clipboard: control-C here, control-V in a theater of another
+// director on the same display (the box's centre under the pointer), control-X here.
+TEST_F(KeysTest, CopyPasteAcrossDirectorsAndCut) {
+    a->setSelected(1);
+    key(XK_c);
+    OrvDirector* second = new OrvDirector("keys2", nullptr, 0, nullptr);
+    OrvStage* farStage = new OrvStage(second, Orv2dRect(0, 300, 340, 240), "far", 0, 1);
+    OrvTheater* far = new OrvTheater(second);
+    far->installAccelerators(0);
+    OrvScene* farScene = new OrvScene(second, Orv2dRect(20, 20, 300, 200), 1, nullptr);
+    far->connect(farScene, farStage, 0);
+    EXPECT_TRUE(OrvTestWaitViewable(dpy, farScene->drawingCanvas()));
+    acceleratorsOnly(farScene);
+    key(XK_v, XK_Control_L, farScene);
+    OrvActor* pasted = far->cardinal() == 1 ? far->layer(0)->object(0) : nullptr;
+    ASSERT_NE(nullptr, pasted);
+    EXPECT_EQ(std::string("Orv3dActorFaceSet") + " " + std::to_string(a->bbox3d(0).w),
+              std::string(pasted->className()) + " " + std::to_string(pasted->bbox3d(0).w));
+    Orv3dPoint centre = toWindow(farScene, pasted->bbox3d(1).center());
+    EXPECT_TRUE(fabs(centre.x - 150) <= 1 && fabs(centre.y - 100) <= 1)
+        << centre.x << "," << centre.y;
+    key(XK_x);
+    EXPECT_EQ(0u, theater->cardinal());
+    delete far;
+    delete farStage;
+    delete second;
+}
