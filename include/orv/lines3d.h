@@ -129,7 +129,8 @@ enum OrvWallAxis {
 
 // A square grid of cells x cells squares of side `size`, from the corner
 // towards the positive side of its two axes (negative sizes go the other way),
-// drawn as cells + 1 lines each way through OrvScene::line.
+// drawn as cells + 1 lines each way through OrvScene::line. An axis out of
+// range is said and taken as OrvWallX.
 class Orv3dWall : public Orv3dActor {
 public:
     Orv3dPoint corner;

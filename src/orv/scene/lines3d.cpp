@@ -453,7 +453,10 @@ Orv3dWall::Orv3dWall(OrvDirector* director, const Orv3dPoint& c, unsigned n, con
                      OrvWallAxis a, OrvMakeUp* look)
     : Orv3dActor(director, look), corner(c), cells(n), size(s), axis(a) {
     removeProperty(OrvLightBit);
-    if ((unsigned)axis > OrvWallZ) axis = OrvWallZ;
+    if ((unsigned)axis > OrvWallZ) {
+        OrvError("Orv3dWall::Orv3dWall : Bad axis (%lu).\n", (unsigned long)axis);
+        axis = OrvWallX;
+    }
 }
 
 Orv3dWall::Orv3dWall(const Orv3dWall& source)
