@@ -27,7 +27,7 @@ protected:
         if (director) OrvRelease(green);
         TheaterTest::TearDown();
     }
-    // Orthographic, 100 pixels a unit, the origin in the middle of the window.
+    // Orthographic, on the origin; toWindow tells where a point lands.
     void look(const Orv3dPoint& eye, const Orv3dVector& up) {
         scene->currentCamera()->lookAt(eye, Orv3dPoint(0, 0, 0), up);
         scene->currentCamera()->orthographic(Orv3dRect(-1.5f, -1, 3, 2), 1, 10);
@@ -68,18 +68,17 @@ TEST_F(Lines3dTest, PathsPassThroughTheirPoints) {
     Orv3dCurvePath* curve = new Orv3dCurvePath(director, 7, controls, 6, green);
     const struct {
         Orv3dSplinePath* path;
-        std::vector<unsigned> through;
+        unsigned stride;  // between the controls it passes through
         Orv3dPoint half;  // the path at t = 1/2 of the span from the second point
-    } rows[] = {
-        {spline, {0, 1, 2, 3, 4, 5, 6}, mix({-1 / 16.f, 9 / 16.f, 9 / 16.f, -1 / 16.f}, controls)},
-        {curve, {0, 3, 6}, mix({1 / 8.f, 3 / 8.f, 3 / 8.f, 1 / 8.f}, controls)}};
+    } rows[] = {{spline, 1, mix({-1 / 16.f, 9 / 16.f, 9 / 16.f, -1 / 16.f}, controls)},
+                {curve, 3, mix({1 / 8.f, 3 / 8.f, 3 / 8.f, 1 / 8.f}, controls)}};
     for (const auto& row : rows) {
         show(row.path);
         const Orv3dPoint* p = row.path->points();
-        ASSERT_EQ((row.through.size() - 1) * 6 + 1, row.path->count());
-        for (size_t i = 0; i < row.through.size(); i++) {
-            EXPECT_EQ(controls[row.through[i]], p[i * 6]) << i;
-            EXPECT_TRUE(near(controls[row.through[i]], 0x00ff00)) << i;
+        ASSERT_EQ(6 / row.stride * 6 + 1, row.path->count());
+        for (unsigned c = 0; c < 7; c += row.stride) {
+            EXPECT_EQ(controls[c], p[c / row.stride * 6]) << c;
+            EXPECT_TRUE(near(controls[c], 0x00ff00)) << c;
         }
         Orv3dPoint h = p[row.path == spline ? 9 : 3];
         EXPECT_LT(std::fabs(h.x - row.half.x) + std::fabs(h.y - row.half.y), 1e-5);
@@ -109,10 +108,9 @@ TEST_F(Lines3dTest, PolylineWithoutMakeUpIsDashed) {
     OrvMakeUp* solid = director->makeUpForeground(director->defaultMakeUp, director->color("red"));
     for (OrvMakeUp* given : {(OrvMakeUp*)nullptr, solid}) {
         Orv3dPolyline* line = show(new Orv3dPolyline(director, 2, ends, given));
-        EXPECT_EQ(
-            given ? given
-                  : director->makeUpLineStyle(director->defaultMakeUp, director->lineStyle("dash")),
-            line->getMakeUp());
+        OrvMakeUp* dashed =
+            director->makeUpLineStyle(director->defaultMakeUp, director->lineStyle("dash"));
+        EXPECT_EQ(given ? given : dashed, line->getMakeUp());
         line->setMakeUp(director->makeUpForeground(line->getMakeUp(), director->color("white")));
         settle();
         std::string row;  // 80 pixels inside the row that the line lit
@@ -133,8 +131,8 @@ TEST_F(Lines3dTest, PolylineWithoutMakeUpIsDashed) {
     EXPECT_TRUE(near(Orv3dPoint(0, -0.5f, 0), 0x00ff00));
 }
 
-// Each wall seen face on: every cell's edges are drawn and its middle is not, 40 pixels a cell
-// (0.4 units). The three walls draw what the three single walls draw.
+// Each wall seen face on: the edges of every 0.4-unit cell are drawn and its middle is not. The
+// three walls draw what the three single walls draw.
 TEST_F(Lines3dTest, WallsAreGridsOfTheirCellSize) {
     if (!director) return;
     const Orv3dPoint eyes[3] = {{5, 0, 0}, {0, 5, 0}, {0, 0, 5}};
@@ -143,30 +141,28 @@ TEST_F(Lines3dTest, WallsAreGridsOfTheirCellSize) {
     for (int axis = 0; axis < 3; axis++) {
         look(eyes[axis], ups[axis]);
         Orv3dWall* wall = show(new Orv3dWall(director, corner, 4, 0.4f, (OrvWallAxis)axis, green));
+        auto at = [&](float u, float v) {  // the wall's point u, v from the corner
+            Orv3dPoint p = corner;
+            (axis == 0 ? p.y : p.x) += u, (axis == 2 ? p.y : p.z) += v;
+            return near(p, 0x00ff00);
+        };
         for (int i = 0; i < 4; i++)
             for (int j = 0; j < 4; j++) {
-                // The middle of cell i, j, and of its edges before it on either axis.
-                Orv3dPoint at[3] = {corner, corner, corner};
-                for (int k = 0; k < 3; k++) {
-                    (axis == 0 ? at[k].y : at[k].x) += 0.4f * i + (k == 1 ? 0 : 0.2f);
-                    (axis == 2 ? at[k].y : at[k].z) += 0.4f * j + (k == 2 ? 0 : 0.2f);
-                    EXPECT_EQ(k > 0, near(at[k], 0x00ff00)) << axis << ": " << i << "," << j;
-                }
+                EXPECT_FALSE(at(0.4f * i + 0.2f, 0.4f * j + 0.2f)) << axis << ": " << i << "," << j;
+                EXPECT_TRUE(at(0.4f * i, 0.4f * j + 0.2f)) << axis << ": " << i << "," << j;
+                EXPECT_TRUE(at(0.4f * i + 0.2f, 0.4f * j)) << axis << ": " << i << "," << j;
             }
+        EXPECT_TRUE(at(1.6f, 1.6f) && !at(1.7f, 1.7f)) << axis;
         delete wall;
     }
     look(Orv3dPoint(3, 2, 4), Orv3dVector(0, 1, 0));
-    std::vector<unsigned long> single[2];
-    Orv3dWalls* walls = new Orv3dWalls(director, corner, 4, 0.4f, green);
-    for (int k = 0; k < 2; k++) {
-        if (k) show(walls);
-        for (int axis = 0; !k && axis < 3; axis++)
-            show(new Orv3dWall(director, corner, 4, 0.4f, (OrvWallAxis)axis, green));
-        single[k] = snapshot(scene->interior);
-        if (!k) theater->empty(1);
-    }
-    EXPECT_TRUE(single[0] == single[1]);
-    EXPECT_LT(1000, std::count(single[1].begin(), single[1].end(), 0x00ff00ul));
+    for (int axis = 0; axis < 3; axis++)
+        show(new Orv3dWall(director, corner, 4, 0.4f, (OrvWallAxis)axis, green));
+    std::vector<unsigned long> three = snapshot(scene->interior);
+    theater->empty(1);
+    Orv3dWalls* walls = show(new Orv3dWalls(director, corner, 4, 0.4f, green));
+    EXPECT_TRUE(three == snapshot(scene->interior));
+    EXPECT_LT(1000, std::count(three.begin(), three.end(), 0x00ff00ul));
     EXPECT_EQ(Orv3dVolume(-0.8f, -0.8f, -0.8f, 1.6f, 1.6f, 1.6f), walls->bbox3d(0));
 }
 
@@ -176,26 +172,110 @@ TEST_F(Lines3dTest, PickedAlongTheirLines) {
 #ifndef ORV_PICK_MERGED
     GTEST_SKIP() << "needs OrvPick3dLine";
 #else
-    const Orv3dPoint zig[3] = {{-1, -0.5f, 0}, {0, 0.5f, 0}, {1, -0.5f, 0}};
-    OrvActor* actors[] = {new Orv3dLine(director, zig[0], zig[1], green),
-                          new Orv3dPolyline(director, 3, zig, green),
-                          new Orv3dSplinePath(director, 3, zig, 4, green),
-                          new Orv3dWall(director, Orv3dPoint(-1, -1, 0), 5, 0.4f, OrvWallZ, green),
-                          new Orv3dWalls(director, Orv3dPoint(-1, -1, 0), 5, 0.4f, green)};
+    const Orv3dPoint zig[3] = {{-1, -0.5f, 0}, {0, 0.5f, 0}, {1, -0.5f, 0}}, low(-1, -1, 0);
     const struct {
+        OrvActor* actor;
         Orv3dPoint hit, miss;
-    } at[] = {{{-0.5f, 0, 0}, {-0.5f, 0.1f, 0}},
-              {{0.5f, 0, 0}, {0.5f, 0.1f, 0}},
-              {{0, 0.5f, 0}, {0, 0.6f, 0}},
-              {{-0.2f, 0.1f, 0}, {-0.1f, 0.1f, 0}},
-              {{0.2f, -0.3f, 0}, {-0.1f, -0.3f, 0}}};
-    for (int i = 0; i < 5; i++) {
-        owned.push_back(actors[i]);
-        Orv3dPoint h = toWindow(scene, at[i].hit), m = toWindow(scene, at[i].miss);
-        EXPECT_EQ(1u, actors[i]->contains3d(Orv2dPoint((long)h.x, (long)h.y), scene)) << i;
-        EXPECT_EQ(OrvPickLine, director->pick3dRecord().type) << i;
-        EXPECT_EQ(actors[i], director->pick3dRecord().actor) << i;
-        EXPECT_EQ(0u, actors[i]->contains3d(Orv2dPoint((long)m.x, (long)m.y), scene)) << i;
+    } rows[] = {
+        {new Orv3dLine(director, zig[0], zig[1], green), {-0.5f, 0, 0}, {-0.5f, 0.25f, 0}},
+        {new Orv3dPolyline(director, 3, zig, green), {0.5f, 0, 0}, {0.5f, 0.25f, 0}},
+        {new Orv3dSplinePath(director, 3, zig, 4, green), {0, 0.5f, 0}, {0, 0.75f, 0}},
+        {new Orv3dWall(director, low, 5, 0.4f, OrvWallZ, green), {-0.2f, 0, 0}, {-0.4f, 0, 0}},
+        {new Orv3dWalls(director, low, 5, 0.4f, green), {0.2f, -0.3f, 0}, {0, -0.4f, 0}}};
+    for (const auto& row : rows) {
+        owned.push_back(row.actor);
+        Orv3dPoint h = toWindow(scene, row.hit), m = toWindow(scene, row.miss);
+        EXPECT_EQ(1u, row.actor->contains3d(Orv2dPoint((long)h.x, (long)h.y), scene));
+        EXPECT_EQ(OrvPickLine, director->pick3dRecord().type);
+        EXPECT_EQ(row.actor, director->pick3dRecord().actor) << row.actor->className();
+        EXPECT_EQ(0u, row.actor->contains3d(Orv2dPoint((long)m.x, (long)m.y), scene));
     }
 #endif
+}
+
+// ---------------------------------------------------------------------------
+// Saved forms
+// ---------------------------------------------------------------------------
+
+class Lines3dStreamTest : public XTest {
+protected:
+    std::vector<OrvActor*> all;
+    void TearDown() override {
+        for (OrvActor* a : all) delete a;
+        XTest::TearDown();
+    }
+    static std::string save(const std::vector<OrvActor*>& list) {
+        std::ostringstream out;
+        OrvOStream writer(out);
+        writer.write((unsigned)list.size(), list.data(), 0);
+        writer.eof();
+        return out.str().substr(out.str().find('\n'));  // without the date line
+    }
+    // What could be read, up to the first object that could not; the caller deletes it.
+    std::vector<OrvActor*> load(const std::string& text) {
+        std::istringstream in("% Orvis 1 date" + text);
+        OrvIStream reader(director, in);
+        unsigned n = 0;
+        OrvActor** read = reader.read(n, 0);
+        std::vector<OrvActor*> result;
+        for (unsigned i = 0; read && i < n && read[i]; i++) result.push_back(read[i]);
+        delete[] read;
+        return result;
+    }
+};
+
+// Every class (one turned, two sharing a make-up, an empty polyline, which is said on reading
+// but kept), read back or copied: the same text again; cut anywhere, the objects before the cut
+// and a message; spoilt items named.
+TEST_F(Lines3dStreamTest, ReadBackWholeCutOrSpoilt) {
+    if (!director) return;
+    OrvMakeUp* wide = director->makeUpLineWidth(director->defaultMakeUp, 3);
+    all = {new Orv3dLine(director, controls[0], controls[1], wide),
+           new Orv3dPolyline(director, 3, controls, nullptr),
+           new Orv3dSplinePath(director, 4, controls + 1, 5, wide),
+           new Orv3dCurvePath(director, 7, controls, 3),
+           new Orv3dWall(director, controls[2], 4, 0.25f, OrvWallY),
+           new Orv3dWalls(director, controls[3], 2, 1.5f),
+           new Orv3dPolyline(director, 0, nullptr, nullptr)};
+    all[0]->rotateZ(30, 0);
+    std::string text = save(all);
+    EXPECT_NE(std::string::npos, text.find("\t% Orv3dWall class\n\tpoint3d\t-0.2 0.8 0\n\tuiData\t4"
+                                           "\n\tfData\t0.25\n\tulData\t1\n}\n"))
+        << text;
+    std::vector<OrvActor*> copies;
+    for (OrvActor* a : all) copies.push_back(a->copy());
+    EXPECT_EQ(text, save(copies));
+    for (OrvActor* a : copies) delete a;
+    std::vector<size_t> ends;  // just after each object's closing brace
+    for (size_t at = text.find("\n}\n"); at != std::string::npos; at = text.find("\n}\n", at + 1))
+        ends.push_back(at + 2);
+    ASSERT_EQ(7u, ends.size());
+    for (size_t cut = text.find("Orv3dLine"); cut <= text.size(); cut++) {
+        size_t whole = std::count_if(ends.begin(), ends.end(), [&](size_t e) { return e <= cut; });
+        std::vector<OrvActor*> read;
+        std::string said = OrvTestOutput([&] { read = load(text.substr(0, cut)); });
+        ASSERT_EQ(whole, read.size()) << "cut at " << cut;
+        EXPECT_TRUE(whole < 7 ? said != "" : said == "Orv3dPolyline : Polyline with 0 points\n")
+            << said << "cut at " << cut;
+        EXPECT_EQ(save(std::vector<OrvActor*>(all.begin(), all.begin() + whole)), save(read));
+        for (OrvActor* a : read) delete a;
+    }
+    const struct {
+        const char *from, *to, *message;
+        size_t whole;
+    } spoilt[] = {
+        {"point3d", "point3x", "OrvIStream : Bad data.\n", 0},
+        {"uiData\t4", "uiDatum\t4", "OrvIStream : Bad data.\n", 2},
+        {"ulData\t1", "ulData\t7", "Orv3dWall::Orv3dWall : Bad axis (7).\n", 4},
+        {"fData\t1.5", "fData\tx", "OrvIStream : bad separator.\n", 5},
+    };
+    for (const auto& s : spoilt) {
+        std::string bad = text;
+        bad.replace(bad.find(s.from), strlen(s.from), s.to);
+        std::vector<OrvActor*> read;
+        std::string said = OrvTestOutput([&] { read = load(bad); });
+        EXPECT_EQ(s.whole, read.size()) << s.to;
+        EXPECT_NE(std::string::npos, said.find(s.message)) << said;
+        for (OrvActor* a : read) delete a;
+    }
 }
