@@ -400,7 +400,8 @@ OrvClassInfo* Orv3dCurvePath::classInfo() const {
 
 unsigned Orv3dCurvePath::usable(unsigned count) const {
     unsigned kept = count ? (count - 1) / 3 * 3 + 1 : 0;
-    if (kept != count) OrvError("Orv3dCurvePath : %d control points ignored.\n", count - kept);
+    if (kept != count)
+        OrvError("Orv3dCurvePath : %d control points ignored.\n", (int)(count - kept));
     return kept;
 }
 
