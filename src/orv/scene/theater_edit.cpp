@@ -395,10 +395,16 @@ static std::string selectionsText(const OrvTheater* theater) {
     return text;
 }
 
+// The text goes with its length: edge flags are written as raw bytes, and a
+// zero among them must not end it.
+static void toClipboard(const OrvDirector* director, const std::string& text) {
+    director->setClipboard(text.c_str(), (int)text.size());
+}
+
 void OrvTheater::copy() {
     std::string text = selectionsText(this);
     if (text.empty()) return;
-    director->setClipboard(text.c_str(), 0);
+    toClipboard(director, text);
 }
 
 void OrvTheater::cut() {
@@ -420,7 +426,7 @@ void OrvTheater::cut() {
     OrvAllowCallContentsChanged = allow;
     contentsChanged();
     // The clipboard is set last, once the theater is consistent again.
-    director->setClipboard(text.c_str(), 0);
+    toClipboard(director, text);
 }
 
 void OrvTheater::paste(const Orv3dPoint& where, unsigned long select) {

@@ -80,6 +80,8 @@ unsigned long OrvTheater::read(std::istream& in, OrvScene*& scene, int layerNumb
     OrvIStream reader(director, in);
     unsigned count = 0;
     OrvActor** actors = reader.read(count, 0);
+    // A header that ends the text fails without a word of the reader's.
+    if (!actors && in.eof()) OrvError("## OrvTheater::read : Error OrvIStream %s \n", "header");
     // The array ends at the first object that could not be read.
     unsigned got = 0;
     while (actors && got < count && actors[got]) got++;
