@@ -67,48 +67,39 @@ protected:
     }
 };
 
+// The lines that are not indented, after the date, joined by "|": the file's skeleton.
+static std::string skeleton(const std::string& text) {
+    std::istringstream in(text.substr(text.find('\n') + 1));
+    std::string all;
+    for (std::string line; std::getline(in, line);)
+        if (line.empty() || line[0] != '\t') all += line + "|";
+    return all;
+}
+
 TEST_F(TheaterFileTest, LayoutAndARoundTripToTheSameTextAndPixels) {
     if (!director) return;
     const std::string bare = save(theater, nullptr), full = save(theater, scene);
-    std::vector<std::string> lines, heads;
-    std::istringstream in(bare);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    for (const std::string& l : lines)
-        if (l.size() > 3 && l.compare(l.size() - 3, 3, "  {") == 0) heads.push_back(l);
+    const std::string blocks = "OrvStream 3d|cardinal = 4|Orv3dActorFaceSet  1  {|}|Orv3dShape  2  "
+                               "{|}|Orv3dActorFaceSet  3  {|}|Orv3dActor  4  {|}|defaultScene = ",
+                      end = "||% Do not modify or delete the last line (Orvis plugins).|% EOF|";
     EXPECT_EQ(0u, bare.find("% Orvis 1 "));
-    EXPECT_EQ((std::vector<std::string>{"OrvStream 3d", "cardinal = 4"}),
-              std::vector<std::string>(lines.begin() + 1, lines.begin() + 3));
-    EXPECT_EQ((std::vector<std::string>{"Orv3dActorFaceSet  1  {", "Orv3dShape  2  {",
-                                        "Orv3dActorFaceSet  3  {", "Orv3dActor  4  {"}),
-              heads);
-    EXPECT_EQ((std::vector<std::string>{"}", "defaultScene = no", "",
-                                        "% Do not modify or delete the last line (Orvis plugins).",
-                                        "% EOF"}),
-              std::vector<std::string>(lines.end() - 5, lines.end()));
+    EXPECT_EQ(blocks + "no" + end, skeleton(bare));
+    EXPECT_EQ(blocks + "yes|OrvScene  0  {|}" + end, skeleton(full));
     for (const char* item :
          {"\tname\t\t\"faces\"\n", "\trole\t\tButton\n", "\tlayer\t\t2\n", "\tmakeUp\t\t.USE"})
         EXPECT_NE(std::string::npos, bare.find(item)) << item;
-    EXPECT_EQ(std::string::npos, full.find("defaultSize"));
-    size_t tail = bare.find("defaultScene = no");
-    EXPECT_EQ(full.substr(0, tail), bare.substr(0, tail));
-    EXPECT_EQ(0u, full.find("defaultScene = yes\nOrvScene  0  {\n", tail) - tail);
-    EXPECT_EQ(bare.substr(bare.size() - 63), full.substr(full.size() - 63));
-
     std::string said;
     OrvScene* back = nullptr;
     ASSERT_EQ(1ul, read(full, said, &back));
     EXPECT_EQ("", said);
-    ASSERT_NE(nullptr, back);
     EXPECT_EQ(undated(full), undated(save(fresh, back)));
     delete back;
-    ASSERT_NE(nullptr, fresh->object("faces"));
     EXPECT_EQ(OrvGetRole("Button"), fresh->object("faces")->getRole());
-    EXPECT_EQ(fresh->layer(1, 0), fresh->getLayer(fresh->object("shape")));
     // The same frame in the same scene, from the read theater.
     settle();
     std::vector<unsigned long> drawn = snapshot(scene->interior);
-    EXPECT_GT(std::count_if(drawn.begin(), drawn.end(), [](unsigned long p) { return p != 0; }),
-              1000);
+    EXPECT_GT(std::count(drawn.begin(), drawn.end(), 0ul), 1000);
+    EXPECT_LT(std::count(drawn.begin(), drawn.end(), 0ul), 59000);
     theater->disconnect(scene);
     fresh->connect(scene);
     settle();
@@ -187,13 +178,8 @@ TEST_F(TheaterFileTest, FaultsAndTheirMessages) {
     // The forms with a file name; a layer puts everything there.
     std::string path = testing::TempDir() + "theater_file.orv";
     theater->save(path.c_str(), scene);
-    OrvScene* got = nullptr;
-    EXPECT_EQ(1ul, fresh->read(path.c_str(), got, 2));
-    EXPECT_NE(nullptr, got);
-    delete got;
+    EXPECT_EQ(1ul, fresh->read(path.c_str(), 2));
     EXPECT_EQ(4u, fresh->layer(2, 0)->count);
-    EXPECT_EQ(1ul, fresh->read(path.c_str(), 0));
-    EXPECT_EQ(8u, fresh->cardinal());
     std::remove(path.c_str());
     EXPECT_EQ("## OrvTheater::read : Can't open /none/x.orv\n",
               OrvTestOutput([&] { fresh->read("/none/x.orv", 0); }));
