@@ -20,6 +20,7 @@ class OrvProducer;
 class OrvAccelerator;
 class OrvView;
 class OrvCallback;
+class OrvLinkImage;
 
 // The observer of a theater. Every call does nothing by default.
 class OrvTheaterHook {
@@ -101,10 +102,11 @@ public:
     OrvActor* lastMoved;
     OrvActor* grabbed;
     OrvActor* focus;
+    OrvActor* highlighted = nullptr;  // the actor highlighted under the pointer
     unsigned long anyFocus;
     unsigned long selectionOwner;
-    OrvAList selections_;
-    OrvList selectionList;
+    OrvAList selections_;   // each selected actor to itself: what selectionList holds, in order
+    OrvList selectionList;  // the selected actors, in order of selection
     unsigned beginDrawingDepth;
     unsigned long lockedFlush;
     unsigned long destroying;
@@ -238,6 +240,22 @@ public:
     // Reads the clipboard's actors into layer 0, their box's centre at where; select selects them.
     virtual void paste(const Orv3dPoint& where, unsigned long select);
 
+    // ----- Links ------------------------------------------------------------------
+    // Each joined actor holds, under the keys "T_from" and "T_to", the chain of the
+    // links that start and end there, newest first; append and remove keep them.
+    void addLink(OrvLinkImage* link);
+    void removeLink(OrvLinkImage* link);
+    // Takes the links that start or end at the actor out of the theater (and the
+    // links that end on those), deleting them with deleteThem.
+    void removeLinks(OrvActor* actor, unsigned long deleteThem);
+    unsigned fromLinksCardinal(OrvActor* actor) const;
+    unsigned toLinksCardinal(OrvActor* actor) const;
+    // The nth link, counted from the newest, or null.
+    OrvLinkImage* linkFrom(OrvActor* actor, unsigned n) const;
+    OrvLinkImage* linkTo(OrvActor* actor, unsigned n) const;
+    // Removes and deletes every link, all out of the tables before the first goes.
+    void deleteLinks();
+
     // ----- Accelerators and producers ------------------------------------------------
     void add(OrvAccelerator* accelerator);
     void remove(OrvAccelerator* accelerator);
@@ -275,6 +293,14 @@ public:
 protected:
     void init();
     void drawAllInternal(OrvScene* scene, const Orv2dRegion* region);
+    // An actor that came in: its links and its selection enter the tables.
+    void welcome(OrvActor* actor);
+    // An actor that leaves: no input field, selection, highlight or link table names it.
+    void forget(OrvActor* actor);
+    // All actors leave: the input fields, the highlight and the selections are cleared.
+    void forgetAll();
+    // The destructor's share: forgetAll, and the callbacks released.
+    void releaseInput();
 };
 
 #endif

@@ -13,18 +13,9 @@
 #include "orv/scene.h"
 #include "orv/stage.h"
 #include "orv/view.h"
+#include "theater_internal.h"
 
 namespace {
-
-// The keys of the lists of link images that start and end at an actor.
-OrvKey* fromKey() {
-    static OrvKey* key = OrvGetKey("P_from", 1);
-    return key;
-}
-OrvKey* toKey() {
-    static OrvKey* key = OrvGetKey("P_to", 1);
-    return key;
-}
 
 // The view callbacks: the theater is their data.
 void exposeCall(OrvView* view, const Orv2dRegion* region, void* theater) {
@@ -155,13 +146,15 @@ OrvTheater::OrvTheater(OrvDirector* owner)
 
 void OrvTheater::init() {
     layer(0, 1);
-    fromKey();
-    toKey();
+    OrvTheaterFromKey();
+    OrvTheaterToKey();
 }
 
 OrvTheater::~OrvTheater() {
     destroying = 1;
     while (scenes.first) disconnect((OrvScene*)scenes.first->value);
+    releaseInput();
+    deleteLinks();
     while (layers.first) {
         OrvTheaterLayer* l = (OrvTheaterLayer*)layers.first->value;
         l->empty(1);
@@ -230,6 +223,7 @@ void OrvTheater::append(OrvActor* actor, unsigned number) {
     actor->setTheater(this);
     layer(number, 1)->append(actor);
     actor->layer = (unsigned short)number;
+    welcome(actor);
     invalidate(actor, 1);
     flushDrawing(1);
     contentsChanged();
@@ -241,6 +235,7 @@ void OrvTheater::insert(OrvActor* actor, unsigned number) {
     actor->setTheater(this);
     layer(number, 1)->insert(actor);
     actor->layer = (unsigned short)number;
+    welcome(actor);
     invalidate(actor, 1);
     flushDrawing(1);
     contentsChanged();
@@ -253,11 +248,11 @@ void OrvTheater::remove(OrvActor* actor, unsigned long redraw) {
         beginDrawing();
         invalidate(actor, 1);
     }
+    // A link leaves its ends' tables, and the links joined to the actor leave with it.
+    forget(actor);
+    removeLinks(actor, 0);
     l->remove(actor);
     actor->setTheater(nullptr);
-    OrvActor** held[] = {&pressed, &lastMoved, &grabbed, &focus};
-    for (OrvActor** field : held)
-        if (*field == actor) *field = nullptr;
     if (redraw) flushDrawing(1);
     if (!destroying) contentsChanged();
 }
@@ -329,7 +324,8 @@ void OrvTheater::empty(unsigned long deleteThem) {
         OrvTheaterLayer* layer = (OrvTheaterLayer*)l->value;
         for (unsigned i = 0; i < layer->count; i++) invalidate(layer->actors[i], 0);
     }
-    pressed = lastMoved = grabbed = focus = nullptr;
+    forgetAll();
+    if (deleteThem) deleteLinks();
     for (OrvLink* l = layers.first; l; l = l->next) ((OrvTheaterLayer*)l->value)->empty(deleteThem);
     flushDrawing(1);
     contentsChanged();
@@ -533,9 +529,9 @@ void OrvTheater::invalidate(const OrvActor* actor, unsigned long links) {
     }
     if (!links) return;
     OrvActor* a = const_cast<OrvActor*>(actor);
-    for (OrvLink* k = (OrvLink*)a->getUserProperty(fromKey()); k; k = k->next)
+    for (OrvLink* k = (OrvLink*)a->getUserProperty(OrvTheaterFromKey()); k; k = k->next)
         invalidate((const OrvActor*)k->value, 1);
-    for (OrvLink* k = (OrvLink*)a->getUserProperty(toKey()); k; k = k->next)
+    for (OrvLink* k = (OrvLink*)a->getUserProperty(OrvTheaterToKey()); k; k = k->next)
         invalidate((const OrvActor*)k->value, 1);
 }
 

@@ -9,6 +9,8 @@
 #include "orv/actor.h"
 #include "orv/resource.h"
 #include "orv/scene.h"
+#include "../stage/link_chains.h"
+#include "theater_internal.h"
 
 namespace {
 
@@ -86,7 +88,7 @@ void OrvTheaterLayer::apply(void (*function)(OrvActor*, void*), void* data) {
 }
 
 void OrvTheaterLayer::empty(unsigned long deleteThem) {
-    OrvKey* keys[2] = {OrvGetKey("P_from", 1), OrvGetKey("P_to", 1)};
+    OrvKey* keys[2] = {OrvTheaterFromKey(), OrvTheaterToKey()};
     // Taken out first, so that an actor going away finds no layer holding it.
     unsigned n = count;
     OrvActor** all = actors;
@@ -98,10 +100,12 @@ void OrvTheaterLayer::empty(unsigned long deleteThem) {
             OrvActor* actor = all[i];
             if (!actor || (theater->isLink(actor) ? 1 : 0) != links) continue;
             actor->setTheater(nullptr);
-            if (!deleteThem) continue;
-            actor->removeUserProperty(keys[0]);
-            actor->removeUserProperty(keys[1]);
-            delete actor;
+            // The link tables are the theater's: they go with the actors, deleted or not.
+            for (OrvKey* key : keys) {
+                OrvLinkChainFree(OrvLinkChain(actor, key));
+                actor->removeUserProperty(key);
+            }
+            if (deleteThem) delete actor;
         }
     }
     free(all);

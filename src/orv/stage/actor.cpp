@@ -271,17 +271,21 @@ void OrvActor::setSelected(unsigned long on) {
     beginDrawing(0);
     setBit(OrvSelectedBit, on && isSelectable());
     flushDrawing(0);
-    // Told even when the flag stayed clear, so that the stage's list is right.
+    // Told even when the flag stayed clear, so that the containers' lists are right.
     OrvStage* stage = getStage();
     if (stage) stage->makeSelected(this);
+    OrvTheater* theater = getTheater();
+    if (theater) theater->makeSelected(this);
 }
 
 void OrvActor::setLayer(unsigned short l) {
     if (l == layer) return;
     beginDrawing(0);
-    // The stage finds the actor by its old number, so it moves it first.
+    // The containers find the actor by its old number, so they move it first.
     OrvStage* stage = getStage();
     if (stage) stage->makeLayer(this, l);
+    OrvTheater* theater = getTheater();
+    if (theater) theater->makeLayer(this, l);
     layer = l;
     flushDrawing(0);
 }

@@ -9,6 +9,7 @@
 #include "orv/producer.h"
 #include "orv/role.h"
 #include "orv/stage.h"
+#include "orv/theater.h"
 #include "route_internal.h"
 
 static int OrvIsUsable(const OrvActor* a) {
@@ -73,6 +74,23 @@ void OrvSetHighlightStage(OrvDirector* director, OrvStage* stage) {
     }
 }
 
+// Director to the theater that holds its highlighted actor. A theater that
+// goes forgets itself here (OrvTheater's destructor).
+static OrvAList* OrvHighlightTheaters() {
+    static OrvAList* table = new OrvAList();
+    return table;
+}
+
+OrvTheater* OrvGetHighlightTheater(const OrvDirector* director) {
+    return (OrvTheater*)OrvHighlightTheaters()->get(director);
+}
+
+void OrvSetHighlightTheater(OrvDirector* director, OrvTheater* theater) {
+    OrvAList* table = OrvHighlightTheaters();
+    if (table->find(director) && table->get(director) == theater) return;
+    if (!table->replace(director, theater)) table->insert(director, theater);
+}
+
 // ---------------------------------------------------------------------------
 // The order of offers
 // ---------------------------------------------------------------------------
@@ -100,6 +118,9 @@ void OrvStage::handleInput(const OrvEvent& event) {
         hs->setCursor(nullptr);
         hs->setHighlighted(Orv2dPoint(event.globalX, event.globalY), nullptr);
     }
+    // The pointer is on a stage, so no actor of a scene is under it.
+    OrvTheater* ht = OrvGetHighlightTheater(director);
+    if (ht) ht->setHighlighted(Orv2dPoint(event.x, event.y), nullptr);
 }
 
 int OrvStage::dispatchToActors(const OrvEvent& event) {
@@ -244,28 +265,26 @@ static int OrvCanTakeFocus(const OrvActor* a) {
 }
 
 // Reading order: by y, then by x.
-static int OrvCompareReading(const Orv2dRect& a, const Orv2dRect& b) {
+static int OrvCompareReading(const OrvReadingPlace& a, const OrvReadingPlace& b) {
     if (a.y != b.y) return a.y < b.y ? -1 : 1;
     if (a.x != b.x) return a.x < b.x ? -1 : 1;
     return 0;
 }
 
-// The actor that follows the focus in reading order (direction 1) or precedes it
-// (direction -1); past the last one the walk wraps to the first. The later in
-// the walk wins a tie.
-static OrvActor* OrvFocusStep(OrvActor** all, unsigned count, OrvActor* focus, int direction) {
+OrvActor* OrvFocusStep(OrvActor** all, unsigned count, OrvActor* focus, int direction,
+                       OrvReadingPlace (*placeOf)(const OrvActor*)) {
     OrvActor* best = nullptr;
-    Orv2dRect bestBox;
+    OrvReadingPlace bestPlace{0, 0};
     if (focus) {
-        Orv2dRect f = focus->bbox2d(nullptr);
+        OrvReadingPlace f = placeOf(focus);
         for (unsigned i = 0; i < count; i++) {
             OrvActor* a = all[i];
             if (a == focus || !OrvCanTakeFocus(a)) continue;
-            Orv2dRect b = a->bbox2d(nullptr);
-            if (direction * OrvCompareReading(b, f) < 0) continue;
-            if (!best || direction * OrvCompareReading(b, bestBox) <= 0) {
+            OrvReadingPlace p = placeOf(a);
+            if (direction * OrvCompareReading(p, f) < 0) continue;
+            if (!best || direction * OrvCompareReading(p, bestPlace) <= 0) {
                 best = a;
-                bestBox = b;
+                bestPlace = p;
             }
         }
         if (best) return best;
@@ -273,20 +292,26 @@ static OrvActor* OrvFocusStep(OrvActor** all, unsigned count, OrvActor* focus, i
     for (unsigned i = 0; i < count; i++) {
         OrvActor* a = all[i];
         if (!OrvCanTakeFocus(a)) continue;
-        Orv2dRect b = a->bbox2d(nullptr);
-        if (!best || direction * OrvCompareReading(b, bestBox) <= 0) {
+        OrvReadingPlace p = placeOf(a);
+        if (!best || direction * OrvCompareReading(p, bestPlace) <= 0) {
             best = a;
-            bestBox = b;
+            bestPlace = p;
         }
     }
     return best;
+}
+
+// On a stage, the corner of the actor's own box.
+static OrvReadingPlace OrvStagePlace(const OrvActor* a) {
+    Orv2dRect b = a->bbox2d(nullptr);
+    return OrvReadingPlace{(double)b.x, (double)b.y};
 }
 
 void OrvStage::moveFocusAfter() {
     unsigned count = 0;
     OrvActor** all = objects(count);
     if (!all) return;
-    OrvActor* next = OrvFocusStep(all, count, focusActor, 1);
+    OrvActor* next = OrvFocusStep(all, count, focusActor, 1, OrvStagePlace);
     delete[] all;
     if (next && next != focusActor) setFocus(next);
 }
@@ -295,7 +320,7 @@ void OrvStage::moveFocusBefore() {
     unsigned count = 0;
     OrvActor** all = objects(count);
     if (!all) return;
-    OrvActor* previous = OrvFocusStep(all, count, focusActor, -1);
+    OrvActor* previous = OrvFocusStep(all, count, focusActor, -1, OrvStagePlace);
     delete[] all;
     if (previous && previous != focusActor) setFocus(previous);
 }
@@ -335,11 +360,11 @@ void OrvStage::setHighlighted(const Orv2dPoint& point, OrvActor* actor) {
 // Callbacks and quitting
 // ---------------------------------------------------------------------------
 
-void OrvStage::registerCallback(const char* callbackName, OrvCallback* callback) {
+void OrvRegisterCallback(OrvAList& table, const char* callbackName, OrvCallback* callback) {
     OrvKey* key = OrvGetKey(callbackName, 1);
     if (!callback) {
         // The entry stays, emptied, so that nothing can release it twice.
-        for (OrvAListItem* item = callbacks.first; item; item = item->next)
+        for (OrvAListItem* item = table.first; item; item = item->next)
             if (item->key == key) {
                 OrvCallback* old = (OrvCallback*)item->value;
                 item->value = nullptr;
@@ -350,28 +375,28 @@ void OrvStage::registerCallback(const char* callbackName, OrvCallback* callback)
         OrvCount(callback);
     }
     // Inserted in front: a later registration shadows an earlier one.
-    callbacks.insert(key, callback);
+    table.insert(key, callback);
 }
 
-OrvCallback* OrvStage::getCallback(const char* callbackName) const {
+OrvCallback* OrvFindCallback(const OrvAList& table, const char* callbackName) {
     OrvKey* key = OrvGetKey(callbackName, 0);
     if (!key) return nullptr;
-    return (OrvCallback*)const_cast<OrvAList&>(callbacks).get(key);
+    return (OrvCallback*)const_cast<OrvAList&>(table).get(key);
 }
 
-void OrvStage::removeCallback(const char* callbackName) {
+void OrvRemoveCallback(OrvAList& table, const char* callbackName) {
     OrvKey* key = OrvGetKey(callbackName, 0);
     if (!key) return;
-    OrvCallback* c = (OrvCallback*)callbacks.get(key);
-    callbacks.remove(key);
+    OrvCallback* c = (OrvCallback*)table.get(key);
+    table.remove(key);
     OrvRelease(c);
 }
 
-void OrvStage::callCallback(OrvActor* actor) const {
+void OrvRunCallback(const OrvAList& table, OrvActor* actor) {
     if (!actor) return;
     OrvKey* callbackKey = actor->getCallbackName();
     if (callbackKey) {
-        OrvCallback* c = (OrvCallback*)const_cast<OrvAList&>(callbacks).get(callbackKey);
+        OrvCallback* c = (OrvCallback*)const_cast<OrvAList&>(table).get(callbackKey);
         if (c) {
             c->activate(actor);
             return;
@@ -379,6 +404,33 @@ void OrvStage::callCallback(OrvActor* actor) const {
     }
     OrvCallback* own = actor->getCallback();
     if (own) own->activate(actor);
+}
+
+void OrvReleaseCallbacks(OrvAList& table) {
+    while (table.first) {
+        OrvAListItem* item = table.first;
+        OrvCallback* c = (OrvCallback*)item->value;
+        table.first = item->next;
+        item->next = nullptr;
+        delete item;
+        OrvRelease(c);
+    }
+}
+
+void OrvStage::registerCallback(const char* callbackName, OrvCallback* callback) {
+    OrvRegisterCallback(callbacks, callbackName, callback);
+}
+
+OrvCallback* OrvStage::getCallback(const char* callbackName) const {
+    return OrvFindCallback(callbacks, callbackName);
+}
+
+void OrvStage::removeCallback(const char* callbackName) {
+    OrvRemoveCallback(callbacks, callbackName);
+}
+
+void OrvStage::callCallback(OrvActor* actor) const {
+    OrvRunCallback(callbacks, actor);
 }
 
 void OrvStage::onExit(OrvExitCallback* callback) {
@@ -435,14 +487,7 @@ OrvProducer* OrvStage::getProducer() const {
 
 void OrvStage::releaseInput() {
     if (OrvGetHighlightStage(director) == this) OrvSetHighlightStage(director, nullptr);
-    while (callbacks.first) {
-        OrvAListItem* item = callbacks.first;
-        OrvCallback* c = (OrvCallback*)item->value;
-        callbacks.first = item->next;
-        item->next = nullptr;
-        delete item;
-        OrvRelease(c);
-    }
+    OrvReleaseCallbacks(callbacks);
     OrvRelease(exitCallback);
     exitCallback = nullptr;
     removeAccelerators(1);

@@ -11,17 +11,23 @@
 #include "orv/link.h"
 #include "orv/stage.h"
 #include "orv/stream.h"
+#include "route_internal.h"
+
+std::string OrvActorsText(OrvActor* const* actors, unsigned count, unsigned long is2d) {
+    if (!actors || !count) return std::string();
+    std::ostringstream text;
+    OrvOStream out(text);
+    out.write(count, actors, is2d);
+    return text.str();
+}
 
 // The selections as persistent text; empty without a selection.
 static std::string OrvSelectionsText(OrvStage* stage) {
     unsigned count = 0;
     OrvActor** selected = stage->selections(count);
-    if (!selected) return std::string();
-    std::ostringstream text;
-    OrvOStream out(text);
-    out.write(count, selected, 1);
+    std::string text = OrvActorsText(selected, count, 1);
     delete[] selected;
-    return text.str();
+    return text;
 }
 
 void OrvStage::copy() {

@@ -4,8 +4,9 @@
 #include "orv/layer.h"
 #include "orv/link.h"
 #include "orv/stage.h"
+#include "link_chains.h"
 
-static OrvLink* chainOf(OrvActor* actor, OrvKey* key) {
+OrvLink* OrvLinkChain(OrvActor* actor, OrvKey* key) {
     return actor ? (OrvLink*)actor->getUserProperty(key) : nullptr;
 }
 
@@ -17,13 +18,13 @@ static void storeChain(OrvActor* actor, OrvKey* key, OrvLink* head) {
         actor->removeUserProperty(key);
 }
 
-static void pushOnChain(OrvActor* actor, OrvKey* key, OrvActor* link) {
-    if (actor) storeChain(actor, key, new OrvLink(link, chainOf(actor, key)));
+void OrvLinkChainPush(OrvActor* actor, OrvKey* key, OrvActor* link) {
+    if (actor) storeChain(actor, key, new OrvLink(link, OrvLinkChain(actor, key)));
 }
 
-static void takeFromChain(OrvActor* actor, OrvKey* key, OrvActor* link) {
+void OrvLinkChainTake(OrvActor* actor, OrvKey* key, OrvActor* link) {
     if (!actor) return;
-    OrvLink* head = chainOf(actor, key);
+    OrvLink* head = OrvLinkChain(actor, key);
     for (OrvLink **at = &head, *l = head; l; at = &l->next, l = l->next) {
         if (l->value != link) continue;
         *at = l->next;
@@ -34,7 +35,7 @@ static void takeFromChain(OrvActor* actor, OrvKey* key, OrvActor* link) {
     storeChain(actor, key, head);
 }
 
-static void freeChain(OrvLink* l) {
+void OrvLinkChainFree(OrvLink* l) {
     while (l) {
         OrvLink* next = l->next;
         l->next = nullptr;
@@ -45,20 +46,20 @@ static void freeChain(OrvLink* l) {
 
 void OrvStage::addLink(OrvLinkImage* link) {
     if (!link) return;
-    pushOnChain(link->from, fromKey, link);
-    pushOnChain(link->to, toKey, link);
+    OrvLinkChainPush(link->from, fromKey, link);
+    OrvLinkChainPush(link->to, toKey, link);
 }
 
 void OrvStage::removeLink(OrvLinkImage* link) {
     if (!link) return;
-    takeFromChain(link->from, fromKey, link);
-    takeFromChain(link->to, toKey, link);
+    OrvLinkChainTake(link->from, fromKey, link);
+    OrvLinkChainTake(link->to, toKey, link);
 }
 
 void OrvStage::removeLinks(OrvActor* actor, unsigned long deleteThem) {
     if (!actor) return;
-    OrvLink* starting = chainOf(actor, fromKey);
-    OrvLink* ending = chainOf(actor, toKey);
+    OrvLink* starting = OrvLinkChain(actor, fromKey);
+    OrvLink* ending = OrvLinkChain(actor, toKey);
     actor->removeUserProperty(fromKey);
     actor->removeUserProperty(toKey);
     if (!starting && !ending) return;
@@ -67,7 +68,8 @@ void OrvStage::removeLinks(OrvActor* actor, unsigned long deleteThem) {
         for (OrvLink* l = pass ? ending : starting; l; l = l->next) {
             OrvLinkImage* link = (OrvLinkImage*)l->value;
             // A link from the actor to itself stands in both chains: once is enough.
-            if (pass == 1 && link->from == actor) continue;
+            // Asked of the chain, not of the link, which pass 0 may have deleted.
+            if (pass == 1 && starting && starting->find(link)) continue;
             removeLink(link);
             // The links that end on this link go with it, so none is left
             // pointing at a link that has left the stage.
@@ -75,29 +77,29 @@ void OrvStage::removeLinks(OrvActor* actor, unsigned long deleteThem) {
             clean(link, deleteThem);
         }
     }
-    freeChain(starting);
-    freeChain(ending);
+    OrvLinkChainFree(starting);
+    OrvLinkChainFree(ending);
     flushDrawing(1);
 }
 
 unsigned int OrvStage::fromLinksCardinal(OrvActor* actor) const {
-    OrvLink* l = chainOf(actor, fromKey);
+    OrvLink* l = OrvLinkChain(actor, fromKey);
     return l ? l->length() : 0;
 }
 
 unsigned int OrvStage::toLinksCardinal(OrvActor* actor) const {
-    OrvLink* l = chainOf(actor, toKey);
+    OrvLink* l = OrvLinkChain(actor, toKey);
     return l ? l->length() : 0;
 }
 
 OrvLinkImage* OrvStage::linkFrom(OrvActor* actor, unsigned int n) const {
-    for (OrvLink* l = chainOf(actor, fromKey); l; l = l->next, n--)
+    for (OrvLink* l = OrvLinkChain(actor, fromKey); l; l = l->next, n--)
         if (n == 0) return (OrvLinkImage*)l->value;
     return nullptr;
 }
 
 OrvLinkImage* OrvStage::linkTo(OrvActor* actor, unsigned int n) const {
-    for (OrvLink* l = chainOf(actor, toKey); l; l = l->next, n--)
+    for (OrvLink* l = OrvLinkChain(actor, toKey); l; l = l->next, n--)
         if (n == 0) return (OrvLinkImage*)l->value;
     return nullptr;
 }
