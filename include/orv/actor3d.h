@@ -59,6 +59,8 @@ public:
     OrvFaceSet* getFaceSet() const { return faces; }
     void draw3d(const OrvScene* scene) const override;
     Orv3dVolume bbox3d(unsigned long world) const override;
+    // The face set's pick.
+    unsigned long contains3d(const Orv2dPoint& point, const OrvScene* scene) const override;
 };
 
 // A series, owned, with an optional colour a face (a locked share) and an
@@ -84,6 +86,8 @@ public:
     OrvSeries* getSeries() const { return series_; }
     void draw3d(const OrvScene* scene) const override;
     Orv3dVolume bbox3d(unsigned long world) const override;
+    // The series' pick.
+    unsigned long contains3d(const Orv2dPoint& point, const OrvScene* scene) const override;
 };
 
 ORV_DECLARE_CLASS_INIT(Orv3dActor)

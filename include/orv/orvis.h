@@ -34,6 +34,7 @@
 #include "orv/theater.h"
 #include "orv/scene.h"
 #include "orv/actor3d.h"
+#include "orv/pick.h"
 #include "orv/balloon.h"
 
 #endif
