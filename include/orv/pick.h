@@ -1,6 +1,8 @@
-// Picking in a scene's window: lines by their projection. Faces are picked through OrvPolygon::pick
-// and its kin (orv/vertex.h), actors through OrvTheater::contains; every successful pick leaves its
-// answer in the director's pick record (orv/director.h).
+// Picking in a scene's window: lines by their projection, and the switch and
+// figures of the hierarchies that keep picks on large meshes and crowded
+// theaters quick. Faces are picked through OrvPolygon::pick and its kin
+// (orv/vertex.h), actors through OrvTheater::contains; every successful pick
+// leaves its answer in the director's pick record (orv/director.h).
 #ifndef ORV_PICK_H
 #define ORV_PICK_H
 
@@ -29,5 +31,23 @@ unsigned long OrvPick3dLine(const Orv2dPoint& point, const Orv3dPoint& from, con
 long OrvCloseTo(Orv3dPoint& result, const Orv2dPoint& point, const Orv3dPoint& from,
                 const Orv3dPoint& to, const OrvScene* scene, const Orv3dMatrix* matrix,
                 const OrvFaceStyle& style, const unsigned long& invariant);
+
+// Face sets and series of many faces are picked through a bounding-volume
+// hierarchy built at their first pick, and each theater layer keeps one over
+// its actors; the answers are those of testing every face and every actor in
+// turn. Off, every pick walks all faces and all actors. On at start.
+void OrvUsePickHierarchy(unsigned long on);
+unsigned long OrvUsePickHierarchy();
+
+// What the hierarchies have cost so far.
+struct OrvPickHierarchyStats {
+    unsigned long meshBuilds;   // mesh hierarchies built since start
+    unsigned long layerBuilds;  // layer hierarchies built since start
+    unsigned long meshFaces;    // faces under the mesh hierarchies alive now
+    unsigned long meshBytes;    // bytes those hierarchies hold
+    unsigned long layerActors;  // actors under the layer hierarchies alive now
+    unsigned long layerBytes;   // bytes those hierarchies hold
+};
+OrvPickHierarchyStats OrvGetPickHierarchyStats();
 
 #endif

@@ -13,6 +13,7 @@ class OrvOStream;
 class OrvIStream;
 class OrvScene;
 class OrvActor;
+struct _OrvPickTree_;  // the hierarchy of a mesh's faces, made by its first pick
 
 // The make-up's culling mode and face styles (orv/makeup.h), for picking.
 typedef unsigned long OrvCullingMode;
@@ -688,6 +689,12 @@ public:
     unsigned long pick2(const Orv2dPoint& point, const OrvScene* scene, const OrvActor* actor,
                         const Orv3dMatrix* matrix, OrvCullingMode cull, OrvFaceStyle front,
                         OrvFaceStyle back) const override;
+    // Also forgets the pick hierarchy, since the points moved.
+    void computeBBox() override;
+    // Forgets the pick hierarchy: the next pick builds it again.
+    void dropPickTree() const;
+
+    mutable _OrvPickTree_* pickTree = nullptr;  // owned; made by the first pick
 
 protected:
     long faceVertex(unsigned face, unsigned nth) const override;
@@ -800,6 +807,11 @@ public:
     virtual unsigned long pick2(const Orv2dPoint& point, const OrvScene* scene,
                                 const OrvActor* actor, const Orv3dMatrix* matrix,
                                 OrvCullingMode cull, OrvFaceStyle front, OrvFaceStyle back) const;
+    // Forgets the pick hierarchy: the next pick builds it again. Adding
+    // faces and computeBBox do it; so must whoever changes faces otherwise.
+    void dropPickTree() const;
+
+    mutable _OrvPickTree_* pickTree = nullptr;  // owned; made by the first pick
 };
 
 // ---------------------------------------------------------------------------

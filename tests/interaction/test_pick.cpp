@@ -5,6 +5,7 @@
 #include "../theater/theater_support.h"
 
 #include <cmath>
+#include <random>
 
 #include "orv/actor3d.h"
 #include "orv/pick.h"
@@ -262,6 +263,123 @@ TEST_F(PickTest, SelectedActorsHandleIsTriedFirst) {
     EXPECT_EQ(h, theater->containsDragger(Orv2dPoint(202, 62), scene, 0, 0, nullptr));
     EXPECT_EQ(front, at(230, 62));
     EXPECT_EQ(nullptr, theater->containsDragger(Orv2dPoint(230, 62), scene, 0, 0, nullptr));
+}
+
+// ---------------------------------------------------------------------------
+// Hierarchies
+// ---------------------------------------------------------------------------
+
+// The theater draws nothing while these tests build and restyle large meshes.
+class PickTreeTest : public PickTest {
+protected:
+    void SetUp() override {
+        PickTest::SetUp();
+        if (theater) theater->beginDrawing();
+    }
+    void TearDown() override {
+        if (theater) theater->abortDrawing();
+        PickTest::TearDown();
+    }
+    std::mt19937 random{22};
+    float u(float a, float b) { return std::uniform_real_distribution<float>(a, b)(random); }
+    // Triangles of all sizes through the view, some reaching behind a perspective eye at z 3.
+    std::vector<Orv3dPoint> cloud(unsigned n) {
+        std::vector<Orv3dPoint> p;
+        for (unsigned i = 0; i < n; i++) {
+            float s = i % 50 ? 0.05f : 0.6f;
+            Orv3dPoint c(u(-1.4f, 1.4f), u(-1, 1), u(-1, i % 97 ? 1.5f : 4));
+            for (int k = 0; k < 3; k++)
+                p.emplace_back(c.x + u(-s, s), c.y + u(-s, s), c.z + u(-s, s));
+        }
+        return p;
+    }
+    // Clicks with the hierarchies and without: the records must be the same.
+    int compare(int clicks, int& hits) {
+        int differ = 0;
+        for (int i = 0; i < clicks; i++) {
+            Orv2dPoint p((int)u(0, 300), (int)u(0, 200));
+            OrvUsePickHierarchy(1);
+            OrvActor* fast = at(p.x, p.y);
+            OrvPick3dRecord r = rec();
+            OrvUsePickHierarchy(0);
+            OrvActor* slow = at(p.x, p.y);
+            const OrvPick3dRecord& w = rec();
+            hits += slow != nullptr;
+            if (fast != slow || r.type != w.type || r.actor != w.actor || r.polygon != w.polygon ||
+                r.point != w.point || r.vertexIndex != w.vertexIndex || r.edgeIndex != w.edgeIndex)
+                differ++;
+        }
+        OrvUsePickHierarchy(1);
+        return differ;
+    }
+};
+
+TEST_F(PickTreeTest, RandomClicksGiveTheWalksRecord) {
+    Orv3dActorFaceSet* set = mesh(cloud(10000));
+    // A terrain of 50 by 50 quadrilaterals as a series.
+    Orv3dPoint* grid = new Orv3dPoint[51 * 51];
+    for (int r = 0; r <= 50; r++)
+        for (int c = 0; c <= 50; c++)
+            grid[r * 51 + c] = Orv3dPoint(-1.5f + c * 0.06f, -1 + r * 0.04f, u(-0.3f, 0.3f));
+    OrvSeries* terrain = new OrvSeries(OrvQuadMesh, 50, 50);
+    terrain->setNonIndexed(new OrvShare(51 * 51, grid, 0, 1), nullptr, nullptr, nullptr, nullptr);
+    Orv3dShape* shape = new Orv3dShape(director, terrain, nullptr, nullptr);
+    theater->append(shape, 1);
+    const OrvFaceStyle styles[][3] = {{0, 4, 4}, {1, 4, 4}, {2, 4, 4}, {0, 2, 2}, {0, 1, 1},
+                                      {0, 4, 2}, {2, 1, 2}, {1, 2, 8}, {0, 8, 1}};
+    for (int kind : {0, 1})
+        for (const auto& s : styles) {
+            camera(kind);
+            for (OrvActor* a : {(OrvActor*)set, (OrvActor*)shape}) {
+                a->setCull(s[0]);
+                a->setFrontStyle(s[1]);
+                a->setBackStyle(s[2]);
+            }
+            int hits = 0;
+            EXPECT_EQ(0, compare(120, hits)) << kind << " " << s[0] << s[1] << s[2];
+            EXPECT_GT(hits, s[1] == 8 ? 5 : 40) << kind << " " << s[0] << s[1] << s[2];
+        }
+    EXPECT_GE(OrvGetPickHierarchyStats().meshBuilds, 2u);
+}
+
+TEST_F(PickTreeTest, CrowdedLayersGiveTheWalksActor) {
+    for (int i = 0; i < 1000; i++) {
+        Orv3dActorFaceSet* a = mesh(cloud(8), i % 3);
+        a->translate(u(-0.3f, 0.3f), u(-0.3f, 0.3f), 0, 0);
+        if (i % 7 == 0) a->rotateZ(i, 1);
+    }
+    theater->append(new HandleBox(director, Orv3dVolume(0, 0, 0.5f, 0.3f, 0.3f, 0.1f)), 1);
+    int hits = 0;
+    for (int kind : {0, 1}) {
+        camera(kind);
+        EXPECT_EQ(0, compare(250, hits)) << kind;
+    }
+    EXPECT_GT(hits, 250);
+}
+
+TEST_F(PickTreeTest, MovingKeepsTheMeshHierarchyAndChangePointRebuildsIt) {
+    Orv3dActorFaceSet* a = mesh(cloud(2000));
+    int hits = 0;
+    auto builds = [] { return OrvGetPickHierarchyStats().meshBuilds; };
+    EXPECT_EQ(0, compare(100, hits));
+    unsigned long before = builds(), layers = OrvGetPickHierarchyStats().layerBuilds;
+    a->translate(0.4f, 0.1f, 0, 1);
+    a->rotateZ(20, 1);
+    EXPECT_EQ(0, compare(200, hits));
+    EXPECT_EQ(before, builds());
+    EXPECT_EQ(layers, OrvGetPickHierarchyStats().layerBuilds);
+    // The last triangle stretched across the window now covers its centre.
+    OrvFace* last = faceOf(a, 1999);
+    OrvTestOutput([&] {
+        last->changePoint(0, Orv3dPoint(-3, -3, 6), nullptr, nullptr, nullptr, nullptr);
+        last->changePoint(1, Orv3dPoint(3, -3, 6), nullptr, nullptr, nullptr, nullptr);
+        last->changePoint(2, Orv3dPoint(0, 3, 6), nullptr, nullptr, nullptr, nullptr);
+    });
+    EXPECT_EQ(a, at(150, 100));
+    EXPECT_EQ(last, rec().polygon);
+    EXPECT_EQ(before + 1, builds());
+    EXPECT_EQ(0, compare(200, hits));
+    EXPECT_GT(OrvGetPickHierarchyStats().meshBytes, 0u);
 }
 
 }  // namespace

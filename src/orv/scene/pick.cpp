@@ -2,11 +2,13 @@
 // vertices projected by the scene's matrix and the actor's, in the style its
 // side is drawn with; the 3D point of a hit is where the camera's ray through
 // the pixel meets the face's plane. Series and face sets keep the hit nearest
-// the eye.
+// the eye, and past a few dozen faces they ask their hierarchy which faces
+// to test instead of testing all: the answer is the same.
 #include <algorithm>
 #include <climits>
 #include <cmath>
 #include <typeinfo>
+#include <unordered_set>
 #include <vector>
 
 #include "orv/actor3d.h"
@@ -17,6 +19,8 @@
 #include "orv/region.h"
 #include "orv/scene.h"
 #include "orv/vertex.h"
+
+#include "pick_tree.h"
 
 namespace {
 
@@ -39,6 +43,9 @@ struct Hit {
     long vertex, edge;
     float z;  // depth in the window: smaller is nearer
 };
+
+// Faces of a mesh below this many are walked: a hierarchy would not pay.
+const unsigned TreeFaces = 64;
 
 }  // namespace
 
@@ -270,6 +277,97 @@ static void record(const Pick& p, const OrvPolygon* polygon, const Hit& hit) {
 }
 
 // ---------------------------------------------------------------------------
+// The hierarchies of meshes
+// ---------------------------------------------------------------------------
+
+// The faces that may be hit, in the walk's order.
+static void candidates(const Pick& p, const _OrvPickTree_* tree, std::vector<uint32_t>& out) {
+    auto thin = [](OrvFaceStyle s) { return s == OrvFacePoints || s == OrvFaceLines; };
+    bool wide =
+        (p.cull != OrvCullFront && thin(p.front)) || (p.cull != OrvCullBack && thin(p.back));
+    // The floor of projected vertices moves a face by up to a pixel; points and
+    // lines reach 3 more; half a pixel is left for rounding.
+    double m = wide ? 3.5 : 0.5;
+    double product[16];
+    _OrvPickProduct_(*p.toScene, p.matrix, product);
+    _OrvPickFrustum_ f;
+    f.make(product, p.point.x - m, p.point.x + 1 + m, p.point.y - m, p.point.y + 1 + m);
+    out.clear();
+    tree->tree.query(f, out);
+    std::sort(out.begin(), out.end());
+}
+
+// The box of a face's vertices; false when one cannot be read.
+static bool faceBox(const OrvPolygon* polygon, unsigned face, unsigned count, _OrvPickBox_& box) {
+    for (unsigned nth = 0; nth < count; nth++) {
+        Orv3dPoint v;
+        if (polygon->subFaceVertex(v, face, nth) < 0) return false;
+        box.add(v);
+    }
+    return true;
+}
+
+static _OrvPickTree_* treeOf(const OrvFaceSet& set) {
+    _OrvPickTree_*& t = set.pickTree;
+    const void* first = set.faces.first ? set.faces.first->value : nullptr;
+    const void* last = set.faces.last ? set.faces.last->value : nullptr;
+    if (t && (t->firstFace != first || t->lastFace != last || !_OrvPickTreeCurrent_(t)))
+        set.dropPickTree();
+    if (!t) {
+        unsigned n = 0;
+        for (OrvLink* l = set.faces.first; l && n < TreeFaces; l = l->next) n++;
+        if (n < TreeFaces) return nullptr;
+        t = new _OrvPickTree_;
+        t->firstFace = first;
+        t->lastFace = last;
+        std::vector<_OrvPickBox_> boxes;
+        std::unordered_set<const OrvShare*> shares;
+        t->usable = true;
+        for (OrvLink* l = set.faces.first; l; l = l->next) {
+            const OrvPolygon* face = (const OrvPolygon*)l->value;
+            unsigned count = face->vertexCardinal();
+            boxes.emplace_back();
+            t->faces.push_back(face);
+            if (!count) continue;  // never hit
+            // A face the walk would report is left to the walk.
+            if (count < 3 || !faceBox(face, 0, count, boxes.back())) t->usable = false;
+            shares.insert(face->vertexSharedAnyPoints());
+        }
+        t->faceCount = (unsigned)t->faces.size();
+        t->shares.assign(shares.begin(), shares.end());
+        if (t->usable) t->tree.build(boxes, nullptr, false);
+        _OrvPickTreeBuilt_(t);
+    }
+    return t->usable ? t : nullptr;
+}
+
+static _OrvPickTree_* treeOf(const OrvSeries& series) {
+    _OrvPickTree_*& t = series.pickTree;
+    if (t && (t->faceCount != series.faceCardinal() || !_OrvPickTreeCurrent_(t)))
+        series.dropPickTree();
+    if (!t) {
+        unsigned faces = series.faceCardinal();
+        if (faces < TreeFaces) return nullptr;
+        t = new _OrvPickTree_;
+        t->faceCount = faces;
+        t->shares.push_back(series.vertexSharedAnyPoints());
+        // A mesh of quadrilaterals short of vertices would be reported face by
+        // face; the walk does that.
+        t->usable =
+            series.kind != OrvQuadMesh ||
+            (unsigned long)(series.data1 + 1) * (series.data2 + 1) <= series.vertexCardinal();
+        std::vector<_OrvPickBox_> boxes(t->usable ? faces : 0);
+        for (unsigned f = 0; f < faces && t->usable; f++) {
+            unsigned count = series.subFaceVertexCardinal(f);
+            if (count < 3 || !faceBox(&series, f, count, boxes[f])) t->usable = false;
+        }
+        if (t->usable) t->tree.build(boxes, nullptr, false);
+        _OrvPickTreeBuilt_(t);
+    }
+    return t->usable ? t : nullptr;
+}
+
+// ---------------------------------------------------------------------------
 // Polygons, series, face sets
 // ---------------------------------------------------------------------------
 
@@ -323,12 +421,31 @@ unsigned long OrvSeries::pick2(const Orv2dPoint& point, const OrvScene* scene,
         }
         return true;
     };
-    unsigned n = faceCardinal();
-    for (unsigned f = 0; f < n; f++)
-        if (!tryFace(f)) return 0;
+    const _OrvPickTree_* tree = OrvUsePickHierarchy() ? treeOf(*this) : nullptr;
+    if (tree) {
+        static std::vector<uint32_t> list;
+        candidates(p, tree, list);
+        for (uint32_t f : list)
+            if (!tryFace(f)) return 0;
+    } else {
+        unsigned n = faceCardinal();
+        for (unsigned f = 0; f < n; f++)
+            if (!tryFace(f)) return 0;
+    }
     if (!found) return 0;
     record(p, this, best);
     return 1;
+}
+
+void OrvSeries::computeBBox() {
+    OrvPolygon::computeBBox();
+    dropPickTree();
+    _OrvPickGeometryChanged_();
+}
+
+void OrvSeries::dropPickTree() const {
+    _OrvFreePickTree_(pickTree);
+    pickTree = nullptr;
 }
 
 unsigned long OrvFaceSet::pick(const Orv2dPoint& point, const OrvScene* scene,
@@ -359,10 +476,22 @@ unsigned long OrvFaceSet::pick2(const Orv2dPoint& point, const OrvScene* scene,
             bestFace = face;
         }
     };
-    for (OrvLink* l = faces.first; l; l = l->next) tryFace((const OrvPolygon*)l->value);
+    const _OrvPickTree_* tree = OrvUsePickHierarchy() ? treeOf(*this) : nullptr;
+    if (tree) {
+        static std::vector<uint32_t> list;
+        candidates(p, tree, list);
+        for (uint32_t f : list) tryFace(tree->faces[f]);
+    } else {
+        for (OrvLink* l = this->faces.first; l; l = l->next) tryFace((const OrvPolygon*)l->value);
+    }
     if (!bestFace) return 0;
     record(p, bestFace, best);
     return 1;
+}
+
+void OrvFaceSet::dropPickTree() const {
+    _OrvFreePickTree_(pickTree);
+    pickTree = nullptr;
 }
 
 // ---------------------------------------------------------------------------
@@ -428,6 +557,27 @@ unsigned long Orv3dActorFaceSet::contains3d(const Orv2dPoint& point, const OrvSc
     return faces ? faces->pick(point, scene, this) : 0;
 }
 
+void Orv3dActorFaceSet::takeAPicture() {
+    if (faces) faces->dropPickTree();
+    _OrvPickActorChanged_(getTheater(), this);
+    Orv3dActor::takeAPicture();
+}
+
+// A new look is no new geometry: the pick hierarchy stays.
+void Orv3dActorFaceSet::notifyOnMakeUpChanged() {
+    if (OrvUpdateDisplayListOnMakeUpChanged()) Orv3dActor::takeAPicture();
+}
+
 unsigned long Orv3dShape::contains3d(const Orv2dPoint& point, const OrvScene* scene) const {
     return series_ ? series_->pick(point, scene, this) : 0;
+}
+
+void Orv3dShape::takeAPicture() {
+    if (series_) series_->dropPickTree();
+    _OrvPickActorChanged_(getTheater(), this);
+    Orv3dActor::takeAPicture();
+}
+
+void Orv3dShape::notifyOnMakeUpChanged() {
+    if (OrvUpdateDisplayListOnMakeUpChanged()) Orv3dActor::takeAPicture();
 }

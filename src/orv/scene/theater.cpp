@@ -14,6 +14,8 @@
 #include "orv/stage.h"
 #include "orv/view.h"
 
+#include "pick_tree.h"
+
 namespace {
 
 // The keys of the lists of link images that start and end at an actor.
@@ -525,6 +527,9 @@ void OrvTheater::abortDrawing() {
 }
 
 void OrvTheater::invalidate(const OrvActor* actor, unsigned long links) {
+    // Every change of an actor comes through here: its layer's pick
+    // hierarchy takes its box again.
+    _OrvPickActorChanged_(this, actor);
     OrvTheaterLayer* l = actor && actor->isVisible() ? getLayer(actor) : nullptr;
     if (!l) return;
     for (OrvLink* s = scenes.first; s; s = s->next) {

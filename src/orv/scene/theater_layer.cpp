@@ -10,6 +10,8 @@
 #include "orv/resource.h"
 #include "orv/scene.h"
 
+#include "pick_tree.h"
+
 namespace {
 
 // The projected box of the actor, as the scene's matrices place it.
@@ -35,6 +37,7 @@ OrvTheaterLayer::OrvTheaterLayer(OrvTheater* owner, unsigned short layerNumber)
 }
 
 OrvTheaterLayer::~OrvTheaterLayer() {
+    _OrvFreeLayerPickTree_(pickTree);
     free(actors);
 }
 

@@ -2,11 +2,16 @@
 // are asked from back to front and the actors of a layer from the last drawn
 // to the first; among the hits the one nearest the eye wins (by the window
 // depth of the point the pick recorded), the first found on a tie. A selected
-// actor's handles answer for their layer at once.
+// actor's handles answer for their layer at once. Large layers ask their
+// hierarchy which actors may be hit; the order and the answer stay the walk's.
+#include <vector>
+
 #include "orv/actor.h"
 #include "orv/director.h"
 #include "orv/scene.h"
 #include "orv/theater.h"
+
+#include "pick_tree.h"
 
 namespace {
 struct Found {
@@ -67,7 +72,15 @@ static void pickLayer(const OrvTheaterLayer* layer, const Orv2dPoint& point, con
         }
     }
     if (handlesOnly) return;
-    for (unsigned i = layer->count; i-- > 0;) {
+    static std::vector<uint32_t> numbers;
+    std::vector<uint32_t> mine;
+    mine.swap(numbers);  // an actor's own pick may come back here
+    if (!_OrvLayerPickCandidates_(layer, point, scene->worldToScene, mine)) {
+        mine.resize(layer->count);
+        for (unsigned i = 0; i < layer->count; i++) mine[i] = layer->count - 1 - i;
+    }
+    for (uint32_t i : mine) {
+        if (i >= layer->count) continue;
         OrvActor* actor = layer->actors[i];
         if (!considered(actor, role, highlightable, type)) continue;
         director->clearPick3dRecord();
@@ -75,6 +88,7 @@ static void pickLayer(const OrvTheaterLayer* layer, const Orv2dPoint& point, con
         const OrvPick3dRecord& r = director->pick3dRecord();
         keep(found, r.actor == actor ? r : boxRecord(scene, actor), scene);
     }
+    mine.swap(numbers);
 }
 
 static OrvActor* pickActor(const OrvTheater* theater, const Orv2dPoint& point,
