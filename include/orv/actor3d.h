@@ -59,6 +59,12 @@ public:
     OrvFaceSet* getFaceSet() const { return faces; }
     void draw3d(const OrvScene* scene) const override;
     Orv3dVolume bbox3d(unsigned long world) const override;
+    // The face set's pick.
+    unsigned long contains3d(const Orv2dPoint& point, const OrvScene* scene) const override;
+    // Also forgets the face set's pick hierarchy: its geometry changed.
+    void takeAPicture() override;
+    // A new make-up drops the display list but keeps the pick hierarchy.
+    void notifyOnMakeUpChanged() override;
 };
 
 // A series, owned, with an optional colour a face (a locked share) and an
@@ -84,6 +90,12 @@ public:
     OrvSeries* getSeries() const { return series_; }
     void draw3d(const OrvScene* scene) const override;
     Orv3dVolume bbox3d(unsigned long world) const override;
+    // The series' pick.
+    unsigned long contains3d(const Orv2dPoint& point, const OrvScene* scene) const override;
+    // Also forgets the series' pick hierarchy: its geometry changed.
+    void takeAPicture() override;
+    // A new make-up drops the display list but keeps the pick hierarchy.
+    void notifyOnMakeUpChanged() override;
 };
 
 ORV_DECLARE_CLASS_INIT(Orv3dActor)

@@ -34,6 +34,27 @@ class OrvActor;
 class OrvStage;
 class OrvBalloonTimer;
 class OrvBalloonStage;
+class OrvPolygon;
+
+// What a pick found: a face, a line or an actor's box.
+enum OrvPickType {
+    OrvPickNone = 0,  // a cleared record
+    OrvPickFace = 1,
+    OrvPickLine = 2,
+    OrvPickBox = 4
+};
+
+// The last successful pick, held by the director. The point is in world
+// coordinates (in invariant space for an invariant actor).
+struct OrvPick3dRecord {
+    const OrvScene* scene = nullptr;
+    OrvPickType type = OrvPickNone;
+    OrvActor* actor = nullptr;
+    const OrvPolygon* polygon = nullptr;  // null when the hit was no face
+    Orv3dPoint point;
+    long vertexIndex = -1;  // -1 when none
+    long edgeIndex = -1;
+};
 
 class OrvDirector {
 public:
@@ -287,6 +308,16 @@ public:
     // The make-up of balloons to come and of the one shown; counted.
     void setBalloonMakeUp(OrvMakeUp* makeUp);
     void setBalloonDelays(unsigned long showMs, unsigned long hideMs);
+
+    // ----- The pick record ---------------------------------------------------------
+    // Fills the record; a null point leaves (0, 0, 0).
+    void setPick3dRecord(const OrvScene* scene, OrvPickType type, OrvActor* actor,
+                         const OrvPolygon* polygon, const Orv3dPoint* point, long vertexIndex,
+                         long edgeIndex);
+    const OrvPick3dRecord& pick3dRecord() const { return pickRecord; }
+    // Back to no scene, type 0, no actor or polygon, (0, 0, 0) and indices -1.
+    void clearPick3dRecord();
+    OrvPick3dRecord pickRecord;
 
     // ----- 3D defaults ---------------------------------------------------------
     // Makes an environment and appends it to the list (never shared by content).

@@ -35,6 +35,7 @@
 #include "orv/scene.h"
 #include "orv/actor3d.h"
 #include "orv/lines3d.h"
+#include "orv/pick.h"
 #include "orv/balloon.h"
 
 #endif

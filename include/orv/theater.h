@@ -21,6 +21,7 @@ class OrvAccelerator;
 class OrvView;
 class OrvCallback;
 class OrvLinkImage;
+struct _OrvLayerPickTree_;  // the hierarchy of a layer's actors, made by its first pick
 
 // The observer of a theater. Every call does nothing by default.
 class OrvTheaterHook {
@@ -81,6 +82,9 @@ public:
 
     // Renders the visible actors whose projected box meets the region's box (all without one).
     void draw(const OrvScene* scene, const Orv2dRegion* region);
+    // The hierarchy of the actors' boxes that contains goes through; made by
+    // the first pick, owned.
+    mutable _OrvLayerPickTree_* pickTree = nullptr;
     // Renders the actors that are opaque (opaque 1) or transparent (opaque 0); with a
     // list, draws the opaque ones and lists the transparent ones instead.
     void drawTransparency(const OrvScene* scene, const Orv2dRegion* region, unsigned long opaque,

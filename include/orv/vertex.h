@@ -11,6 +11,13 @@
 
 class OrvOStream;
 class OrvIStream;
+class OrvScene;
+class OrvActor;
+struct _OrvPickTree_;  // the hierarchy of a mesh's faces, made by its first pick
+
+// The make-up's culling mode and face styles (orv/makeup.h), for picking.
+typedef unsigned long OrvCullingMode;
+typedef unsigned long OrvFaceStyle;
 
 // ---------------------------------------------------------------------------
 // Small values
@@ -601,6 +608,19 @@ public:
     // Nothing happens without points or when there are textures already.
     virtual void computeVerticeTextures(const Orv3dVolume* box = nullptr);
 
+    // Whether the window point of the scene falls on the polygon, placed by
+    // the actor's matrix and drawn with its make-up's culling and face styles
+    // (all faces filled without an actor). A hit fills the director's pick
+    // record: type OrvPickFace, the actor, this polygon, where the camera's
+    // ray meets the face's plane, and the vertex (points) or edge (lines)
+    // number; 1 then, 0 otherwise.
+    unsigned long pick(const Orv2dPoint& point, const OrvScene* scene, const OrvActor* actor) const;
+    // The same with the matrix, culling and styles given. Faces drawn as
+    // points or lines are hit within 3 pixels.
+    virtual unsigned long pick2(const Orv2dPoint& point, const OrvScene* scene,
+                                const OrvActor* actor, const Orv3dMatrix* matrix,
+                                OrvCullingMode cull, OrvFaceStyle front, OrvFaceStyle back) const;
+
 protected:
     // The number of the nth vertex of a face, or -1 after the message.
     virtual long faceVertex(unsigned face, unsigned nth) const;
@@ -663,6 +683,18 @@ public:
     // face. Kinds 0 to 3 get one normal a vertex; Faces get a table of
     // distinct normals through the index.
     virtual unsigned long computeVerticeNormals(const double creaseAngle);
+
+    // The face nearest the eye among those under the point; the record's
+    // vertex and edge numbers count the series' vertices.
+    unsigned long pick2(const Orv2dPoint& point, const OrvScene* scene, const OrvActor* actor,
+                        const Orv3dMatrix* matrix, OrvCullingMode cull, OrvFaceStyle front,
+                        OrvFaceStyle back) const override;
+    // Also forgets the pick hierarchy, since the points moved.
+    void computeBBox() override;
+    // Forgets the pick hierarchy: the next pick builds it again.
+    void dropPickTree() const;
+
+    mutable _OrvPickTree_* pickTree = nullptr;  // owned; made by the first pick
 
 protected:
     long faceVertex(unsigned face, unsigned nth) const override;
@@ -768,6 +800,18 @@ public:
     // Texture coordinates from one box for all faces (the set's by default),
     // so that the texture runs on from face to face.
     void computeVerticeTextures(const Orv3dVolume* box = nullptr);
+
+    // The face nearest the eye among those under the point, as
+    // OrvPolygon::pick tells it for each face; the record names the face.
+    unsigned long pick(const Orv2dPoint& point, const OrvScene* scene, const OrvActor* actor) const;
+    virtual unsigned long pick2(const Orv2dPoint& point, const OrvScene* scene,
+                                const OrvActor* actor, const Orv3dMatrix* matrix,
+                                OrvCullingMode cull, OrvFaceStyle front, OrvFaceStyle back) const;
+    // Forgets the pick hierarchy: the next pick builds it again. Adding
+    // faces and computeBBox do it; so must whoever changes faces otherwise.
+    void dropPickTree() const;
+
+    mutable _OrvPickTree_* pickTree = nullptr;  // owned; made by the first pick
 };
 
 // ---------------------------------------------------------------------------

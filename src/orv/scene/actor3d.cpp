@@ -96,13 +96,20 @@ void OrvActor::bboxToScene(Orv2dRegion& region, const Orv3dMatrix* matrix,
 }
 
 // The default pick: anywhere in the projected box, through the matrix of the
-// actor's space in that scene (none without a scene).
+// actor's space in that scene (none without a scene). A hit is recorded as a
+// box hit at the box's centre.
 unsigned long OrvActor::contains3d(const Orv2dPoint& point, const OrvScene* scene) const {
     const Orv3dMatrix* matrix = nullptr;
     if (scene) matrix = isInvariant() ? &scene->invariantToScene : &scene->worldToScene;
     Orv2dRegion region;
     bboxToScene(region, matrix, 1);
-    return region.contains(point) ? 1 : 0;
+    if (!region.contains(point)) return 0;
+    OrvDirector* director = scene && scene->makeUp ? scene->makeUp->director : makeUp->director;
+    Orv3dPoint centre = bbox3d(1).center();
+    if (director)
+        director->setPick3dRecord(scene, OrvPickBox, const_cast<OrvActor*>(this), nullptr, &centre,
+                                  -1, -1);
+    return 1;
 }
 
 unsigned long OrvActor::intersects3d(const Orv2dRegion& region, const Orv3dMatrix* matrix) const {

@@ -344,7 +344,8 @@ void Orv3dShape::colors(OrvShare* c) {
     OrvShare* old = colors_;
     colors_ = acceptColors(series_, c);
     if (old) old->unLock();
-    takeAPicture();
+    // New colours are no new geometry: the pick hierarchy stays.
+    Orv3dActor::takeAPicture();
     flushDrawing(0);
 }
 
@@ -354,7 +355,7 @@ void Orv3dShape::materials(OrvColor** m) {
     unsigned oldCount = materialCount;
     materials_ = copyMaterials(series_, m, materialCount);
     releaseMaterials(old, oldCount);
-    takeAPicture();
+    Orv3dActor::takeAPicture();
     flushDrawing(0);
 }
 

@@ -10,6 +10,7 @@
 #include "../stream/line.h"
 #include "../stream/scan.h"
 #include "crease.h"
+#include "pick_tree.h"
 #include "vertex_io.h"
 
 OrvFaceSet::OrvFaceSet(unsigned count, ...) : bbox() {
@@ -25,6 +26,7 @@ OrvFaceSet::OrvFaceSet(const OrvFaceSet& source) : bbox(source.bbox) {
 }
 
 OrvFaceSet::~OrvFaceSet() {
+    dropPickTree();
     for (OrvLink* l = faces.first; l; l = l->next) delete (OrvFace*)l->value;
 }
 
@@ -38,6 +40,8 @@ OrvFaceSet* OrvFaceSet::copy() const {
 
 void OrvFaceSet::insert(OrvFace* face) {
     if (!face) return;
+    dropPickTree();
+    _OrvPickGeometryChanged_();
     bool first = !faces.first;
     faces.insert(face);
     if (first)
@@ -48,6 +52,8 @@ void OrvFaceSet::insert(OrvFace* face) {
 
 void OrvFaceSet::add(OrvFace* face) {
     if (!face) return;
+    dropPickTree();
+    _OrvPickGeometryChanged_();
     bool first = !faces.first;
     faces.append(face);
     if (first)
@@ -57,6 +63,9 @@ void OrvFaceSet::add(OrvFace* face) {
 }
 
 void OrvFaceSet::computeBBox() {
+    // Points moved: the pick hierarchies take the faces again.
+    dropPickTree();
+    _OrvPickGeometryChanged_();
     bool first = true;
     for (OrvLink* l = faces.first; l; l = l->next) {
         OrvFace* face = (OrvFace*)l->value;

@@ -10,6 +10,7 @@
 #include "../stream/line.h"
 #include "../stream/scan.h"
 #include "crease.h"
+#include "pick_tree.h"
 #include "vertex_io.h"
 
 // ---------------------------------------------------------------------------
@@ -239,6 +240,7 @@ static unsigned long change(OrvPolygon& polygon, unsigned i, const Orv3dPoint* p
     // each time, given or not.
     OrvPrint("To be done ...... \n");
     polygon.computeBBox();
+    _OrvPickPointsChanged_(points);
     return 1;
 }
 

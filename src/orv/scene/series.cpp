@@ -24,6 +24,7 @@ OrvSeries::OrvSeries(const OrvSeries& source)
 }
 
 OrvSeries::~OrvSeries() {
+    dropPickTree();
     if (faceNormals) faceNormals->unLock();
 }
 

@@ -15,6 +15,8 @@
 #include "orv/view.h"
 #include "theater_internal.h"
 
+#include "pick_tree.h"
+
 namespace {
 
 // The view callbacks: the theater is their data.
@@ -521,6 +523,9 @@ void OrvTheater::abortDrawing() {
 }
 
 void OrvTheater::invalidate(const OrvActor* actor, unsigned long links) {
+    // Every change of an actor comes through here: its layer's pick
+    // hierarchy takes its box again.
+    _OrvPickActorChanged_(this, actor);
     OrvTheaterLayer* l = actor && actor->isVisible() ? getLayer(actor) : nullptr;
     if (!l) return;
     for (OrvLink* s = scenes.first; s; s = s->next) {

@@ -12,6 +12,8 @@
 #include "../stage/link_chains.h"
 #include "theater_internal.h"
 
+#include "pick_tree.h"
+
 namespace {
 
 // The projected box of the actor, as the scene's matrices place it.
@@ -37,6 +39,7 @@ OrvTheaterLayer::OrvTheaterLayer(OrvTheater* owner, unsigned short layerNumber)
 }
 
 OrvTheaterLayer::~OrvTheaterLayer() {
+    _OrvFreeLayerPickTree_(pickTree);
     free(actors);
 }
 

@@ -118,6 +118,12 @@ OrvActor::OrvActor(const OrvActor& source)
 }
 
 OrvActor::~OrvActor() {
+    // A pick record must not name an actor that is gone.
+    for (OrvLink* l = OrvGetAllDirectors() ? OrvGetAllDirectors()->first : nullptr; l;
+         l = l->next) {
+        OrvDirector* director = (OrvDirector*)l->value;
+        if (director->pick3dRecord().actor == this) director->clearPick3dRecord();
+    }
     // Leaving the container first redraws the actor's place and drops its links,
     // so no container needs to hear of the actor's end.
     OrvTheater* theater = getTheater();
