@@ -35,6 +35,23 @@ class OrvStage;
 class OrvBalloonTimer;
 class OrvBalloonStage;
 
+// What the last successful pick in a scene found.
+enum OrvPickType {
+    OrvPickFace = 1,
+    OrvPickLine = 2,
+    OrvPickBox = 4
+};
+class OrvPolygon;
+struct OrvPick3dRecord {
+    const OrvScene* scene;
+    OrvPickType type;
+    OrvActor* actor;
+    const OrvPolygon* polygon;  // null when none
+    Orv3dPoint point;           // world coordinates (the actor's space when invariant)
+    long vertexIndex;           // -1 when none
+    long edgeIndex;             // -1 when none
+};
+
 class OrvDirector {
 public:
     OrvDirector(const OrvDirector&) = delete;
@@ -277,6 +294,9 @@ public:
 
     // Told of each event a stage sees: hides any balloon and starts the wait again.
     void runBalloonTimer(OrvStage* stage, const OrvEvent& event);
+    // The same for an event in a scene of a theater: the balloon that comes is that of
+    // the theater's actor under the pointer, at the pointer's screen position.
+    void runBalloonTimer(OrvTheater* theater, OrvScene* scene, const OrvEvent& event);
     // Shows the actor's balloon at a point of the screen, whole; 0 when it has none.
     unsigned long mapBalloon(OrvActor* actor, const Orv2dPoint& point);
     // Balloons on or off; hides any shown.
@@ -287,6 +307,14 @@ public:
     // The make-up of balloons to come and of the one shown; counted.
     void setBalloonMakeUp(OrvMakeUp* makeUp);
     void setBalloonDelays(unsigned long showMs, unsigned long hideMs);
+
+    // ----- The pick record ------------------------------------------------------
+    // A null point keeps zeros.
+    void setPick3dRecord(const OrvScene* scene, OrvPickType type, OrvActor* actor,
+                         const OrvPolygon* polygon, const Orv3dPoint* point, long vertexIndex,
+                         long edgeIndex);
+    const OrvPick3dRecord& pick3dRecord() const;
+    void clearPick3dRecord();
 
     // ----- 3D defaults ---------------------------------------------------------
     // Makes an environment and appends it to the list (never shared by content).

@@ -2,11 +2,7 @@
 // Each piece of work removes the bodies it implements; the file goes at integration.
 #include "orv/theater.h"
 
-void OrvTheater::handleInput(OrvView*, const OrvEvent&) {}
 int OrvTheater::dispatchToAccelerators(OrvScene*, const OrvEvent&) {
-    return 0;
-}
-int OrvTheater::dispatchToActors(OrvScene*, const OrvEvent&) {
     return 0;
 }
 void OrvTheater::setFocus(OrvActor*) {}
