@@ -33,23 +33,25 @@ protected:
     }
 };
 
-// Orthographic and perspective (the square off the origin's depth): the point pressed
-// ends under the release, within a pixel.
+// Orthographic and perspective (the square off the origin's depth), by the move producer
+// and by the move role: the point pressed ends under the release, within a pixel.
 TEST_F(Producer3dTest, MoveKeepsThePickedPointUnderThePointer) {
     if (!director) return;
-    for (auto [perspective, v] : {std::pair(0, Orv3dVolume(-0.9f, -0.3f, -2, 0.6f, 0.6f, 0)),
-                                  {1, Orv3dVolume(-1.8f, -0.6f, -2, 1.2f, 1.2f, 0)}}) {
+    for (auto [perspective, role] : {std::pair(0, 0), {1, 0}, {1, 1}}) {
         if (perspective) {
             scene->currentCamera()->lookAt(Orv3dPoint(0, 0, 5), Orv3dPoint(), Orv3dVector(0, 1, 0));
             scene->currentCamera()->perspective(40, 1, 1, 100);
         }
-        Square* s = square(v, "S");
+        if (role) theater->setProducer(nullptr);
+        Square* s = square(perspective ? Orv3dVolume(-1.8f, -0.6f, -2, 1.2f, 1.2f, 0)
+                                       : Orv3dVolume(-0.9f, -0.3f, -2, 0.6f, 0.6f, 0),
+                           "S", role ? OrvGetRole("Move") : nullptr);
         settle();
         Orv2dPoint c = corner(s), from(c.x + 6, c.y + 6), to(from.x + 70, from.y + 23);
         drag(from, to);
         Orv2dPoint moved = corner(s);
-        EXPECT_NEAR(to.x - 6, moved.x, 1) << perspective;
-        EXPECT_NEAR(to.y - 6, moved.y, 1) << perspective;
+        EXPECT_NEAR(to.x - 6, moved.x, 1) << perspective << role;
+        EXPECT_NEAR(to.y - 6, moved.y, 1) << perspective << role;
         const int probes[][3] = {{to.x, to.y, 0xff0000},
                                  {moved.x + 2, moved.y + 2, 0xff0000},
                                  {moved.x - 2, moved.y - 2, 0},

@@ -143,6 +143,31 @@ TEST_F(TheaterInputTest, GrabTakesThePointerUntilRelease) {
     EXPECT_EQ("B:key B:keyup", taken());
 }
 
+// The button and the toggle: inverted on the press, restored when dragged out and again
+// when back, validated on the release; the toggle keeps its look.
+TEST_F(TheaterInputTest, ButtonAndToggleInAScene) {
+    if (!director) return;
+    for (auto [name, kept] : {std::pair("Button", 0ul), {"Toggle", 1ul}}) {
+        Square* a = on(A, "A", OrvGetRole(name));
+        int calls = 0;
+        a->setCallback(new CountingCallback(&calls));
+        std::vector<unsigned long> inverted;
+        auto note = [&] { inverted.push_back(a->isInverted()); };
+        drag(pt(A), pt(A), [&] {
+            note();
+            moveTo(pt(C).x, pt(C).y);
+            note();
+            moveTo(pt(A).x, pt(A).y);
+            note();
+        });
+        note();
+        EXPECT_EQ((std::vector<unsigned long>{1, 0, 1, kept}), inverted) << name;
+        EXPECT_EQ(1, calls) << name;
+        theater->remove(a, 1);
+        delete a;
+    }
+}
+
 // A press that takes the focus path runs inside beginDrawing: its changes show when
 // dispatchToActors closes the nest, unless the role cleared lockedFlush to close it itself.
 TEST_F(TheaterInputTest, PressInsideBeginDrawingClosedByLockedFlush) {
