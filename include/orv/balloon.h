@@ -8,11 +8,16 @@
 #include "orv/relief.h"
 #include "orv/stage.h"
 
+class OrvTheater;
+class OrvScene;
+
 // The director's one-shot timer: waiting, it looks for the actor under the
 // last point seen and shows its balloon; shown, it hides the balloon.
 class OrvBalloonTimer : public OrvTimer {
 public:
     OrvStage* stage;      // where the last event was; null when there is none
+    OrvTheater* theater;  // or the theater and the scene of that event
+    OrvScene* scene;
     OrvEvent event;       // that event, whole
     unsigned long shown;  // 0 waiting, 1 a balloon is up
 
@@ -20,7 +25,7 @@ public:
     ~OrvBalloonTimer() override;
     // Shows the balloon of the actor under the point, or hides the one shown.
     void activate() override;
-    // Forgets the stage, the event and the state.
+    // Forgets the stage (or theater and scene), the event and the state.
     void clear();
 };
 

@@ -298,6 +298,9 @@ public:
 
     // Told of each event a stage sees: hides any balloon and starts the wait again.
     void runBalloonTimer(OrvStage* stage, const OrvEvent& event);
+    // The same for an event in a scene of a theater: the balloon that comes is that of
+    // the theater's actor under the pointer, at the pointer's screen position.
+    void runBalloonTimer(OrvTheater* theater, OrvScene* scene, const OrvEvent& event);
     // Shows the actor's balloon at a point of the screen, whole; 0 when it has none.
     unsigned long mapBalloon(OrvActor* actor, const Orv2dPoint& point);
     // Balloons on or off; hides any shown.

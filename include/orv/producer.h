@@ -16,6 +16,7 @@ class OrvDirector;
 class OrvMakeUp;
 class Orv2dRegion;
 class Orv2dMatrix;
+struct Orv3dMatrix;
 
 class OrvProducer {
 public:
@@ -26,6 +27,8 @@ public:
 
     // Appended to the stage's producers, which the stage deletes.
     explicit OrvProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
+    // Appended to the scene's producers, which the scene deletes.
+    explicit OrvProducer(OrvScene* forScene, OrvProducer* previousProducer = nullptr);
     OrvProducer(const OrvProducer&) = delete;
     OrvProducer& operator=(const OrvProducer&) = delete;
     virtual ~OrvProducer();
@@ -45,6 +48,13 @@ public:
     // The stage's transformer; null for identity or without a stage.
     const Orv2dMatrix* toStage() const;
     void setStage(OrvStage* stage);
+    // Leaves the stage or scene it served (and the theater, where it was current) for
+    // the scene; unlike setStage, it does not join the scene's list of producers.
+    void setScene(OrvScene* scene);
+    // The scene's matrices from world (or, with invariant, invariant space) to the
+    // window, and back; null without a scene.
+    const Orv3dMatrix* toScene(unsigned long invariant) const;
+    const Orv3dMatrix* toWorld(unsigned long invariant) const;
     // Makes the previous producer current again.
     void callPrevious();
 
@@ -55,6 +65,8 @@ protected:
     Orv2dPoint map(const Orv2dPoint& p) const;
     // The stage's snapToGrid, then mapped back.
     Orv2dPoint snapped(long x, long y) const;
+    // The director of the scene.
+    OrvDirector* sceneDirector() const;
 };
 
 // Moves the selections: a press picks and selects, a drag shows a ghost of
@@ -66,17 +78,30 @@ public:
     unsigned long active;
     unsigned long wasSelected;
     Orv2dPoint start, current;
+    // In a scene: the points under the pointer at the press and now, in world space (the
+    // picked actor's space when it is invariant), at the window depth of the picked point.
     Orv3dPoint start3d, current3d;
-    unsigned long gesture;  // of the drag under way: its steps undo as one
+    unsigned long gesture;        // of the drag under way: its steps undo as one
+    float pickDepth;              // that window depth
+    unsigned long pickInvariant;  // the picked actor is invariant
 
     explicit OrvMoveProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
+    explicit OrvMoveProducer(OrvScene* forScene, OrvProducer* previousProducer = nullptr);
     int input2d(const OrvEvent& event) override;
     void expose2d(const Orv2dRegion* region) override;
+    // In a scene the ghost is the box of the selections, drawn by boxGhost.
+    int input3d(const OrvEvent& event) override;
+    void expose3d(const Orv2dRegion* region) override;
     void abort() override;
     const char* className() const override { return "Move"; }
     unsigned long isActive() const override { return active; }
     virtual void activate2d(const Orv2dPoint& delta);
+    // Translates each selected actor by to - from.
     virtual void activate3d(const Orv3dPoint& from, const Orv3dPoint& to);
+
+private:
+    // The point under a window point at the picked depth.
+    Orv3dPoint unproject(long x, long y) const;
 };
 
 // Resizes a selected actor by one of its eight handles.
@@ -92,6 +117,7 @@ public:
     OrvProducer* polylineEditor;  // owned; edits the vertices of polylines
 
     explicit OrvReshapeProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
+    explicit OrvReshapeProducer(OrvScene* forScene, OrvProducer* previousProducer = nullptr);
     ~OrvReshapeProducer() override;
     int input2d(const OrvEvent& event) override;
     void expose2d(const Orv2dRegion* region) override;
@@ -125,18 +151,23 @@ public:
 // Drags out a rectangle and hands it to activate2d.
 class OrvRectangleProducer : public OrvProducer {
 public:
-    Orv2dPoint start, end;  // in the stage's space
+    Orv2dPoint start, end;  // in the stage's space; in a scene, window points
     Orv3dPoint start3d, end3d;
     unsigned long active;
     unsigned short mask;
+    unsigned long ghostClipSet;  // 1 while expose3d has clipped the ghost to its region
 
     explicit OrvRectangleProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
+    explicit OrvRectangleProducer(OrvScene* forScene, OrvProducer* previousProducer = nullptr);
     int input2d(const OrvEvent& event) override;
     void expose2d(const Orv2dRegion* region) override;
+    int input3d(const OrvEvent& event) override;
+    void expose3d(const Orv2dRegion* region) override;
     const char* className() const override { return "DragRectangle"; }
     unsigned long isActive() const override { return active; }
     virtual void ghost2d(const OrvMakeUp* makeUp, const Orv2dRect& rect);
     virtual void activate2d(const Orv2dRect& rect);
+    // The scene's rectangleGhost of the window rectangle.
     virtual void ghost3d(const Orv2dRect& rect);
     virtual void activate3d(const Orv2dRect& rect);
 };
@@ -146,8 +177,12 @@ class OrvSelectRectangleProducer : public OrvRectangleProducer {
 public:
     explicit OrvSelectRectangleProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr)
         : OrvRectangleProducer(forStage, previousProducer) {}
+    explicit OrvSelectRectangleProducer(OrvScene* forScene, OrvProducer* previousProducer = nullptr)
+        : OrvRectangleProducer(forScene, previousProducer) {}
     const char* className() const override { return "DragSelectRectangle"; }
     void activate2d(const Orv2dRect& rect) override;
+    // Selects the actors of the theater that lie inside3d the window rectangle.
+    void activate3d(const Orv2dRect& rect) override;
 };
 
 // The usual editing mode: a press on a handle reshapes, on an actor moves,
@@ -156,23 +191,30 @@ class OrvSelectProducer : public OrvProducer {
 public:
     OrvMoveProducer* move;
     OrvReshapeProducer* reshape;
-    OrvSelectRectangleProducer* selectRectangle;
-    OrvProducer* pick3d;    // used only in a scene
-    OrvProducer* rotate3d;  // used only in a scene
-    OrvProducer* extra;     // asked first while it is active
-    OrvProducer* inUse;     // the sub-producer of the running gesture
+    OrvSelectRectangleProducer* selectRectangle;  // null in a scene: pick3d serves there
+    OrvProducer* pick3d;                          // used only in a scene: its selection rectangle
+    OrvProducer* rotate3d;                        // used only in a scene
+    OrvProducer* extra;                           // asked first while it is active
+    OrvProducer* inUse;                           // the sub-producer of the running gesture
     unsigned short mask1, mask2;
 
     explicit OrvSelectProducer(OrvStage* forStage, OrvProducer* previousProducer = nullptr);
+    explicit OrvSelectProducer(OrvScene* forScene, OrvProducer* previousProducer = nullptr);
     ~OrvSelectProducer() override;
     int input2d(const OrvEvent& event) override;
     void expose2d(const Orv2dRegion* region) override;
+    int input3d(const OrvEvent& event) override;
+    void expose3d(const Orv2dRegion* region) override;
     void abort() override;
     void init() override;
     void setTheater(OrvTheater* theater) override;
     const char* className() const override { return "Select"; }
     // Replaces the owned extra producer; it is asked first while it is active.
     void setExtra(OrvProducer* producer);
+
+private:
+    // Takes a sub-producer out of the list of the stage or scene, which would delete it.
+    void adopt(OrvProducer* producer);
 };
 
 #endif

@@ -78,6 +78,10 @@ public:
 
     OrvButtonRole() : pressed(0) {}
     int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    // The same machine in a scene; the press grabs the theater's pointer events
+    // until the release.
+    int input3d(OrvActor* actor, const OrvEvent& event, OrvTheater* theater,
+                OrvScene* scene) override;
     const char* className() const override { return "Button"; }
     virtual void validate(OrvActor* actor, OrvStage* stage);
     virtual void validate(OrvActor* actor, OrvTheater* theater, OrvScene* scene);
@@ -90,6 +94,9 @@ public:
 
     OrvToggleRole() : pressed(0) {}
     int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    // The same machine in a scene, grabbing as the button does.
+    int input3d(OrvActor* actor, const OrvEvent& event, OrvTheater* theater,
+                OrvScene* scene) override;
     const char* className() const override { return "Toggle"; }
     virtual void validate(OrvActor* actor, OrvStage* stage);
     virtual void validate(OrvActor* actor, OrvTheater* theater, OrvScene* scene);
@@ -101,15 +108,24 @@ public:
     unsigned long immediate;  // 1: the actor follows the pointer; 0: a ghost does
     unsigned long active;
     Orv2dPoint start, current;
+    // In a scene: the points under the pointer at the press and now, in the actor's
+    // parent space (world, or invariant space), at the window depth of the picked point.
     Orv3dPoint start3d, current3d;
     unsigned long gesture;  // of the drag under way: its steps undo as one
+    float pickDepth;        // that window depth
 
     OrvMoveRole();
     int input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) override;
+    // The drag in the view plane through the picked point, grabbing the theater's
+    // pointer events until the release.
+    int input3d(OrvActor* actor, const OrvEvent& event, OrvTheater* theater,
+                OrvScene* scene) override;
     const char* className() const override { return "Move"; }
     virtual void validate2d(OrvActor* actor, OrvStage* stage, const Orv2dPoint& delta);
+    // Translates the actor by the delta.
     virtual void validate3d(OrvActor* actor, OrvTheater* theater, const Orv3dPoint& delta);
     virtual void ghost2d(OrvStage* stage, OrvActor* actor);
+    // The box of the actor where the drag would put it, by boxGhost.
     virtual void ghost3d(OrvScene* scene, OrvActor* actor);
 };
 

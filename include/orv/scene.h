@@ -213,6 +213,29 @@ public:
     virtual unsigned long renderTexture() const;
     virtual unsigned long isOffScreenRenderer() const { return 0; }
 
+    // ----- Family 6: ghosts --------------------------------------------------------------
+    // Rubber-band feedback drawn by exclusive or on the window, over what GL drew: a
+    // second call with the same arguments takes it away. Points are window pixels;
+    // clipSet 1 says the caller has clipped the ghost already (ghostClip), otherwise
+    // the ghost is clipped to the window.
+    virtual void lineGhost(const Orv2dPoint& from, const Orv2dPoint& to, unsigned long clipSet = 0);
+    virtual void polyLineGhost(unsigned long count, const Orv2dPoint* points,
+                               unsigned long clipSet = 0);
+    // Angles in degrees; the second is an end, not an extent.
+    virtual void arcGhost(const Orv2dRect& box, float start, float end, unsigned long clipSet = 0);
+    virtual void stringGhost(const Orv2dPoint& point, const char* text, unsigned long clipSet = 0);
+    virtual void bezierGhost(unsigned long count, const Orv2dPoint* points,
+                             unsigned long clipSet = 0);
+    virtual void rectangleGhost(const Orv2dRect& box, unsigned long clipSet = 0);
+    // A box from its eight projected corners, the near face (0 to 3) first, in the
+    // order of Orv3dVolume::getVertex; only the edges that show are drawn.
+    virtual void boxGhost(const Orv2dPoint* eight, unsigned long clipSet = 0);
+    // The same from window points (x, y and depth), truncated to pixels.
+    virtual void boxGhost(const Orv3dPoint* eight, unsigned long clipSet = 0);
+    // Clips the ghosts to the bounding box of the region until the next ghost ends
+    // (null takes the clip away): what a partial redraw repainted.
+    void ghostClip(const Orv2dRegion* region);
+
     // Makes both buffers hold the picture before a ghost is drawn on it.
     void swapForGhost();
     void restoreCurrentMaterial() const;

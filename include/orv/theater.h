@@ -268,11 +268,12 @@ public:
     void deleteAccelerators(OrvEventType type, unsigned short key, unsigned short modifiers);
     // The 26 default keys; flag adds the trackball's.
     void installAccelerators(unsigned long flag);
-    // The current producer of the producer's scene (null: none for that scene).
+    // The current producer of the producer's scene (null: none in any scene).
     void setProducer(OrvProducer* producer);
     void pushProducer(OrvProducer* producer);
     void remove(OrvProducer* producer);
     OrvProducer* getProducer(const OrvScene* scene) const;
+    OrvAList sceneProducers;  // const OrvScene* -> its current OrvProducer*
 
     // ----- Files --------------------------------------------------------------------
     // The 3D stream: the actors, then the default scene when one is given.

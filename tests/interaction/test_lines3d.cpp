@@ -6,10 +6,7 @@
 
 #include "orv/lines3d.h"
 
-#if __has_include("orv/pick.h")
 #include "orv/pick.h"
-#define ORV_PICK_MERGED 1
-#endif
 
 class Lines3dTest : public TheaterTest {
 protected:
@@ -169,9 +166,6 @@ TEST_F(Lines3dTest, WallsAreGridsOfTheirCellSize) {
 // Hits on the segments and grid lines, misses beside them, recorded as line hits of the actor.
 TEST_F(Lines3dTest, PickedAlongTheirLines) {
     if (!director) return;
-#ifndef ORV_PICK_MERGED
-    GTEST_SKIP() << "needs OrvPick3dLine";
-#else
     const Orv3dPoint zig[3] = {{-1, -0.5f, 0}, {0, 0.5f, 0}, {1, -0.5f, 0}}, low(-1, -1, 0);
     const struct {
         OrvActor* actor;
@@ -190,7 +184,6 @@ TEST_F(Lines3dTest, PickedAlongTheirLines) {
         EXPECT_EQ(row.actor, director->pick3dRecord().actor) << row.actor->className();
         EXPECT_EQ(0u, row.actor->contains3d(Orv2dPoint((long)m.x, (long)m.y), scene));
     }
-#endif
 }
 
 // ---------------------------------------------------------------------------

@@ -7,6 +7,10 @@
 
 #include "orv/director.h"
 #include "orv/makeup.h"
+#include "balloon_theater.h"
+
+OrvActor* (*OrvBalloonTheaterPick)(OrvDirector*, OrvTheater*, OrvScene*,
+                                   const Orv2dPoint&) = nullptr;
 
 // ---------------------------------------------------------------------------
 // The director's operations
@@ -16,9 +20,20 @@ void OrvDirector::runBalloonTimer(OrvStage* stage, const OrvEvent& event) {
     if (!balloonShown) return;
     if (!balloonTimer) balloonTimer = new OrvBalloonTimer(this);
     hideBalloon();
+    balloonTimer->clear();
     balloonTimer->stage = stage;
     balloonTimer->event = event;
-    balloonTimer->shown = 0;
+    balloonTimer->run(0, (int)balloonDelay);
+}
+
+void OrvDirector::runBalloonTimer(OrvTheater* theater, OrvScene* scene, const OrvEvent& event) {
+    if (!balloonShown) return;
+    if (!balloonTimer) balloonTimer = new OrvBalloonTimer(this);
+    hideBalloon();
+    balloonTimer->clear();
+    balloonTimer->theater = theater;
+    balloonTimer->scene = scene;
+    balloonTimer->event = event;
     balloonTimer->run(0, (int)balloonDelay);
 }
 
@@ -80,7 +95,8 @@ void OrvDirector::setBalloonDelays(unsigned long showMs, unsigned long hideMs) {
 // ---------------------------------------------------------------------------
 
 OrvBalloonTimer::OrvBalloonTimer(OrvDirector* d)
-    : OrvTimer(d, 0, (int)d->balloonDelay), stage(nullptr), event(), shown(0) {
+    : OrvTimer(d, 0, (int)d->balloonDelay), stage(nullptr), theater(nullptr), scene(nullptr),
+      event(), shown(0) {
     memset(&event, 0, sizeof event);
 }
 
@@ -90,6 +106,8 @@ OrvBalloonTimer::~OrvBalloonTimer() {
 
 void OrvBalloonTimer::clear() {
     stage = nullptr;
+    theater = nullptr;
+    scene = nullptr;
     memset(&event, 0, sizeof event);
     shown = 0;
 }
@@ -102,16 +120,24 @@ void OrvBalloonTimer::activate() {
     }
     // Kept aside: showing the balloon forgets the timer's state.
     OrvStage* on = stage;
+    OrvTheater* inTheater = theater;
+    OrvScene* inScene = scene;
     OrvEvent at = event;
     clear();
-    if (!on || !director->balloonShown) return;
+    if ((!on && !inTheater) || !director->balloonShown) return;
     Orv2dPoint p((int32_t)at.x, (int32_t)at.y);
-    OrvActor* actor = on->contains(p, nullptr, 0, nullptr);
+    OrvActor* actor = nullptr;
+    if (on)
+        actor = on->contains(p, nullptr, 0, nullptr);
+    else if (OrvBalloonTheaterPick)
+        actor = OrvBalloonTheaterPick(director, inTheater, inScene, p);
     if (!actor) return;
     Orv2dPoint offset = actor->beforeMappingBalloon(p);
     Orv2dPoint where((int32_t)(at.globalX + offset.x), (int32_t)(at.globalY + offset.y));
     if (!director->mapBalloon(actor, where)) return;
     stage = on;
+    theater = inTheater;
+    scene = inScene;
     event = at;
     shown = 1;
     run(0, (int)director->balloonHideDelay);

@@ -11,11 +11,7 @@
 #include "orv/scene.h"
 #include "orv/stream.h"
 
-#if __has_include("orv/pick.h")
 #include "orv/pick.h"
-#else
-#include "pending_lines.h"
-#endif
 
 ORV_DEFINE_CLASS_INIT(Orv3dLine, "Orv3dActor", Orv3dLine::read)
 ORV_DEFINE_CLASS_INIT(Orv3dPolyline, "Orv3dActor", Orv3dPolyline::read)

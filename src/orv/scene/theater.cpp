@@ -10,6 +10,7 @@
 #include "orv/role.h"
 #include "orv/actor.h"
 #include "orv/director.h"
+#include "orv/producer.h"
 #include "orv/scene.h"
 #include "orv/stage.h"
 #include "orv/view.h"
@@ -25,6 +26,9 @@ void exposeCall(OrvView* view, const Orv2dRegion* region, void* theater) {
 }
 void resizeCall(OrvView* view, const Orv2dRect& oldRect, const Orv2dRect& newRect, void* theater) {
     ((OrvTheater*)theater)->handleResize(view, oldRect, newRect);
+}
+void inputCall(OrvView* view, const OrvEvent& event, void* theater) {
+    ((OrvTheater*)theater)->handleInput(view, event);
 }
 
 // An actor to sort by its depth in the window, farthest first.
@@ -389,6 +393,7 @@ void OrvTheater::listen(OrvScene* scene) {
     if (!view || view->exposeCallbacks.find((void*)exposeCall)) return;
     view->onExpose(exposeCall, this);
     view->onResize(resizeCall, this);
+    view->onInput(inputCall, this);
 }
 
 void OrvTheater::stopListening(OrvScene* scene) {
@@ -396,6 +401,7 @@ void OrvTheater::stopListening(OrvScene* scene) {
     if (!view) return;
     view->removeExpose(exposeCall);
     view->removeResize(resizeCall);
+    view->removeInput(inputCall);
 }
 
 // Steps shared by both forms of connect, once the scene may be connected.
@@ -455,6 +461,11 @@ void OrvTheater::disconnect(OrvScene* scene) {
     scene->setTheater(nullptr);
     scene->installTheaterHook(nullptr);
     stopListening(scene);
+    // The scene's producer is no longer current, and none of its producers serves here.
+    remove(getProducer(scene));
+    for (OrvLink* l = scene->producers.first; l; l = l->next)
+        if (((OrvProducer*)l->value)->theater == this)
+            ((OrvProducer*)l->value)->setTheater(nullptr);
 }
 
 void OrvTheater::setVisible(OrvScene* scene, unsigned long on) {
@@ -619,6 +630,9 @@ void OrvTheater::drawAll(OrvScene* scene, const Orv2dRegion* region, unsigned lo
         OrvForceImmediateMode(immediate);
         scene->startToCountOffPerformanceMeter();
     }
+    // A producer's ghost goes back over what was repainted.
+    OrvProducer* producer = getProducer(scene);
+    if (producer) producer->expose3d(scene->useScissor ? &redraw : nullptr);
     OrvForgetUpdateDrawing(forget);
 }
 

@@ -7,6 +7,7 @@
 #include "orv/actor.h"
 #include "orv/director.h"
 #include "orv/stage.h"
+#include "orv/theater.h"
 #include "producer_internal.h"
 
 // ---------------------------------------------------------------------------
@@ -23,6 +24,8 @@ OrvProducer::~OrvProducer() {
         stage->producers.remove(this);
         if (stage->producer == this) stage->setProducer(nullptr);
     }
+    // Out of the scene's list and, where it is current, out of the theater.
+    if (scene || theater) setScene(nullptr);
 }
 
 int OrvProducer::input2d(const OrvEvent&) {
@@ -41,11 +44,17 @@ void OrvProducer::setTheater(OrvTheater* t) {
         OrvError("OrvProducer::theater : Must be a scene producer.\n");
         return;
     }
+    if (t && !t->scenes.find(scene)) {
+        OrvError("OrvProducer::theater : Producer scene isn't connected to theater.\n");
+        return;
+    }
     theater = t;
 }
 
 OrvDirector* OrvProducer::director() const {
+    if (theater) return theater->director;
     if (stage) return stage->director;
+    if (scene) return sceneDirector();
     return previous ? previous->director() : nullptr;
 }
 
@@ -55,12 +64,12 @@ const Orv2dMatrix* OrvProducer::toStage() const {
 
 void OrvProducer::setStage(OrvStage* s) {
     if (s == stage) return;
+    if (scene || theater) setScene(nullptr);
     if (stage) {
         stage->producers.remove(this);
         if (stage->producer == this) stage->setProducer(nullptr);
     }
     stage = s;
-    scene = nullptr;
     if (s) s->producers.append(this);
 }
 
@@ -92,7 +101,7 @@ Orv2dPoint OrvProducer::snapped(long x, long y) const {
 
 OrvMoveProducer::OrvMoveProducer(OrvStage* forStage, OrvProducer* previousProducer)
     : OrvProducer(forStage, previousProducer), immediate(0), mask(1), active(0), wasSelected(0),
-      gesture(0) {}
+      gesture(0), pickDepth(0), pickInvariant(0) {}
 
 int OrvMoveProducer::input2d(const OrvEvent& event) {
     if (!(event.key & mask)) return 0;
@@ -192,8 +201,6 @@ void OrvMoveProducer::activate2d(const Orv2dPoint& delta) {
     OrvEditEndGeometry(stage, "Move", gesture);
     delete[] moved;
 }
-
-void OrvMoveProducer::activate3d(const Orv3dPoint&, const Orv3dPoint&) {}
 
 void OrvMoveProducer::abort() {
     // No erasure: a running ghost is left to the next repaint.

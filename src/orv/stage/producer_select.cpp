@@ -23,7 +23,7 @@ static Orv2dRect OrvNormalised(const Orv2dPoint& a, const Orv2dPoint& b) {
 // ---------------------------------------------------------------------------
 
 OrvRectangleProducer::OrvRectangleProducer(OrvStage* forStage, OrvProducer* previousProducer)
-    : OrvProducer(forStage, previousProducer), active(0), mask(1) {}
+    : OrvProducer(forStage, previousProducer), active(0), mask(1), ghostClipSet(0) {}
 
 int OrvRectangleProducer::input2d(const OrvEvent& event) {
     switch (event.type) {
@@ -76,7 +76,6 @@ void OrvRectangleProducer::ghost2d(const OrvMakeUp* makeUp, const Orv2dRect& rec
 }
 
 void OrvRectangleProducer::activate2d(const Orv2dRect&) {}
-void OrvRectangleProducer::ghost3d(const Orv2dRect&) {}
 void OrvRectangleProducer::activate3d(const Orv2dRect&) {}
 
 struct _OrvInsideTest_ {
@@ -131,7 +130,8 @@ void OrvSelectProducer::setExtra(OrvProducer* p) {
         extra->stage = nullptr;
         delete extra;
     }
-    extra = p ? OrvOwnedBy(stage, p) : nullptr;
+    extra = p;
+    if (p) adopt(p);
 }
 
 int OrvSelectProducer::input2d(const OrvEvent& event) {
@@ -155,7 +155,7 @@ int OrvSelectProducer::input2d(const OrvEvent& event) {
                 inUse = move;
             else
                 inUse = selectRectangle;
-            return inUse->input2d(event);
+            return inUse ? inUse->input2d(event) : 0;
         }
         case OrvButtonUp: {
             if (!(event.key & (mask1 | mask2))) return 0;

@@ -9,6 +9,7 @@
 #include "orv/actor.h"
 #include "orv/director.h"
 #include "orv/stage.h"
+#include "orv/theater.h"
 #include "route_internal.h"
 
 OrvStringHashTable* OrvRole::_roles = nullptr;
@@ -136,14 +137,8 @@ void OrvButtonRole::validate(OrvActor* actor, OrvStage* stage) {
     stage->callCallback(actor);
 }
 
-// A scene's actor has no stage table to look in: its own callback answers.
-static void OrvCallOwnCallback(OrvActor* actor) {
-    OrvCallback* c = actor ? actor->getCallback() : nullptr;
-    if (c) c->activate(actor);
-}
-
-void OrvButtonRole::validate(OrvActor* actor, OrvTheater*, OrvScene*) {
-    OrvCallOwnCallback(actor);
+void OrvButtonRole::validate(OrvActor* actor, OrvTheater* theater, OrvScene* scene) {
+    if (theater) theater->callCallback(actor, scene);
 }
 
 int OrvToggleRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* stage) {
@@ -187,15 +182,15 @@ int OrvToggleRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* sta
 void OrvToggleRole::validate(OrvActor* actor, OrvStage* stage) {
     stage->callCallback(actor);
 }
-void OrvToggleRole::validate(OrvActor* actor, OrvTheater*, OrvScene*) {
-    OrvCallOwnCallback(actor);
+void OrvToggleRole::validate(OrvActor* actor, OrvTheater* theater, OrvScene* scene) {
+    if (theater) theater->callCallback(actor, scene);
 }
 
 // ---------------------------------------------------------------------------
 // Move role
 // ---------------------------------------------------------------------------
 
-OrvMoveRole::OrvMoveRole() : immediate(0), active(0), gesture(0) {}
+OrvMoveRole::OrvMoveRole() : immediate(0), active(0), gesture(0), pickDepth(0) {}
 
 static Orv2dPoint OrvUnmapSnapped(OrvStage* stage, const OrvEvent& event) {
     Orv2dPoint p = stage->snapToGrid(Orv2dPoint(event.x, event.y));
@@ -255,8 +250,6 @@ void OrvMoveRole::validate2d(OrvActor* actor, OrvStage* stage, const Orv2dPoint&
     stage->contentsChanged();
 }
 
-void OrvMoveRole::validate3d(OrvActor*, OrvTheater*, const Orv3dPoint&) {}
-
 void OrvMoveRole::ghost2d(OrvStage* stage, OrvActor* actor) {
     if (immediate || !active) return;
     Orv2dPoint a = start, b = current;
@@ -274,8 +267,6 @@ void OrvMoveRole::ghost2d(OrvStage* stage, OrvActor* actor) {
     actor->setMode(OrvCopyMode);
     stage->end();
 }
-
-void OrvMoveRole::ghost3d(OrvScene*, OrvActor*) {}
 
 // ---------------------------------------------------------------------------
 // Reshape role
