@@ -177,6 +177,9 @@ static void Build(Editor& e) {
     e.theater->setProducer(new OrvSelectProducer(e.scene));
     e.theater->installAccelerators(0);
     for (unsigned short key : {'s', 'o', 'q'}) e.theater->add(new EditorKey(&e, key));
+    // Keys go to the accelerators first, the mouse to the producer: without this
+    // a scene with a producer offers nothing to its accelerators.
+    e.scene->roleProducerAcc = 1;
     e.stage->show();
 }
 

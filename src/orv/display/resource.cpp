@@ -73,7 +73,8 @@ OrvColor::~OrvColor() {
     for (OrvAListItem* i = internals.first; i; i = i->next) {
         const OrvCanvas* canvas = (const OrvCanvas*)i->key;
         unsigned long pixel = (unsigned long)i->value;
-        if (display) XFreeColors(display, canvas->colormap, &pixel, 1, 0);
+        // A colormap already freed (a GL window's, closed first) took its cells with it.
+        if (display && canvas->colormap) XFreeColors(display, canvas->colormap, &pixel, 1, 0);
     }
     if (director) director->remove(this);
 }
@@ -91,7 +92,7 @@ unsigned long OrvColor::internal(const OrvCanvas* canvas) const {
 void OrvColor::remove(const OrvCanvas* canvas) {
     if (!internals.find(canvas)) return;
     unsigned long pixel = (unsigned long)internals.get(canvas);
-    if (director && director->display)
+    if (director && director->display && canvas->colormap)
         XFreeColors((Display*)director->display, canvas->colormap, &pixel, 1, 0);
     internals.remove(canvas);
 }
