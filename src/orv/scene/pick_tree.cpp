@@ -193,6 +193,9 @@ void _OrvBoxTree_::build(const std::vector<_OrvPickBox_>& boxes, const std::vect
     }
     Builder builder{boxes, entries, *this};
     builder.make(0, (uint32_t)entries.size(), UINT32_MAX);
+    // The guess above may have doubled: keep what the tree holds.
+    nodes.shrink_to_fit();
+    parent.shrink_to_fit();
 }
 
 void _OrvBoxTree_::query(const _OrvPickFrustum_& frustum, std::vector<uint32_t>& out) const {
