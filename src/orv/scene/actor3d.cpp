@@ -104,7 +104,8 @@ unsigned long OrvActor::contains3d(const Orv2dPoint& point, const OrvScene* scen
     Orv2dRegion region;
     bboxToScene(region, matrix, 1);
     if (!region.contains(point)) return 0;
-    OrvDirector* director = scene && scene->makeUp ? scene->makeUp->director : makeUp->director;
+    const OrvMakeUp* look = scene && scene->makeUp ? scene->makeUp : makeUp;
+    OrvDirector* director = look ? look->director : nullptr;
     Orv3dPoint centre = bbox3d(1).center();
     if (director)
         director->setPick3dRecord(scene, OrvPickBox, const_cast<OrvActor*>(this), nullptr, &centre,

@@ -33,9 +33,27 @@ struct Pick {
     const Orv3dMatrix* toScene;  // the scene's matrix of the actor's space
     const Orv3dMatrix* matrix;   // the actor's; null is the identity
     Orv3dMatrix full;            // toScene times matrix
+    bool divide;                 // whether full is projective
     OrvCullingMode cull;
     OrvFaceStyle front, back;
     Orv2dPoint point;
+
+    // Orv3dMatrix::apply through full, step for step, without the call.
+    void project(Orv3dPoint& p) const {
+        const float* m = full.m;
+        float x = p.x, y = p.y, z = p.z;
+        float nx = m[0] * x + m[1] * y + m[2] * z + m[3];
+        float ny = m[4] * x + m[5] * y + m[6] * z + m[7];
+        float nz = m[8] * x + m[9] * y + m[10] * z + m[11];
+        if (divide) {
+            float w = m[12] * x + m[13] * y + m[14] * z + m[15];
+            if (std::fabs((double)w) < 1e-6) return;
+            nx /= w;
+            ny /= w;
+            nz /= w;
+        }
+        p = Orv3dPoint(nx, ny, nz);
+    }
 };
 
 struct Hit {
@@ -78,6 +96,9 @@ static bool begin(Pick& p, const Orv2dPoint& point, const OrvScene* scene, const
     p.toScene = p.invariant ? &scene->invariantToScene : &scene->worldToScene;
     p.matrix = matrix;
     p.full = matrix ? *p.toScene * *matrix : *p.toScene;
+    const float* m = p.full.m;
+    p.divide = std::fabs((double)m[12]) >= 1e-6 || std::fabs((double)m[13]) >= 1e-6 ||
+               std::fabs((double)m[14]) >= 1e-6 || std::fabs((double)m[15] - 1) >= 1e-6;
     p.cull = cull;
     p.front = front;
     p.back = back;
@@ -129,17 +150,20 @@ struct Vertices {
     const unsigned* index;
     unsigned count, limit;
 
-    Vertices(const OrvPolygon* polygon0, unsigned face0) : polygon(polygon0), face(face0) {
+    // count: the polygon's vertexCardinal() when face is 0.
+    Vertices(const OrvPolygon* polygon0, unsigned face0, unsigned count0)
+        : polygon(polygon0), face(face0), direct(false), indexed(false), p3(nullptr), p4(nullptr),
+          index(nullptr), count(count0), limit(0) {
+        if (face || !polygon->vertex) return;
         const std::type_info& kind = typeid(*polygon);
-        direct =
-            face == 0 && polygon->vertex && (kind == typeid(OrvFace) || kind == typeid(OrvPolygon));
+        direct = kind == typeid(OrvFace) || kind == typeid(OrvPolygon);
         if (!direct) return;
-        indexed = polygon->isIndexed() != 0;
-        p3 = polygon->vertexPoints();
-        p4 = polygon->vertexPoints4d();
-        index = indexed ? polygon->vertexPointsIndex() : nullptr;
-        count = polygon->vertexCardinal();
-        limit = polygon->vertexPointsCardinal();
+        const _OrvVertexType_* v = polygon->vertex;
+        indexed = v->isIndexed() != 0;
+        p4 = v->points4d();
+        p3 = p4 ? nullptr : v->points();
+        index = indexed ? v->pointsIndex() : nullptr;
+        limit = v->pointsCardinal();
     }
     // The vertex number, or -1.
     long read(unsigned nth, Orv3dPoint& out) const {
@@ -172,11 +196,20 @@ static int pickFace(const Pick& p, const OrvPolygon* polygon, unsigned face, uns
         flat.resize(room);
         number.resize(room);
     }
-    Vertices vertices(polygon, face);
+    Vertices vertices(polygon, face, count);
     int32_t x0 = INT32_MAX, x1 = INT32_MIN, y0 = INT32_MAX, y1 = INT32_MIN;
-    float saved = OrvGetDeltaLine();
+    // The tests below read the line tolerance, which is 3 pixels for them
+    // and given back as it was.
+    float saved = 0;
+    auto tolerance = [&](bool on) {
+        if (on) {
+            saved = OrvGetDeltaLine();
+            OrvSetDeltaLine(3.0f);
+        } else {
+            OrvSetDeltaLine(saved);
+        }
+    };
     auto fail = [&](unsigned nth) {
-        OrvSetDeltaLine(saved);
         OrvError(nth < 3 ? first : other);
         return -1;
     };
@@ -185,7 +218,7 @@ static int pickFace(const Pick& p, const OrvPolygon* polygon, unsigned face, uns
         if (k < 0) return false;
         number[nth] = k;
         window[nth] = raw[nth];
-        p.full.apply(window[nth]);
+        p.project(window[nth]);
         Orv2dPoint f = flat[nth] = pixelOf(window[nth]);
         x0 = std::min(x0, f.x);
         x1 = std::max(x1, f.x);
@@ -208,11 +241,13 @@ static int pickFace(const Pick& p, const OrvPolygon* polygon, unsigned face, uns
 
     // Faces shown as points on both sides: only the vertices, 3 pixels round.
     if (p.cull == OrvCullNone && p.front == OrvFacePoints && p.back == OrvFacePoints) {
-        OrvSetDeltaLine(3.0f);
         for (unsigned nth = 0; nth < count; nth++) {
             if (!load(nth)) return fail(nth);
-            if (OrvPointInLine(p.point, flat[nth], flat[nth])) {
-                OrvSetDeltaLine(saved);
+            if (!near(3)) continue;
+            tolerance(true);
+            bool on = OrvPointInLine(p.point, flat[nth], flat[nth]);
+            tolerance(false);
+            if (on) {
                 hit.point = inWorld(nth);
                 hit.vertex = number[nth];
                 hit.edge = -1;
@@ -220,21 +255,16 @@ static int pickFace(const Pick& p, const OrvPolygon* polygon, unsigned face, uns
                 return 1;
             }
         }
-        OrvSetDeltaLine(saved);
         return 0;
     }
 
-    OrvSetDeltaLine(3.0f);
     for (unsigned nth = 0; nth < 3; nth++)
         if (!load(nth)) return fail(nth);
     // The orientation the drawing's own cull test takes.
     const Orv3dPoint* q = window.data();
     float s = q[0].x * q[1].y - q[1].x * q[0].y + q[1].x * q[2].y - q[2].x * q[1].y +
               q[2].x * q[0].y - q[0].x * q[2].y;
-    if ((p.cull == OrvCullBack && s >= 0) || (p.cull == OrvCullFront && s <= 0)) {
-        OrvSetDeltaLine(saved);
-        return 0;
-    }
+    if ((p.cull == OrvCullBack && s >= 0) || (p.cull == OrvCullFront && s <= 0)) return 0;
     OrvFaceStyle style = p.cull == OrvCullBack    ? p.front
                          : p.cull == OrvCullFront ? p.back
                          : s <= 0                 ? p.front
@@ -248,19 +278,22 @@ static int pickFace(const Pick& p, const OrvPolygon* polygon, unsigned face, uns
         found = OrvPointInPolygon(p.point, count, flat.data()) >= 0;
     } else if (style == OrvFaceLines && near(3)) {
         flat[count] = flat[0];
+        tolerance(true);
         int segment = OrvPointInPolyline(p.point, count + 1, flat.data());
+        tolerance(false);
         if (segment >= 0) {
             found = true;
             edge = number[segment];
         }
     } else if (style == OrvFacePoints && near(3)) {
+        tolerance(true);
         for (unsigned nth = 0; nth < count && !found; nth++)
             if (OrvPointInLine(p.point, flat[nth], flat[nth])) {
                 found = true;
                 vertex = number[nth];
             }
+        tolerance(false);
     }
-    OrvSetDeltaLine(saved);
     if (!found) return 0;
     const Orv3dPoint world[3] = {inWorld(0), inWorld(1), inWorld(2)};
     hit.point = onPlane(p, world);
@@ -333,6 +366,7 @@ static _OrvPickTree_* treeOf(const OrvFaceSet& set) {
             if (count < 3 || !faceBox(face, 0, count, boxes.back())) t->usable = false;
             shares.insert(face->vertexSharedAnyPoints());
         }
+        t->faces.shrink_to_fit();
         t->faceCount = (unsigned)t->faces.size();
         t->shares.assign(shares.begin(), shares.end());
         if (t->usable) t->tree.build(boxes, nullptr, false);

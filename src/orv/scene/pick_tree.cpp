@@ -193,6 +193,9 @@ void _OrvBoxTree_::build(const std::vector<_OrvPickBox_>& boxes, const std::vect
     }
     Builder builder{boxes, entries, *this};
     builder.make(0, (uint32_t)entries.size(), UINT32_MAX);
+    // The guess above may have doubled: keep what the tree holds.
+    nodes.shrink_to_fit();
+    parent.shrink_to_fit();
 }
 
 void _OrvBoxTree_::query(const _OrvPickFrustum_& frustum, std::vector<uint32_t>& out) const {
@@ -387,34 +390,19 @@ static bool worldBox(const OrvActor* actor, _OrvPickBox_& box) {
     return true;
 }
 
+// Every box is taken again: an actor deleted since may have left its
+// address to a new one.
 static void build(_OrvLayerPickTree_* t, const OrvTheaterLayer* layer) {
-    std::unordered_map<const OrvActor*, uint32_t> before;
-    before.swap(t->number);
-    std::vector<_OrvPickBox_> oldBoxes;
-    std::vector<unsigned char> oldBoxed;
-    oldBoxes.swap(t->boxes);
-    oldBoxed.swap(t->boxed);
-    // Boxes of actors that did not change are taken over.
-    if (!t->refitAll && t->epoch == geometryEpoch) {
-        for (const OrvActor* a : t->dirty) before.erase(a);
-    } else {
-        before.clear();
-    }
     t->actors.assign(layer->actors, layer->actors + layer->count);
     t->boxes.assign(layer->count, _OrvPickBox_());
     t->boxed.assign(layer->count, 0);
     t->always.clear();
+    t->number.clear();
     std::vector<uint32_t> inTree;
     for (uint32_t i = 0; i < layer->count; i++) {
         const OrvActor* a = t->actors[i];
         t->number[a] = i;
-        auto old = before.find(a);
-        if (old != before.end()) {
-            t->boxes[i] = oldBoxes[old->second];
-            t->boxed[i] = oldBoxed[old->second];
-        } else {
-            t->boxed[i] = worldBox(a, t->boxes[i]) ? 1 : 0;
-        }
+        t->boxed[i] = worldBox(a, t->boxes[i]) ? 1 : 0;
         if (t->boxed[i])
             inTree.push_back(i);
         else
