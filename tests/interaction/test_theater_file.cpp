@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "orv/actor3d.h"
+#include "orv/lines3d.h"
 
 #include "../scene/vertex_samples.h"
 
@@ -42,6 +43,14 @@ protected:
         faces->setRole(OrvGetRole("Button")), more->setRole(OrvGetRole("Toggle"));
         theater->append(faces, 0), theater->append(shape, 1), theater->append(more, 1);
         theater->append(new Orv3dActor(director), 2);
+        // And the line actors, sharing the red make-up.
+        const Orv3dPoint zig[4] = {{-1, 0, 0}, {0, 1, 0}, {1, 0, 0}, {2, 1, 0}};
+        theater->append(new Orv3dLine(director, zig[0], zig[1], red), 2);
+        theater->append(new Orv3dPolyline(director, 3, zig, nullptr), 2);
+        theater->append(new Orv3dSplinePath(director, 3, zig, 4, red), 2);
+        theater->append(new Orv3dCurvePath(director, 4, zig, 3, nullptr), 2);
+        theater->append(new Orv3dWall(director, zig[0], 2, 0.5f, OrvWallY, red), 0);
+        theater->append(new Orv3dWalls(director, zig[0], 2, 0.5f, nullptr), 0);
     }
     void TearDown() override {
         delete fresh;
@@ -79,9 +88,12 @@ static std::string skeleton(const std::string& text) {
 TEST_F(TheaterFileTest, LayoutAndARoundTripToTheSameTextAndPixels) {
     if (!director) return;
     const std::string bare = save(theater, nullptr), full = save(theater, scene);
-    const std::string blocks = "OrvStream 3d|cardinal = 4|Orv3dActorFaceSet  1  {|}|Orv3dShape  2  "
-                               "{|}|Orv3dActorFaceSet  3  {|}|Orv3dActor  4  {|}|defaultScene = ",
-                      end = "||% Do not modify or delete the last line (Orvis plugins).|% EOF|";
+    const std::string
+        blocks =
+            "OrvStream 3d|cardinal = 10|Orv3dActorFaceSet  1  {|}|Orv3dWall  2  {|}|Orv3dWalls  3  "
+            "{|}|Orv3dShape  4  {|}|Orv3dActorFaceSet  5  {|}|Orv3dActor  6  {|}|Orv3dLine  7  {|}|"
+            "Orv3dPolyline  8  {|}|Orv3dSplinePath  9  {|}|Orv3dCurvePath  10  {|}|defaultScene = ",
+        end = "||% Do not modify or delete the last line (Orvis plugins).|% EOF|";
     EXPECT_EQ(0u, bare.find("% Orvis 1 "));
     EXPECT_EQ(blocks + "no" + end, skeleton(bare));
     EXPECT_EQ(blocks + "yes|OrvScene  0  {|}" + end, skeleton(full));
@@ -117,7 +129,7 @@ TEST_F(TheaterFileTest, EveryCutReadsWholeOrNothing) {
             std::string said;
             ASSERT_EQ(k >= whole ? 1ul : 0ul, read(text.substr(0, k), said)) << k;
             ASSERT_EQ(k >= whole, said.empty()) << k << said;
-            ASSERT_EQ(k >= whole ? 4u : 0u, fresh->cardinal()) << k;
+            ASSERT_EQ(k >= whole ? 10u : 0u, fresh->cardinal()) << k;
             fresh->empty(1);
             ASSERT_EQ(shares, listed()) << k;
         }
@@ -130,7 +142,7 @@ TEST_F(TheaterFileTest, FaultsAndTheirMessages) {
     if (!director) return;
     const std::string bare = save(theater, nullptr);
     const size_t tail = bare.find("defaultScene = no");
-    const size_t plain = bare.find("Orv3dActor  4  {");
+    const size_t plain = bare.find("Orv3dActor  6  {");
     const std::string block = bare.substr(plain, bare.find("\n}\n", plain) + 3 - plain);
     SavedOffScene off(director);
     std::ostringstream flat;
@@ -144,8 +156,8 @@ TEST_F(TheaterFileTest, FaultsAndTheirMessages) {
         unsigned long done;
         std::string scene;  // the class of the default scene read
     } rows[] = {
-        {swap("Orv3dShape  2", "Orv3dShapeX  2"),
-         "OrvIStream : Class Orv3dShapeX not found ...\n## OrvIStream : Bad format in object 1\n",
+        {swap("Orv3dShape  4", "Orv3dShapeX  4"),
+         "OrvIStream : Class Orv3dShapeX not found ...\n## OrvIStream : Bad format in object 3\n",
          0, ""},
         {bare.substr(0, tail) + "defaultScene = yes\n" + block,
          "OrvTheater::read : Bad class name Orv3dActor : OrvSceneexpected.\n", 0, ""},
@@ -164,7 +176,7 @@ TEST_F(TheaterFileTest, FaultsAndTheirMessages) {
         OrvScene* got = nullptr;
         EXPECT_EQ(r.done, read(r.text, said, &got)) << r.said;
         EXPECT_EQ(r.said, said);
-        EXPECT_EQ(r.done ? 4u : 0u, fresh->cardinal());
+        EXPECT_EQ(r.done ? 10u : 0u, fresh->cardinal());
         EXPECT_EQ(r.scene, got ? got->className() : "");
         delete got;
         fresh->empty(1);
@@ -179,7 +191,7 @@ TEST_F(TheaterFileTest, FaultsAndTheirMessages) {
     std::string path = testing::TempDir() + "theater_file.orv";
     theater->save(path.c_str(), scene);
     EXPECT_EQ(1ul, fresh->read(path.c_str(), 2));
-    EXPECT_EQ(4u, fresh->layer(2, 0)->count);
+    EXPECT_EQ(10u, fresh->layer(2, 0)->count);
     std::remove(path.c_str());
     EXPECT_EQ("## OrvTheater::read : Can't open /none/x.orv\n",
               OrvTestOutput([&] { fresh->read("/none/x.orv", 0); }));
