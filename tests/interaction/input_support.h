@@ -13,24 +13,18 @@
 #include <set>
 
 // An unlit square in the plane z of its volume, placed by its matrix.
-class Square : public Orv3dActor {
+class Square : public BoxActor {
 public:
-    Orv3dVolume volume;
     unsigned long color;
     std::string name;
     Square(OrvDirector* d, const Orv3dVolume& v, unsigned long c, const char* n)
-        : Orv3dActor(d), volume(v), color(c), name(n) {}
+        : BoxActor(d, v), color(c), name(n) {}
     void draw3d(const OrvScene*) const override {
         glDisable(GL_LIGHTING);
         glColor3ub((GLubyte)(color >> 16), (GLubyte)(color >> 8), (GLubyte)color);
         glTranslatef(0, 0, volume.z);
         glRectf(volume.x, volume.y, volume.x + volume.w, volume.y + volume.h);
         glTranslatef(0, 0, -volume.z);
-    }
-    Orv3dVolume bbox3d(unsigned long world) const override {
-        Orv3dVolume v = volume;
-        if (world && matrix) matrix->apply(v);
-        return v;
     }
 };
 

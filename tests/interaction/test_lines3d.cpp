@@ -60,7 +60,6 @@ static Orv3dPoint mix(std::initializer_list<float> w, const Orv3dPoint* p) {
 // exactly and on screen; between, the middle of each piece is where the curve's formula says;
 // a Bézier handle is off the curve. Moving the points moves the pixels.
 TEST_F(Lines3dTest, PathsPassThroughTheirPoints) {
-    if (!director) return;
     Orv3dSplinePath* spline = new Orv3dSplinePath(director, 7, controls, 6, green);
     Orv3dCurvePath* curve = new Orv3dCurvePath(director, 7, controls, 6, green);
     const struct {
@@ -99,7 +98,6 @@ TEST_F(Lines3dTest, PathsPassThroughTheirPoints) {
 // A polyline without a make-up of its own is dashed (two pixels on, two off); with a solid one
 // it is whole. A line moved by setLine leaves its old pixels.
 TEST_F(Lines3dTest, PolylineWithoutMakeUpIsDashed) {
-    if (!director) return;
     const Orv3dPoint ends[2] = {{-1, 0.5f, 0}, {1, 0.5f, 0}};
     Orv3dPoint start = toWindow(scene, ends[0]);
     OrvMakeUp* solid = director->makeUpForeground(director->defaultMakeUp, director->color("red"));
@@ -131,7 +129,6 @@ TEST_F(Lines3dTest, PolylineWithoutMakeUpIsDashed) {
 // Each wall seen face on: the edges of every 0.4-unit cell are drawn and its middle is not. The
 // three walls draw what the three single walls draw.
 TEST_F(Lines3dTest, WallsAreGridsOfTheirCellSize) {
-    if (!director) return;
     const Orv3dPoint eyes[3] = {{5, 0, 0}, {0, 5, 0}, {0, 0, 5}};
     const Orv3dVector ups[3] = {{0, 1, 0}, {0, 0, 1}, {0, 1, 0}};
     const Orv3dPoint corner(-0.8f, -0.8f, -0.8f);
@@ -165,7 +162,6 @@ TEST_F(Lines3dTest, WallsAreGridsOfTheirCellSize) {
 
 // Hits on the segments and grid lines, misses beside them, recorded as line hits of the actor.
 TEST_F(Lines3dTest, PickedAlongTheirLines) {
-    if (!director) return;
     const Orv3dPoint zig[3] = {{-1, -0.5f, 0}, {0, 0.5f, 0}, {1, -0.5f, 0}}, low(-1, -1, 0);
     const struct {
         OrvActor* actor;
@@ -221,7 +217,6 @@ protected:
 // but kept), read back or copied: the same text again; cut anywhere, the objects before the cut
 // and a message; spoilt items named.
 TEST_F(Lines3dStreamTest, ReadBackWholeCutOrSpoilt) {
-    if (!director) return;
     OrvMakeUp* wide = director->makeUpLineWidth(director->defaultMakeUp, 3);
     all = {new Orv3dLine(director, controls[0], controls[1], wide),
            new Orv3dPolyline(director, 3, controls, nullptr),

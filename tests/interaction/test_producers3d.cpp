@@ -36,7 +36,6 @@ protected:
 // Orthographic and perspective (the square off the origin's depth), by the move producer
 // and by the move role: the point pressed ends under the release, within a pixel.
 TEST_F(Producer3dTest, MoveKeepsThePickedPointUnderThePointer) {
-    if (!director) return;
     for (auto [perspective, role] : {std::pair(0, 0), {1, 0}, {1, 1}}) {
         if (perspective) {
             scene->currentCamera()->lookAt(Orv3dPoint(0, 0, 5), Orv3dPoint(), Orv3dVector(0, 1, 0));
@@ -64,7 +63,6 @@ TEST_F(Producer3dTest, MoveKeepsThePickedPointUnderThePointer) {
 
 // A drag on empty space selects the actors that lie wholly inside its rectangle.
 TEST_F(Producer3dTest, RectangleSelectsWhatLiesInside) {
-    if (!director) return;
     Square* in[] = {square(Orv3dVolume(-0.8f, -0.2f, 0, 0.4f, 0.4f, 0), "A"),
                     square(Orv3dVolume(-0.2f, -0.2f, 0, 0.4f, 0.4f, 0), "B")};
     square(Orv3dVolume(0.4f, -0.2f, 0, 0.4f, 0.4f, 0), "C");
@@ -75,7 +73,6 @@ TEST_F(Producer3dTest, RectangleSelectsWhatLiesInside) {
 // Mid-drag the ghost shows and a partial repaint across it keeps it as it was; after the
 // release both buffers hold exactly what a fresh repaint paints.
 TEST_F(Producer3dTest, GhostsLeaveNoPixelBehind) {
-    if (!director) return;
     square(Orv3dVolume(-0.8f, -0.2f, 0, 0.4f, 0.4f, 0), "A");
     for (auto [from, to] : {std::pair(Orv3dPoint(-0.6f, 0, 0), Orv3dPoint(0.3f, 0.4f, 0)),
                             {Orv3dPoint(0.9f, 0.9f, 0), Orv3dPoint(-0.1f, -0.7f, 0)}}) {
@@ -100,7 +97,6 @@ TEST_F(Producer3dTest, GhostsLeaveNoPixelBehind) {
 
 // abort in the middle of a move or of a rectangle: the release changes nothing.
 TEST_F(Producer3dTest, AbortMidDragLeavesTheTheaterUnchanged) {
-    if (!director) return;
     Square* a = square(Orv3dVolume(-0.8f, -0.2f, 0, 0.4f, 0.4f, 0), "A");
     for (Orv3dPoint from : {Orv3dPoint(-0.6f, 0, 0), Orv3dPoint(0.9f, 0.9f, 0)}) {
         std::set<OrvActor*> pressed;
@@ -115,7 +111,6 @@ TEST_F(Producer3dTest, AbortMidDragLeavesTheTheaterUnchanged) {
 
 // Each ghost drawn once shows on the window, drawn again is gone.
 TEST_F(Producer3dTest, GhostsDrawnTwiceAreGone) {
-    if (!director) return;
     const Orv2dPoint p[] = {{40, 40}, {40, 90}, {90, 90},  {90, 40},
                             {60, 30}, {60, 80}, {110, 80}, {110, 30}};
     Orv3dPoint flat[8];

@@ -63,7 +63,6 @@ protected:
 // Tab order goes by world y, then x, wraps, skips what is not sensitive, and sends focus out
 // and in through the scene that shows the actor; the focus box comes and goes.
 TEST_F(TheaterEditTest, FocusWalksInReadingOrderAndTellsTheRoles) {
-    if (!director) return;
     std::vector<GLBox*> g =
         place({{0.2f, 0.3f}, {-0.5f, -0.5f}, {0.5f, -0.5f}, {-0.5f, 0.3f}, {0, 0}});
     g[4]->setSensitive(0);
@@ -96,7 +95,6 @@ TEST_F(TheaterEditTest, FocusWalksInReadingOrderAndTellsTheRoles) {
 // One highlighted actor among a director's theaters; a stage's event clears it; an actor that
 // leaves is forgotten (its flag stays, as a stage's clean leaves it), and so is a theater.
 TEST_F(TheaterEditTest, HighlightMovesBetweenTheatersAndStageEventsClearIt) {
-    if (!director) return;
     OrvTheater* other = new OrvTheater(director);
     std::vector<GLBox*> g = place({{0, 0}, {0.5f, 0.5f}});
     GLBox *b = new GLBox(director, Orv3dVolume(), 0, "b"),
@@ -136,7 +134,6 @@ TEST_F(TheaterEditTest, HighlightMovesBetweenTheatersAndStageEventsClearIt) {
 // The lists follow setSelected in order, refuse what cannot be selected, survive a change of
 // layer and lose what leaves; clean clears every field that names the actor.
 TEST_F(TheaterEditTest, SelectionListsAndClean) {
-    if (!director) return;
     std::vector<GLBox*> g = place({{0, 0}, {0.5f, 0.5f}, {-0.5f, 0}, {0, -0.5f}});
     GLBox *a = g[0], *b = g[1], *c = g[2], *d = g[3];
     d->setSelectable(0);
@@ -184,7 +181,6 @@ TEST_F(TheaterEditTest, SelectionListsAndClean) {
 
 // Named callbacks shadow, are counted, and go with the theater; an actor's own is the fallback.
 TEST_F(TheaterEditTest, CallbacksByName) {
-    if (!director) return;
     int calls[3] = {0, 0, 0}, gone = 0;
     std::vector<GLBox*> g = place({{0, 0}, {0.5f, 0.5f}});
     GoneCallback *first = new GoneCallback(&calls[0], &gone),
@@ -209,7 +205,6 @@ TEST_F(TheaterEditTest, CallbacksByName) {
 // Links between 3D actors: their tables, invalidation through links of links, and every way of
 // leaving (clean with deletion, deletion, removal of an end, empty) keeps no link on a lost end.
 TEST_F(TheaterEditTest, LinkTablesFollowTheirEnds) {
-    if (!director) return;
     int gone = 0;
     std::vector<GLBox*> g = place({{0, 0}, {0.5f, 0.5f}, {-0.5f, 0}});
     GLBox *a = g[0], *b = g[1], *c = g[2];
@@ -253,7 +248,6 @@ TEST_F(TheaterEditTest, LinkTablesFollowTheirEnds) {
 // Cut here, paste in a theater of another director on the display: the same actors, their box
 // centred on the point, in layer 0, alone selected.
 TEST_F(TheaterEditTest, CutHerePasteInAnotherDirectorsTheater) {
-    if (!director) return;
     SampleArrays arrays;
     Orv3dActor *faces = new Orv3dActorFaceSet(director, compactSample(arrays)),
                *plain = new Orv3dActor(director);

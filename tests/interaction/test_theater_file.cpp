@@ -86,7 +86,6 @@ static std::string skeleton(const std::string& text) {
 }
 
 TEST_F(TheaterFileTest, LayoutAndARoundTripToTheSameTextAndPixels) {
-    if (!director) return;
     const std::string bare = save(theater, nullptr), full = save(theater, scene);
     const std::string
         blocks =
@@ -120,7 +119,6 @@ TEST_F(TheaterFileTest, LayoutAndARoundTripToTheSameTextAndPixels) {
 
 // Cut anywhere, a file is read whole or not at all, with a message, and leaves nothing behind.
 TEST_F(TheaterFileTest, EveryCutReadsWholeOrNothing) {
-    if (!director) return;
     const unsigned shares = listed();
     for (const OrvScene* s : {(const OrvScene*)nullptr, (const OrvScene*)scene}) {
         const std::string text = save(theater, s);
@@ -139,7 +137,6 @@ TEST_F(TheaterFileTest, EveryCutReadsWholeOrNothing) {
 // Unknown classes, a default scene of the wrong class (a subtype will do), the key after the
 // actors (only "defaultSize" and a missing "=" are refused), the wrong dimension, and files.
 TEST_F(TheaterFileTest, FaultsAndTheirMessages) {
-    if (!director) return;
     const std::string bare = save(theater, nullptr);
     const size_t tail = bare.find("defaultScene = no");
     const size_t plain = bare.find("Orv3dActor  6  {");

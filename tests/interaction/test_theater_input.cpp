@@ -53,7 +53,6 @@ protected:
 // The select producer: a click selects, shift adds, a click on a selected actor or on
 // empty space deselects.
 TEST_F(TheaterInputTest, ClicksSelect) {
-    if (!director) return;
     Square *a = on(A, "A"), *b = on(B, "B");
     theater->setProducer(new OrvSelectProducer(scene));
     const struct {
@@ -73,7 +72,6 @@ TEST_F(TheaterInputTest, ClicksSelect) {
 // A click moves the focus only while an actor has it; Tab and Shift-Tab walk it; motion
 // highlights what is under the pointer.
 TEST_F(TheaterInputTest, FocusAndHighlightFollowThePointer) {
-    if (!director) return;
     LogRole* r = logRole();
     Square *a = on(A, "A", r), *b = on(B, "B", r), *c = on(C, "C", r);
     const struct {
@@ -116,7 +114,6 @@ TEST_F(TheaterInputTest, FocusAndHighlightFollowThePointer) {
 
 // Motion sends leave to the actor left and enter to the one entered.
 TEST_F(TheaterInputTest, MotionEntersAndLeaves) {
-    if (!director) return;
     LogRole* r = logRole();
     r->answer = 0;
     on(A, "A", r);
@@ -132,7 +129,6 @@ TEST_F(TheaterInputTest, MotionEntersAndLeaves) {
 
 // A role that grabs gets the drags, keys and release wherever the pointer goes.
 TEST_F(TheaterInputTest, GrabTakesThePointerUntilRelease) {
-    if (!director) return;
     LogRole* grabbing = logRole();
     grabbing->grabs = true;
     on(A, "A", grabbing);
@@ -148,7 +144,6 @@ TEST_F(TheaterInputTest, GrabTakesThePointerUntilRelease) {
 // The button and the toggle: inverted on the press, restored when dragged out and again
 // when back, validated on the release; the toggle keeps its look.
 TEST_F(TheaterInputTest, ButtonAndToggleInAScene) {
-    if (!director) return;
     for (auto [name, kept] : {std::pair("Button", 0ul), {"Toggle", 1ul}}) {
         Square* a = on(A, "A", OrvGetRole(name));
         int calls = 0;
@@ -173,7 +168,6 @@ TEST_F(TheaterInputTest, ButtonAndToggleInAScene) {
 // A press that takes the focus path runs inside beginDrawing: its changes show when
 // dispatchToActors closes the nest, unless the role cleared lockedFlush to close it itself.
 TEST_F(TheaterInputTest, PressInsideBeginDrawingClosedByLockedFlush) {
-    if (!director) return;
     LogRole* r = logRole();
     Square* a = on(A, "A", r);
     for (unsigned long keep : {0ul, 1ul}) {
@@ -201,7 +195,6 @@ TEST_F(TheaterInputTest, PressInsideBeginDrawingClosedByLockedFlush) {
 // The balloon of the actor under the pointer comes after a rest, at the pointer's screen
 // position (20 pixels below), and goes when the pointer leaves the scene.
 TEST_F(TheaterInputTest, BalloonsAfterRestGoOnLeave) {
-    if (!director) return;
     on(A, "A")->setBalloonData("a square", nullptr, 2, 0);
     director->setBalloonDelays(150, 5000);
     moveTo(pt(A).x, pt(A).y);
@@ -220,7 +213,6 @@ TEST_F(TheaterInputTest, BalloonsAfterRestGoOnLeave) {
 // (the actors if none takes it); on: the accelerators first and the actors after them
 // whatever they said, and a producer only when no accelerator took the event.
 TEST_F(TheaterInputTest, RoleProducerAccGivesTheTwoOrders) {
-    if (!director) return;
     on(A, "A", logRole());
     theater->add(new LogAccelerator(&log, 'a'));
     LogProducer* producer = new LogProducer(scene, &log);
@@ -248,7 +240,6 @@ TEST_F(TheaterInputTest, RoleProducerAccGivesTheTwoOrders) {
 // One current producer a scene: setProducer tells the hooks, pushProducer does not, remove
 // takes only the current one; a stage producer or a scene of no theater is refused.
 TEST_F(TheaterInputTest, ProducersOfTheScenes) {
-    if (!director) return;
     theater->install(new ProducerHook(&log));
     OrvProducer *select = new OrvSelectProducer(scene), *move = new OrvMoveProducer(scene);
     theater->setProducer(select);
