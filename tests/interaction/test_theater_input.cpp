@@ -85,13 +85,9 @@ TEST_F(TheaterInputTest, FocusAndHighlightFollowThePointer) {
         EXPECT_EQ(k.focus, theater->getFocus()) << k.x << "," << k.y;
     }
     // Shift-Tab stays Tab with shift on this server's keymap (no ISO_Left_Tab).
-    XMappingEvent remap{};
     KeySym tabs[2] = {XK_Tab, XK_Tab};
-    remap.type = MappingNotify;
-    remap.display = dpy;
-    remap.request = MappingKeyboard;
-    remap.first_keycode = XKeysymToKeycode(dpy, XK_Tab);
-    remap.count = 1;
+    XMappingEvent remap{
+        MappingNotify, 0, False, dpy, 0, MappingKeyboard, XKeysymToKeycode(dpy, XK_Tab), 1};
     XChangeKeyboardMapping(dpy, remap.first_keycode, 2, tabs, 1);
     XRefreshKeyboardMapping(&remap);
     theater->setFocus(a);
