@@ -8,7 +8,7 @@
 #include "orv/director.h"
 #include "orv/scene.h"
 #include "orv/theater.h"
-#include "../stage/count_report.h"
+#include "../stage/accelerator_shared.h"
 
 static OrvCamera* cameraOf(OrvScene* scene) {
     return scene ? scene->currentCamera() : nullptr;

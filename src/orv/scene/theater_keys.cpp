@@ -4,6 +4,7 @@
 
 #include "orv/camera.h"
 #include "orv/role.h"
+#include "../stage/accelerator_shared.h"
 
 void OrvTheater::add(OrvAccelerator* accelerator) {
     if (accelerator) accelerators.append(accelerator);
@@ -55,24 +56,9 @@ void OrvTheater::installAccelerators(unsigned long flag) {
     // The trackball producer's key comes with the trackball; until then the
     // flag adds nothing.
     (void)flag;
+    OrvMakeFamilyAccelerators(
+        0, [](OrvAccelerator* a, void* theater) { ((OrvTheater*)theater)->add(a); }, this);
     const OrvEventType k = OrvKeyDown;
-    add(new OrvZoomAccelerator(k, 26, 0, 1, 2.0f));
-    add(new OrvZoomAccelerator(k, 21, 0, 0, 0.5f));
-    add(new OrvTranslateAccelerator(k, 551, 0, 1, 8.0f));
-    add(new OrvTranslateAccelerator(k, 550, 0, 4, 8.0f));
-    add(new OrvTranslateAccelerator(k, 553, 0, 2, 8.0f));
-    add(new OrvTranslateAccelerator(k, 552, 0, 8, 8.0f));
-    add(new OrvIdentityAccelerator(k, 15, 0));
-    add(new OrvDuplicateAccelerator(k, 4, 0));
-    add(new OrvFitTransformerAccelerator(k, 6, 0));
-    add(new OrvRotateAccelerator(k, 18, 0));
-    add(new OrvSelectAccelerator(k, 1, 0, 1));
-    add(new OrvSelectAccelerator(k, 2, 0, 0));
-    add(new OrvDeleteAccelerator(k, 127, 0, 0));
-    add(new OrvCutAccelerator(k, 24, 0, 0));
-    add(new OrvCopyAccelerator(k, 3, 0));
-    add(new OrvPasteAccelerator(k, 22, 0));
-    add(new OrvCountAccelerator(k, 14, 0));
     add(new OrvUseDoubleBufferingAccelerator(k, 11, 0));
     // Digits 1 to 6.
     const OrvPosition sides[6] = {OrvFront, OrvBack, OrvTop, OrvBottom, OrvLeft, OrvRight};

@@ -12,7 +12,7 @@
 #include "orv/resource.h"
 #include "orv/stage.h"
 #include "orv/theater.h"
-#include "count_report.h"
+#include "accelerator_shared.h"
 #include "route_internal.h"
 
 unsigned short OrvTabKey = 9;
@@ -258,23 +258,30 @@ int OrvStage::dispatchToAccelerators(const OrvEvent& event) {
     return 0;
 }
 
-void OrvStage::installAccelerators(unsigned long readOnly) {
+void OrvMakeFamilyAccelerators(unsigned long readOnly, void (*add)(OrvAccelerator*, void*),
+                               void* data) {
     const OrvEventType k = OrvKeyDown;
-    add(new OrvZoomAccelerator(k, 26, 0, 1, 2.0f));
-    add(new OrvZoomAccelerator(k, 21, 0, 0, 0.5f));
-    add(new OrvTranslateAccelerator(k, 551, 0, 1, 8.0f));
-    add(new OrvTranslateAccelerator(k, 550, 0, 4, 8.0f));
-    add(new OrvTranslateAccelerator(k, 553, 0, 2, 8.0f));
-    add(new OrvTranslateAccelerator(k, 552, 0, 8, 8.0f));
-    add(new OrvIdentityAccelerator(k, 15, 0));
-    add(new OrvDuplicateAccelerator(k, 4, 0));
-    add(new OrvFitTransformerAccelerator(k, 6, 0));
-    add(new OrvRotateAccelerator(k, 18, 0));
-    add(new OrvSelectAccelerator(k, 1, 0, 1));
-    add(new OrvSelectAccelerator(k, 2, 0, 0));
-    add(new OrvDeleteAccelerator(k, 127, 0, readOnly));
-    add(new OrvCutAccelerator(k, 24, 0, readOnly));
-    add(new OrvCopyAccelerator(k, 3, 0));
-    add(new OrvPasteAccelerator(k, 22, 0));
-    add(new OrvCountAccelerator(k, 14, 0));
+    OrvAccelerator* keys[17] = {new OrvZoomAccelerator(k, 26, 0, 1, 2.0f),
+                                new OrvZoomAccelerator(k, 21, 0, 0, 0.5f),
+                                new OrvTranslateAccelerator(k, 551, 0, 1, 8.0f),
+                                new OrvTranslateAccelerator(k, 550, 0, 4, 8.0f),
+                                new OrvTranslateAccelerator(k, 553, 0, 2, 8.0f),
+                                new OrvTranslateAccelerator(k, 552, 0, 8, 8.0f),
+                                new OrvIdentityAccelerator(k, 15, 0),
+                                new OrvDuplicateAccelerator(k, 4, 0),
+                                new OrvFitTransformerAccelerator(k, 6, 0),
+                                new OrvRotateAccelerator(k, 18, 0),
+                                new OrvSelectAccelerator(k, 1, 0, 1),
+                                new OrvSelectAccelerator(k, 2, 0, 0),
+                                new OrvDeleteAccelerator(k, 127, 0, readOnly),
+                                new OrvCutAccelerator(k, 24, 0, readOnly),
+                                new OrvCopyAccelerator(k, 3, 0),
+                                new OrvPasteAccelerator(k, 22, 0),
+                                new OrvCountAccelerator(k, 14, 0)};
+    for (OrvAccelerator* a : keys) add(a, data);
+}
+
+void OrvStage::installAccelerators(unsigned long readOnly) {
+    OrvMakeFamilyAccelerators(
+        readOnly, [](OrvAccelerator* a, void* stage) { ((OrvStage*)stage)->add(a); }, this);
 }
