@@ -64,6 +64,11 @@ public:
     virtual int allowPointerMoved() const { return 0; }
 
     static OrvStringHashTable* _roles;  // made on first registration
+
+protected:
+    // A drag of a pressing button or toggle: inverted on leaving the actor and
+    // again on coming back; 1 when the look changed.
+    static int followPointer(OrvActor* actor, unsigned long& pressed, unsigned long inside);
 };
 
 // Files the role under its className(); the caller keeps it alive.

@@ -49,14 +49,7 @@ int OrvButtonRole::input3d(OrvActor* actor, const OrvEvent& event, OrvTheater* t
             return 1;
         case OrvButtonDragged: {
             Orv2dPoint p((int32_t)event.x, (int32_t)event.y);
-            if (pressed && !actor->contains3d(p, scene)) {
-                pressed = 0;
-                actor->invert();
-            }
-            if (!pressed && actor->contains3d(p, scene)) {
-                pressed = 1;
-                actor->invert();
-            }
+            followPointer(actor, pressed, actor->contains3d(p, scene));
             return 1;
         }
         case OrvButtonUp:
@@ -94,18 +87,7 @@ int OrvToggleRole::input3d(OrvActor* actor, const OrvEvent& event, OrvTheater* t
             return 1;
         case OrvButtonDragged: {
             Orv2dPoint p((int32_t)event.x, (int32_t)event.y);
-            int changed = 0;
-            if (pressed && !actor->contains3d(p, scene)) {
-                pressed = 0;
-                actor->invert();
-                changed = 1;
-            }
-            if (!pressed && actor->contains3d(p, scene)) {
-                pressed = 1;
-                actor->invert();
-                changed = 1;
-            }
-            return changed;
+            return followPointer(actor, pressed, actor->contains3d(p, scene));
         }
         case OrvButtonUp:
             release(theater, actor);

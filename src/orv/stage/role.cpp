@@ -100,14 +100,7 @@ int OrvButtonRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* sta
         case OrvButtonDragged: {
             Orv2dPoint p(event.x, event.y);
             const Orv2dMatrix* m = stage->transformer;
-            if (pressed && !actor->contains2d(p, m)) {
-                pressed = 0;
-                actor->invert();
-            }
-            if (!pressed && actor->contains2d(p, m)) {
-                pressed = 1;
-                actor->invert();
-            }
+            followPointer(actor, pressed, actor->contains2d(p, m));
             return 1;
         }
         case OrvButtonUp:
@@ -137,6 +130,13 @@ void OrvButtonRole::validate(OrvActor* actor, OrvStage* stage) {
     stage->callCallback(actor);
 }
 
+int OrvRole::followPointer(OrvActor* actor, unsigned long& pressed, unsigned long inside) {
+    if ((pressed != 0) == (inside != 0)) return 0;
+    pressed = inside ? 1 : 0;
+    actor->invert();
+    return 1;
+}
+
 void OrvButtonRole::validate(OrvActor* actor, OrvTheater* theater, OrvScene* scene) {
     if (theater) theater->callCallback(actor, scene);
 }
@@ -151,18 +151,7 @@ int OrvToggleRole::input2d(OrvActor* actor, const OrvEvent& event, OrvStage* sta
         case OrvButtonDragged: {
             Orv2dPoint p(event.x, event.y);
             const Orv2dMatrix* m = stage->transformer;
-            int changed = 0;
-            if (pressed && !actor->contains2d(p, m)) {
-                pressed = 0;
-                actor->invert();
-                changed = 1;
-            }
-            if (!pressed && actor->contains2d(p, m)) {
-                pressed = 1;
-                actor->invert();
-                changed = 1;
-            }
-            return changed;
+            return followPointer(actor, pressed, actor->contains2d(p, m));
         }
         case OrvButtonUp:
             if (!pressed) return 0;
