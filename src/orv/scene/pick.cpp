@@ -414,12 +414,20 @@ static void styleOf(const OrvActor* actor, OrvCullingMode& cull, OrvFaceStyle& f
     back = m ? m->backStyle() : (OrvFaceStyle)OrvFaceFilled;
 }
 
-unsigned long OrvPolygon::pick(const Orv2dPoint& point, const OrvScene* scene,
-                               const OrvActor* actor) const {
+// A shape picked in its actor's make-up and under its actor's matrix.
+template <class Shape>
+static unsigned long pickAsDrawn(const Shape& shape, const Orv2dPoint& point, const OrvScene* scene,
+                                 const OrvActor* actor) {
     OrvCullingMode cull;
     OrvFaceStyle front, back;
     styleOf(actor, cull, front, back);
-    return pick2(point, scene, actor, actor ? actor->to3dWorld() : nullptr, cull, front, back);
+    return shape.pick2(point, scene, actor, actor ? actor->to3dWorld() : nullptr, cull, front,
+                       back);
+}
+
+unsigned long OrvPolygon::pick(const Orv2dPoint& point, const OrvScene* scene,
+                               const OrvActor* actor) const {
+    return pickAsDrawn(*this, point, scene, actor);
 }
 
 unsigned long OrvPolygon::pick2(const Orv2dPoint& point, const OrvScene* scene,
@@ -484,10 +492,7 @@ void OrvSeries::dropPickTree() const {
 
 unsigned long OrvFaceSet::pick(const Orv2dPoint& point, const OrvScene* scene,
                                const OrvActor* actor) const {
-    OrvCullingMode cull;
-    OrvFaceStyle front, back;
-    styleOf(actor, cull, front, back);
-    return pick2(point, scene, actor, actor ? actor->to3dWorld() : nullptr, cull, front, back);
+    return pickAsDrawn(*this, point, scene, actor);
 }
 
 unsigned long OrvFaceSet::pick2(const Orv2dPoint& point, const OrvScene* scene,
