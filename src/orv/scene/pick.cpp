@@ -73,10 +73,12 @@ static OrvDirector* directorOf(const OrvScene* scene) {
 
 // The pixel that holds a window coordinate; far values are held where an int holds them.
 static int32_t pixelOf(float v) {
-    const double limit = 1 << 30;
+    const float limit = 1 << 30;
     if (!(v > -limit)) return -(1 << 30);
     if (v > limit) return 1 << 30;
-    return (int32_t)std::floor((double)v);
+    // The floor by truncation, without a call: every face asks it thrice.
+    int32_t i = (int32_t)v;
+    return (float)i > v ? i - 1 : i;
 }
 
 static Orv2dPoint pixelOf(const Orv3dPoint& p) {
@@ -154,17 +156,45 @@ struct Vertices {
     Vertices(const OrvPolygon* polygon0, unsigned face0, unsigned count0)
         : polygon(polygon0), face(face0), direct(false), indexed(false), p3(nullptr), p4(nullptr),
           index(nullptr), count(count0), limit(0) {
-        if (face || !polygon->vertex) return;
+        if (!face) readLayout();
+    }
+    // A whole polygon, its vertices counted here.
+    explicit Vertices(const OrvPolygon* polygon0)
+        : polygon(polygon0), face(0), direct(false), indexed(false), p3(nullptr), p4(nullptr),
+          index(nullptr), count(0), limit(0) {
+        if (!readLayout()) count = polygon->vertexCardinal();
+    }
+
+private:
+    // The arrays of a polygon or face of the library's own classes, read in
+    // two calls rather than one a field: walks ask it of every face. Every
+    // layout derives from _OrvVertexP_, and the indexed ones from
+    // _OrvVertexIP_. The count is the layout's cardinal().
+    bool readLayout() {
+        if (!polygon->vertex) return false;
         const std::type_info& kind = typeid(*polygon);
         direct = kind == typeid(OrvFace) || kind == typeid(OrvPolygon);
-        if (!direct) return;
+        if (!direct) return false;
         const _OrvVertexType_* v = polygon->vertex;
+        const OrvShare* points = static_cast<const _OrvVertexP_*>(v)->pointShare;
         indexed = v->isIndexed() != 0;
-        p4 = v->points4d();
-        p3 = p4 ? nullptr : v->points();
-        index = indexed ? v->pointsIndex() : nullptr;
-        limit = v->pointsCardinal();
+        if (points) {
+            p4 = points->points4d();
+            p3 = points->points();
+            limit = points->cardinal;
+        }
+        if (!indexed) {
+            count = limit;
+            return true;
+        }
+        const OrvShare* all = static_cast<const _OrvVertexIP_*>(v)->indexShare;
+        index = all ? all->index() : nullptr;
+        unsigned blocks = index ? v->dataNumber() : 0;
+        count = blocks ? all->cardinal / blocks : 0;
+        return true;
     }
+
+public:
     // The vertex number, or -1.
     long read(unsigned nth, Orv3dPoint& out) const {
         if (!direct || nth >= count) return polygon->subFaceVertex(out, face, nth);
@@ -183,8 +213,9 @@ struct Vertices {
 
 // One face: 1 hit (filled in), 0 missed, -1 a vertex that could not be read
 // (reported with `first` for one of the first three, else `other`).
-static int pickFace(const Pick& p, const OrvPolygon* polygon, unsigned face, unsigned count,
-                    const char* first, const char* other, Hit& hit) {
+static int pickFace(const Pick& p, const Vertices& vertices, const char* first, const char* other,
+                    Hit& hit) {
+    unsigned count = vertices.count;
     static std::vector<Orv3dPoint> raw, window;
     static std::vector<Orv2dPoint> flat;
     static std::vector<long> number;
@@ -196,7 +227,6 @@ static int pickFace(const Pick& p, const OrvPolygon* polygon, unsigned face, uns
         flat.resize(room);
         number.resize(room);
     }
-    Vertices vertices(polygon, face, count);
     int32_t x0 = INT32_MAX, x1 = INT32_MIN, y0 = INT32_MAX, y1 = INT32_MIN;
     // The tests below read the line tolerance, which is 3 pixels for them
     // and given back as it was.
@@ -260,6 +290,19 @@ static int pickFace(const Pick& p, const OrvPolygon* polygon, unsigned face, uns
 
     for (unsigned nth = 0; nth < 3; nth++)
         if (!load(nth)) return fail(nth);
+    // A triangle far from the pointer for every style it may be drawn in is
+    // missed whichever side it shows: most are, and their orientation is as
+    // good as random to the branch predictor.
+    if (count == 3) {
+        auto reach = [](OrvFaceStyle style) {
+            return style == OrvFaceFilled                            ? 0
+                   : style == OrvFaceLines || style == OrvFacePoints ? 3
+                                                                     : -1;
+        };
+        int32_t most = std::max(p.cull == OrvCullFront ? -1 : reach(p.front),
+                                p.cull == OrvCullBack ? -1 : reach(p.back));
+        if (most < 0 || !near(most)) return 0;
+    }
     // The orientation the drawing's own cull test takes.
     const Orv3dPoint* q = window.data();
     float s = q[0].x * q[1].y - q[1].x * q[0].y + q[1].x * q[2].y - q[2].x * q[1].y +
@@ -438,7 +481,8 @@ unsigned long OrvPolygon::pick2(const Orv2dPoint& point, const OrvScene* scene,
     unsigned count = vertexCardinal();
     if (!count || nothingShows(p)) return 0;
     Hit hit;
-    if (pickFace(p, this, 0, count, "Picking error. (3)\n", "Picking error. (4)\n", hit) != 1)
+    if (pickFace(p, Vertices(this, 0, count), "Picking error. (3)\n", "Picking error. (4)\n",
+                 hit) != 1)
         return 0;
     record(p, this, hit);
     return 1;
@@ -454,7 +498,7 @@ unsigned long OrvSeries::pick2(const Orv2dPoint& point, const OrvScene* scene,
     bool found = false;
     // False after a face that could not be read: the series fails as a whole.
     auto tryFace = [&](unsigned f) {
-        int r = pickFace(p, this, f, subFaceVertexCardinal(f), "Picking error. (1)\n",
+        int r = pickFace(p, Vertices(this, f, subFaceVertexCardinal(f)), "Picking error. (1)\n",
                          "Picking error. (2)\n", hit);
         if (r < 0) return false;
         if (r == 1 && (!found || hit.z < best.z)) {
@@ -506,10 +550,9 @@ unsigned long OrvFaceSet::pick2(const Orv2dPoint& point, const OrvScene* scene,
     // Each face as its own pick would take it; one that cannot be read is
     // reported and counts as missed.
     auto tryFace = [&](const OrvPolygon* face) {
-        unsigned count = face->vertexCardinal();
-        if (!count) return;
-        if (pickFace(p, face, 0, count, "Picking error. (3)\n", "Picking error. (4)\n", hit) != 1)
-            return;
+        Vertices vertices(face);
+        if (!vertices.count) return;
+        if (pickFace(p, vertices, "Picking error. (3)\n", "Picking error. (4)\n", hit) != 1) return;
         if (!bestFace || hit.z < best.z) {
             best = hit;
             bestFace = face;
@@ -521,7 +564,31 @@ unsigned long OrvFaceSet::pick2(const Orv2dPoint& point, const OrvScene* scene,
         candidates(p, tree, list);
         for (uint32_t f : list) tryFace(tree->faces[f]);
     } else {
-        for (OrvLink* l = this->faces.first; l; l = l->next) tryFace((const OrvPolygon*)l->value);
+        // The points of a small mesh are asked for at once: its faces read
+        // them through their index, in no order memory foresees.
+        if (this->faces.first) {
+            Vertices first((const OrvPolygon*)this->faces.first->value);
+            const char* at = first.p4 ? (const char*)first.p4 : (const char*)first.p3;
+            size_t bytes =
+                (size_t)first.limit * (first.p4 ? sizeof(Orv4dPoint) : sizeof(Orv3dPoint));
+            if (at && bytes <= 4096)
+                for (size_t k = 0; k < bytes; k += 64) __builtin_prefetch(at + k);
+        }
+        // Faces and their layouts lie wherever they were made: the face two
+        // ahead and the layout of the next are asked for before they are read.
+        OrvLink* next = this->faces.first ? this->faces.first->next : nullptr;
+        OrvLink* after = next ? next->next : nullptr;
+        for (OrvLink* l = this->faces.first; l; l = l->next) {
+            if (after) {
+                __builtin_prefetch(after->value);
+                after = after->next;
+            }
+            if (next) {
+                __builtin_prefetch(((const OrvPolygon*)next->value)->vertex);
+                next = next->next;
+            }
+            tryFace((const OrvPolygon*)l->value);
+        }
     }
     if (!bestFace) return 0;
     record(p, bestFace, best);

@@ -22,8 +22,22 @@ void _OrvVertexIP_::setIndex(OrvShare* index) {
 }
 
 unsigned _OrvVertexIP_::cardinal() const {
-    unsigned blocks = dataNumber();
-    return index() && blocks ? indexShare->cardinal / blocks : 0;
+    if (!index()) return 0;
+    // Divisions by a known constant: walks ask this of every face.
+    unsigned all = indexShare->cardinal;
+    switch (dataNumber()) {
+        case 1:
+            return all;
+        case 2:
+            return all / 2;
+        case 3:
+            return all / 3;
+        case 4:
+            return all / 4;
+        case 5:
+            return all / 5;
+    }
+    return 0;
 }
 
 // Places in the fixed order: 1 colour, 2 normal, 3 edge, 4 texture.
