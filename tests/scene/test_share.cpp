@@ -2,6 +2,8 @@
 // overlap warnings and who frees what when.
 #include "vertex_samples.h"
 
+#include <random>
+
 namespace {
 
 const std::string warning1 =
@@ -109,6 +111,47 @@ TEST(VertexShares, OverlapWarnings) {
     EXPECT_EQ(OrvTestOutput([&] { edges = held.hold(new OrvShare(12, (OrvEdge*)raw, 0, 0)); }), "");
     EXPECT_TRUE(isListed(edges));
     EXPECT_EQ(OrvTestOutput([&] { held.hold(new OrvShare(10, raw, 0, 0)); }), warning2 + warning2);
+}
+
+// Ranges of every size over a buffer of three megabytes, made and dropped
+// at random: each new one warns once for each listed range it meets and
+// enters the list only when it meets none, as a walk over the list finds.
+TEST(VertexShares, OverlapsOfAnySizeAgreeWithTheListWalk) {
+    std::vector<OrvEdge> bytes(3 << 20);
+    std::mt19937 random(20);
+    std::vector<std::pair<size_t, size_t>> alive;  // first and last byte, of listed ones
+    std::vector<OrvShare*> shares;
+    for (int step = 0; step < 4000; step++) {
+        if (!shares.empty() && random() % 2 == 0) {
+            size_t k = random() % shares.size();
+            shares[k]->unLock();
+            shares.erase(shares.begin() + (long)k);
+            alive.erase(alive.begin() + (long)k);
+            continue;
+        }
+        const size_t sizes[] = {1, 17, 255, 256, 257, 1000, 4000, 300000, 1500000};
+        size_t size = sizes[random() % 9], first = random() % (bytes.size() - size);
+        // Half of them crowd round the start of a megabyte of addresses.
+        size_t edge = (((uintptr_t)bytes.data() >> 20) + 1 << 20) - (uintptr_t)bytes.data();
+        if (size < 4000 && random() % 2) first = edge - 2048 + random() % 4096;
+        unsigned meets = 0;
+        for (const auto& r : alive) meets += first <= r.second && first + size - 1 >= r.first;
+        OrvShare* share = nullptr;
+        std::string said = OrvTestOutput(
+            [&] { share = new OrvShare((unsigned)size, bytes.data() + first, 0, 0); });
+        std::string want;
+        for (unsigned m = 0; m < meets; m++) want += warning2;
+        ASSERT_EQ(said, want) << step;
+        ASSERT_EQ(isListed(share), meets == 0) << step;
+        share->lock();
+        if (meets) {
+            share->unLock();
+            continue;
+        }
+        shares.push_back(share);
+        alive.emplace_back(first, first + size - 1);
+    }
+    for (OrvShare* s : shares) s->unLock();
 }
 
 TEST(VertexShares, LockingAndFreeing) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <unordered_map>
 #include <vector>
 
 void OrvRGB::setHSV(float h, float s, float v) {
@@ -37,17 +38,54 @@ OrvList* OrvShare::sharedData = nullptr;
 // The list is walked in full by the definition of the test, which makes the
 // making of many shares quadratic. The shares in the list never overlap one
 // another (only a share that overlapped nothing enters), so for each kind
-// they also sit in a map ordered by address, where the ones that meet a new
-// range are found at once; the serial puts the warnings back in list order.
+// they also sit where the ones that meet a new range are found at once: the
+// small ranges (most are: the index arrays of faces) by the 256-byte grain
+// their first byte lies in, in tables of a megabyte of addresses, which
+// shares made one after the other fill side by side; the large ones in a map
+// ordered by address. The serial puts the warnings back in list order.
 namespace {
+const unsigned grainShift = 8;
+const uintptr_t smallBytes = (uintptr_t)1 << grainShift;  // a small range has at most these
+const unsigned regionShift = 20;
+const uint32_t none = ~0u;
+
 struct Range {
     OrvShare* share;
-    uintptr_t end;  // last byte
+    uintptr_t start, end;  // first and last byte
     unsigned long serial;
+    uint32_t next;  // the next small range of the same grain
 };
+
+struct Region {
+    uint32_t head[(size_t)1 << (regionShift - grainShift)];
+    unsigned used = 0;
+    Region() {
+        for (uint32_t& h : head) h = none;
+    }
+};
+
+struct Kind {
+    std::map<uintptr_t, Range> large;
+    std::unordered_map<uintptr_t, Region*> regions;
+};
+
 struct Ranges {
-    std::map<uintptr_t, Range> byStart[7];
+    Kind kinds[7];
+    std::vector<Range> small;  // the small ranges' nodes, and the free ones
+    std::vector<uint32_t> freed;
     unsigned long serial = 0;
+
+    // The chain of a grain; null when its region has none and make is false.
+    uint32_t* head(Kind& kind, uintptr_t grain, bool make, Region** region = nullptr) {
+        uintptr_t number = grain >> (regionShift - grainShift);
+        auto i = kind.regions.find(number);
+        if (i == kind.regions.end()) {
+            if (!make) return nullptr;
+            i = kind.regions.emplace(number, new Region).first;
+        }
+        if (region) *region = i->second;
+        return &i->second->head[grain & (((uintptr_t)1 << (regionShift - grainShift)) - 1)];
+    }
 };
 }  // namespace
 
@@ -80,26 +118,42 @@ unsigned long OrvShare::check() {
     if (!data || kind < 0 || kind > OrvShareIndex) return 0;
     if (listed) return 1;
     Ranges& all = ranges();
+    Kind& mine = all.kinds[kind];
     uintptr_t start = (uintptr_t)data;
     uintptr_t bytes = (uintptr_t)cardinal * elementSize(kind);
     uintptr_t end = start + (bytes ? bytes - 1 : 0);
-    std::map<uintptr_t, Range>& map = all.byStart[kind];
-    // Listed ranges are disjoint, so those that meet [start, end] are the run
-    // that ends with the last one starting at or before end.
-    std::vector<const Range*> met;
-    for (auto i = map.upper_bound(end); i != map.begin();) {
+    std::vector<std::pair<unsigned long, OrvShare*>> met;  // serial, share
+    // Large ranges are disjoint, so those that meet [start, end] are the
+    // run that ends with the last one starting at or before end.
+    for (auto i = mine.large.upper_bound(end); i != mine.large.begin();) {
         --i;
         if (i->second.end < start) break;
-        met.push_back(&i->second);
+        met.emplace_back(i->second.serial, i->second.share);
+    }
+    // A small range that meets [start, end] starts in it or less than a
+    // grain before it. Regions without ranges are passed over whole.
+    const uintptr_t perRegion = (uintptr_t)1 << (regionShift - grainShift);
+    uintptr_t last = end >> grainShift;
+    for (uintptr_t g = (start < smallBytes ? 0 : start - (smallBytes - 1)) >> grainShift;
+         g <= last;) {
+        const uint32_t* h = all.head(mine, g, false);
+        if (!h) {
+            g = (g / perRegion + 1) * perRegion;
+            continue;
+        }
+        for (uint32_t n = *h; n != none; n = all.small[n].next) {
+            const Range& r = all.small[n];
+            if (r.start <= end && r.end >= start) met.emplace_back(r.serial, r.share);
+        }
+        g++;
     }
     if (!met.empty()) {
-        std::sort(met.begin(), met.end(),
-                  [](const Range* a, const Range* b) { return a->serial < b->serial; });
-        for (const Range* other : met) {
-            if (isOwned() || other->share->isOwned())
+        std::sort(met.begin(), met.end());
+        for (const auto& other : met) {
+            if (isOwned() || other.second->isOwned())
                 OrvPrint("# OrvShare warning : Two shared objects defined with the same data "
                          "array (1).\n");
-            else if (!(isReadOnly() && other->share->isReadOnly()))
+            else if (!(isReadOnly() && other.second->isReadOnly()))
                 OrvPrint("# OrvShare warning : Two shared objects defined with the same data "
                          "array (2).\n");
         }
@@ -109,11 +163,29 @@ unsigned long OrvShare::check() {
     before = sharedData->last;
     listed = true;
     sharedData->append(this);
-    map[start] = Range{this, end, ++all.serial};
+    Range entry{this, start, end, ++all.serial, none};
+    if (end - start >= smallBytes) {
+        mine.large[start] = entry;
+        return 1;
+    }
+    uint32_t place;
+    if (!all.freed.empty()) {
+        place = all.freed.back();
+        all.freed.pop_back();
+    } else {
+        place = (uint32_t)all.small.size();
+        all.small.emplace_back();
+    }
+    Region* region;
+    uint32_t* h = all.head(mine, start >> grainShift, true, &region);
+    entry.next = *h;
+    all.small[place] = entry;
+    *h = place;
+    region->used++;
     return 1;
 }
 
-// Takes the share out of sharedData and of the map, if it is there.
+// Takes the share out of sharedData and of the ranges, if it is there.
 void _OrvForgetShare_(OrvShare* share) {
     if (!share->listed) return;
     share->listed = false;
@@ -134,7 +206,23 @@ void _OrvForgetShare_(OrvShare* share) {
         link->next = nullptr;
         delete link;
     }
-    ranges().byStart[share->kind].erase((uintptr_t)share->data);
+    Ranges& all = ranges();
+    Kind& mine = all.kinds[share->kind];
+    uintptr_t start = (uintptr_t)share->data;
+    Region* region = nullptr;
+    uint32_t* h = all.head(mine, start >> grainShift, false, &region);
+    for (uint32_t* at = h; at && *at != none; at = &all.small[*at].next) {
+        if (all.small[*at].share != share) continue;
+        uint32_t place = *at;
+        *at = all.small[place].next;
+        all.freed.push_back(place);
+        if (--region->used == 0) {
+            mine.regions.erase(start >> regionShift);
+            delete region;
+        }
+        return;
+    }
+    mine.large.erase(start);
 }
 
 // ---------------------------------------------------------------------------
