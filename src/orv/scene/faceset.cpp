@@ -290,8 +290,8 @@ static bool readCompact(OrvIStream& in, OrvFaceSet& set, unsigned long faceCount
     const char* names[5] = {"point", "color", "normal", "edge", "texture"};
     unsigned long at = 0;
     for (unsigned n : sizes) {
+        // The face joins the set once its box is known, as add takes it.
         OrvFace* face = new OrvFace;
-        set.add(face);
         face->createIndexedVertex(s[0], s[1], s[2], s[3], s[4]);
         unsigned* index = new unsigned[(size_t)used * n + 1];
         unsigned k = 0;
@@ -302,6 +302,7 @@ static bool readCompact(OrvIStream& in, OrvFaceSet& set, unsigned long faceCount
                 // Never used to read outside an array.
                 if (v >= limits[place]->cardinal) {
                     delete[] index;
+                    delete face;
                     return in.fault("OrvVertex::setIndex: Some %s index exceed max. of array.\n",
                                     names[place]);
                 }
@@ -309,10 +310,10 @@ static bool readCompact(OrvIStream& in, OrvFaceSet& set, unsigned long faceCount
             }
         }
         face->setVertexIndex(new OrvShare(used * n, index, 0, 1));
+        set.add(face);
         at += n;
         if (!_OrvReadFaceItems_(in, *face)) return false;
     }
-    set.computeBBox();
     return true;
 }
 

@@ -138,10 +138,20 @@ void OrvVertexData::computeBBox() {}
 
 Orv3dVolume OrvVertexData::bbox3d() const {
     Orv3dVolume box;
+    if (!vertex) return box;
+    // The points as point(i) reads them, the arrays taken once: every face
+    // of a mesh asks this when it is made or read.
+    unsigned n = vertex->cardinal(), limit = vertex->pointsCardinal();
+    bool indexed = vertex->isIndexed() != 0;
+    const unsigned* index = indexed ? vertex->pointsIndex() : nullptr;
+    const Orv4dPoint* p4 = vertex->points4d();
+    const Orv3dPoint* p3 = p4 ? nullptr : vertex->points();
+    if (!p4 && !p3) return box;
     bool first = true;
-    Orv3dPoint p;
-    for (unsigned i = 0, n = vertexCardinal(); i < n; i++) {
-        if (!point(i, p)) continue;
+    for (unsigned i = 0; i < n; i++) {
+        unsigned k = indexed ? (index ? index[i] : ~0u) : i;
+        if (k >= limit) continue;
+        Orv3dPoint p = p4 ? p4[k].to3dPoint() : p3[k];
         if (first)
             box = Orv3dVolume(p);
         else
