@@ -171,6 +171,9 @@ private:
 // An indexed layout has one index share of dataNumber blocks of cardinal
 // values, in the order point, colour, normal, edge, texture, leaving out
 // what the layout does not have.
+//
+// Every layout of the library derives from _OrvVertexP_, and the indexed
+// ones from _OrvVertexIP_: walks over many faces read their shares there.
 class _OrvVertexType_ {
 public:
     _OrvVertexType_() {}

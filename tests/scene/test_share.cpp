@@ -132,7 +132,7 @@ TEST(VertexShares, OverlapsOfAnySizeAgreeWithTheListWalk) {
         const size_t sizes[] = {1, 17, 255, 256, 257, 1000, 4000, 300000, 1500000};
         size_t size = sizes[random() % 9], first = random() % (bytes.size() - size);
         // Half of them crowd round the start of a megabyte of addresses.
-        size_t edge = (((uintptr_t)bytes.data() >> 20) + 1 << 20) - (uintptr_t)bytes.data();
+        size_t edge = ((((uintptr_t)bytes.data() >> 20) + 1) << 20) - (uintptr_t)bytes.data();
         if (size < 4000 && random() % 2) first = edge - 2048 + random() % 4096;
         unsigned meets = 0;
         for (const auto& r : alive) meets += first <= r.second && first + size - 1 >= r.first;

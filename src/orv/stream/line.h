@@ -37,12 +37,13 @@ public:
     }
     _OrvLine_& add(unsigned long v) {
         char digits[24];
-        int k = 0;
+        int k = 24;
         do {
-            digits[k++] = (char)('0' + v % 10);
+            digits[--k] = (char)('0' + v % 10);
             v /= 10;
         } while (v);
-        while (k) add(digits[--k]);
+        memcpy(room(24), digits + k, (size_t)(24 - k));
+        n += (size_t)(24 - k);
         return *this;
     }
     _OrvLine_& add(long v) {
@@ -53,9 +54,7 @@ public:
         return add((unsigned long)v);
     }
     _OrvLine_& add(double v) {
-        char digits[32];
-        int k = OrvFormatG(v, digits);
-        for (int i = 0; i < k; i++) add(digits[i]);
+        n += (size_t)OrvFormatG(v, room(32));
         return *this;
     }
     // The text so far goes to the stream; a short write marks it bad.
@@ -66,6 +65,12 @@ public:
     }
 
 private:
+    // Where k more bytes (at most the whole buffer) can be written.
+    char* room(size_t k) {
+        if (n + k > sizeof text) flush();
+        return text + n;
+    }
+
     std::ostream& out;
     char text[480];
     size_t n;
