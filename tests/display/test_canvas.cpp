@@ -152,8 +152,7 @@ TEST_P(Canvas, ClipRegionItsCachingAndTheBeforeEndPair) {
                   b->prepare(&region);
               }));
     EXPECT_EQ(b->preparing, 1);
-    EXPECT_EQ("", OrvTestOutput([&] { b->end(); }));
-    EXPECT_EQ(b->preparing, 0);
+    EXPECT_TRUE(OrvTestOutput([&] { b->end(); }).empty() && !b->preparing);
     b->setClip(&region);
     EXPECT_EQ("OrvCanvas::end must call ::before before ::end \n",
               OrvTestOutput([&] { b->end(); }));

@@ -58,8 +58,7 @@ class DirectorTest : public XTest {};
 TEST(Director, OpensDisplayWithBothConstructors) {
     REQUIRE_X();
     OrvDirector* d = new OrvDirector("dirapp", nullptr, 0, nullptr);
-    ASSERT_NE(d->display, nullptr);
-    EXPECT_STREQ(d->name, "dirapp");
+    ASSERT_TRUE(d->display && !strcmp(d->name, "dirapp"));
     EXPECT_EQ(std::vector<long>({1, 0, 1280, 1024, 200, 24, 10}),
               std::vector<long>({d->ownsDisplay, d->closed, d->screenWidth, d->screenHeight,
                                  d->doubleClickPeriod, d->depth, d->glVersion}));
@@ -72,14 +71,12 @@ TEST(Director, OpensDisplayWithBothConstructors) {
     EXPECT_EQ(OrvGetAllDirectors()->first->value, e) << "newest first";
     EXPECT_TRUE(inList(OrvGetAllDirectors(), d));
     delete e;
-    EXPECT_FALSE(inList(OrvGetAllDirectors(), e));
     delete d;
-    EXPECT_FALSE(inList(OrvGetAllDirectors(), d));
+    EXPECT_FALSE(inList(OrvGetAllDirectors(), e) || inList(OrvGetAllDirectors(), d));
     // A handed connection stays the caller's, and works after close.
     Display* raw = OrvTestOpenDisplay();
     OrvDirector* h = new OrvDirector(raw, "handed");
-    EXPECT_EQ(h->ownsDisplay, 0);
-    EXPECT_EQ(h->display, raw);
+    EXPECT_TRUE(h->ownsDisplay == 0 && h->display == raw);
     h->close();
     Window w = XCreateSimpleWindow(raw, DefaultRootWindow(raw), 0, 0, 10, 10, 0, 0, 0);
     XWindowAttributes a;
@@ -131,8 +128,7 @@ TEST_F(DirectorTest, CloseTwiceDoesTheWorkOnce) {
         director->close();
         EXPECT_EQ(std::vector<int>({1, 1, 1}),
                   std::vector<int>({director->closed, deleted, destroyed}));
-        EXPECT_EQ(director->display, nullptr) << "an owned display is closed";
-        EXPECT_EQ(director->rootCanvas, nullptr);
+        EXPECT_FALSE(director->display || director->rootCanvas) << "an owned display is closed";
     }
 }
 
@@ -180,9 +176,8 @@ TEST_F(DirectorTest, PathEditingAndFindInPath) {
     // The first readable element wins; a trailing slash gives no double slash.
     EXPECT_EQ(std::string(director->findInPath("both.orv")), fileA);
     EXPECT_EQ(std::string(director->findInPath("only.orv")), onlyB);
-    EXPECT_EQ(director->findInPath("absent.orv"), nullptr);
-    EXPECT_EQ(director->findInPath(""), nullptr);
-    EXPECT_EQ(director->findInPath(nullptr), nullptr);
+    for (const char* none : {"absent.orv", "", (const char*)nullptr})
+        EXPECT_EQ(director->findInPath(none), nullptr);
     // An absolute name ignores the path and comes back as given.
     EXPECT_EQ(director->findInPath(onlyB.c_str()), onlyB.c_str());
     // An empty element stands for the root.
@@ -193,8 +188,7 @@ TEST_F(DirectorTest, PathEditingAndFindInPath) {
     director->setPath(nullptr);
     ASSERT_EQ(chdir(dirB), 0);
     const char* plain = "only.orv";
-    EXPECT_EQ(director->findInPath(plain), plain);
-    EXPECT_EQ(director->findInPath("both2.orv"), nullptr);
+    EXPECT_TRUE(director->findInPath(plain) == plain && !director->findInPath("both2.orv"));
     director->appendToPath("a");
     EXPECT_STREQ(director->path, "a");
     ASSERT_EQ(chdir("/"), 0);
@@ -207,8 +201,7 @@ TEST_F(DirectorTest, ClipboardPointerAndBell) {
     director->setClipboard("hello orvis");
     director->flush();
     int length = -1;
-    EXPECT_STREQ(director->getClipboard(length), "hello orvis");
-    EXPECT_EQ(length, 11);
+    EXPECT_TRUE(!strcmp(director->getClipboard(length), "hello orvis") && length == 11);
     // Another client sees it: it lives in the server's cut buffer.
     Display* raw = OrvTestOpenDisplay();
     int n = 0;
@@ -219,8 +212,7 @@ TEST_F(DirectorTest, ClipboardPointerAndBell) {
     XSync(raw, False);
     EXPECT_STREQ(director->getClipboard(length), "from outside");
     director->setClipboard("abcdef", 3);  // an explicit length takes only that much
-    EXPECT_STREQ(director->getClipboard(length), "abc");
-    EXPECT_EQ(length, 3);
+    EXPECT_TRUE(!strcmp(director->getClipboard(length), "abc") && length == 3);
     // The pointer: warped, moved by a delta, and queried with its modifiers.
     director->movePointer(Orv2dPoint(300, 200));
     director->translatePointer(5, -3);
@@ -245,8 +237,7 @@ TEST(Director, EightBitScreenWithoutGLStaysUsable) {
     std::string out = OrvTestOutput([&] { d = new OrvDirector("eight", name8, 0, nullptr); });
     EXPECT_NE(out.find("OrvDirector::initContext : Can't find a visual.\n"), std::string::npos)
         << out;
-    EXPECT_EQ(d->rootContext, nullptr);
-    EXPECT_EQ(d->depth, 8);
+    EXPECT_TRUE(!d->rootContext && d->depth == 8);
     // 2D windows still work on it.
     Display* raw = OrvTestOpenDisplay(name8);
     EXPECT_TRUE(

@@ -87,8 +87,7 @@ TEST_F(Loop, TimersFireInOrderFromTheWaitStep) {
     // A repeating timer is scheduled again after each activation, until suspended.
     RecordTimer tick(director, 10, 7, 1);
     tick.run();
-    EXPECT_TRUE(waitSteps(director, [&] { return tick.times >= 4; }));
-    EXPECT_TRUE(tick.isRunning());
+    EXPECT_TRUE(waitSteps(director, [&] { return tick.times >= 4; }) && tick.isRunning());
     tick.suspend();
     int seen = tick.times;
     OrvTestRunFor(40);
@@ -114,8 +113,7 @@ TEST_F(Loop, WorkProcedures) {
     director->add(&idle);
     director->add(&off);
     director->add(busy);
-    EXPECT_EQ(busy->count, 1);
-    EXPECT_EQ(director->workProcedures->length(), 3u);
+    EXPECT_TRUE(busy->count == 1 && director->workProcedures->length() == 3u);
     // A busy procedure keeps select from blocking: these steps return at once.
     long start = nowMs();
     for (int i = 0; i < 5; i++) director->waitAndDispatchEvents();
@@ -150,8 +148,7 @@ TEST_F(Loop, OtherDescriptorsAndClosedOnes) {
     director->waitAndDispatchEvents();
     EXPECT_GE(nowMs() - start, 140);
     waitpid(writer, nullptr, 0);
-    EXPECT_EQ(std::vector<int>({p[0]}), log.inputs);
-    EXPECT_EQ(log.text, "abc");
+    EXPECT_TRUE(log.inputs == std::vector<int>({p[0]}) && log.text == "abc");
     // A descriptor closed behind the loop's back: select fails with EBADF, the owner hears of it
     // once through onClose, and it is dropped from the table.
     int doomed = dup(q[0]);
@@ -161,8 +158,7 @@ TEST_F(Loop, OtherDescriptorsAndClosedOnes) {
     director->waitAndDispatchEvents();
     ASSERT_EQ(log.closes, std::vector<int>{doomed});
     ASSERT_EQ(write(p[1], "de", 2), 2);
-    EXPECT_TRUE(waitSteps(director, [&] { return log.text == "abcde"; }));
-    EXPECT_EQ(log.closes.size(), 1u);
+    EXPECT_TRUE(waitSteps(director, [&] { return log.text == "abcde"; }) && log.closes.size() == 1);
     OrvUnRegisterInput(p[0]);
     ASSERT_EQ(write(p[1], "f", 1), 1);
     Busy busy(1);  // keeps the steps from blocking on the silent pipe
@@ -200,8 +196,7 @@ TEST_F(Loop, DirectorGrabsStack) {
     EXPECT_EQ(director->grabView(), nullptr);
     director->grab(a);
     director->grab(b);
-    EXPECT_EQ(director->grabView(), b);
-    EXPECT_TRUE(director->isGrabbed(a) && !director->isGrabbed(c));
+    EXPECT_TRUE(director->grabView() == b && director->isGrabbed(a) && !director->isGrabbed(c));
     director->unGrab(b);
     EXPECT_EQ(director->grabView(), a);
     // Input for c goes to the grabbing view, coordinates as c saw them.
@@ -219,8 +214,7 @@ TEST_F(Loop, DirectorGrabsStack) {
     for (auto& g : got) {
         EXPECT_EQ(g.first, a);
         if (g.second.type != OrvButtonDown) continue;
-        EXPECT_EQ(Orv2dPoint(10, 12), Orv2dPoint(g.second.x, g.second.y));
-        EXPECT_EQ(g.second.window, c->window());
+        EXPECT_TRUE(g.second.x == 10 && g.second.y == 12 && g.second.window == c->window());
     }
     director->unGrab(a);
     got.clear();
@@ -242,9 +236,10 @@ TEST_F(Loop, XErrorsAreReportedAndSurvived) {
         XMapWindow(dpy, 0x1234567);
         XSync(dpy, False);
     });
-    EXPECT_EQ(out.rfind("X error [", 0), 0u) << out;
-    EXPECT_NE(out.find("] X_MapWindow (0) BadWindow (invalid Window parameter) (291 . 17767)\n"),
-              std::string::npos)
+    EXPECT_TRUE(
+        out.rfind("X error [", 0) == 0 &&
+        out.find("] X_MapWindow (0) BadWindow (invalid Window parameter) (291 . 17767)\n") !=
+            std::string::npos)
         << out;
     XWindowAttributes a;  // the connection goes on
     EXPECT_TRUE(XGetWindowAttributes(dpy, DefaultRootWindow(dpy), &a));

@@ -28,10 +28,9 @@ std::vector<int> differences(const OrvMakeUp* a, const OrvMakeUp* b) {
 TEST_P(MakeUps, DefaultsOfStartUp) {
     OrvMakeUp* m = d->defaultMakeUp;
     ASSERT_NE(dynamic_cast<Orv2dMakeUp*>(m), nullptr) << "all defaults: the smallest class";
-    EXPECT_EQ(m->background(), d->defaultBackground);
-    EXPECT_EQ(m->foreground(), d->defaultForeground);
-    EXPECT_EQ(m->lineStyle(), d->solidLineStyle);
-    EXPECT_EQ(m->font(), d->defaultFont);
+    EXPECT_TRUE(m->background() == d->defaultBackground &&
+                m->foreground() == d->defaultForeground && m->lineStyle() == d->solidLineStyle &&
+                m->font() == d->defaultFont);
     EXPECT_EQ(std::vector<unsigned long>({0, 1, 1, 4, 1, 2, 0xFFFFFFFF, 1}),
               std::vector<unsigned long>({m->lineWidth(), m->smooth(), m->cull(), m->frontStyle(),
                                           m->markerType(), m->markerScale(), m->planeMask,
@@ -40,8 +39,8 @@ TEST_P(MakeUps, DefaultsOfStartUp) {
     EXPECT_EQ(d->makeUp(nullptr, nullptr, nullptr, 0, nullptr, nullptr, nullptr, 0, OrvArcPieSlice,
                         0, nullptr, 0, 1, 1, 4, 4, 1, 2, nullptr),
               m);
-    EXPECT_EQ(d->wideMakeUp->lineWidth(), 4);
     EXPECT_EQ(differences(d->wideMakeUp, m), std::vector<int>({6}));
+    EXPECT_EQ(d->wideMakeUp->lineWidth(), 4);
     EXPECT_TRUE(d->wideMakeUp->hasInternal(d->rootCanvas)) << "realised on the root canvas";
     EXPECT_EQ(d->balloonMakeUp->background(), d->color("wheat"));
     EXPECT_EQ(d->tmpMakeUpObject->holdsCounts, 0) << "the scratch make-up counts nothing";
@@ -77,17 +76,15 @@ TEST_P(MakeUps, EverySetterSharesTheEqualButOne) {
         EXPECT_EQ(made[i] ? differences(made[i], base) : std::vector<int>({i}),
                   std::vector<int>({i}));
     // Asking again gives the same objects, and back again the base; the argument is untouched.
-    EXPECT_EQ(d->makeUpMarkerScale(base, 5), made[17]);
-    EXPECT_EQ(d->makeUpLineWidth(made[6], 0), base);
-    EXPECT_EQ(d->makeUpLineWidth(base, base->lineWidth()), base);
-    EXPECT_EQ(OrvMakeUpHashTable::match(base, before), 1);
+    EXPECT_TRUE(d->makeUpMarkerScale(base, 5) == made[17] &&
+                d->makeUpLineWidth(made[6], 0) == base &&
+                d->makeUpLineWidth(base, base->lineWidth()) == base &&
+                OrvMakeUpHashTable::match(base, before) == 1);
     // Classes follow the attributes.
-    EXPECT_NE(dynamic_cast<Orv2dMakeUp*>(made[4]), nullptr);
-    EXPECT_NE(dynamic_cast<Orv3dMakeUp*>(made[16]), nullptr);
+    EXPECT_TRUE(dynamic_cast<Orv2dMakeUp*>(made[4]) && dynamic_cast<Orv3dMakeUp*>(made[16]));
     OrvMakeUp* both = d->makeUpMarkerType(made[4], 3);
     EXPECT_NE(dynamic_cast<OrvTotalMakeUp*>(both), nullptr) << "a font and a marker type";
-    EXPECT_EQ(differences(both, base), std::vector<int>({4, 16}));
-    EXPECT_EQ(tile->lockCount, 1u);
+    EXPECT_TRUE(differences(both, base) == std::vector<int>({4, 16}) && tile->lockCount == 1u);
     OrvRelease(base);
 }
 
@@ -121,13 +118,10 @@ TEST_P(MakeUps, CountingDeletesAndTheTableForgets) {
     OrvMakeUpHashTable table(7);
     table.put(copy);
     table.put(copy);
-    EXPECT_EQ(table.count, 1u);
-    EXPECT_EQ(table.get(v), copy);
+    EXPECT_TRUE(table.count == 1u && table.get(v) == copy);
     v.lineWidth = 4;
-    EXPECT_EQ(table.get(v), nullptr);
-    EXPECT_EQ(d->makeUps->get(v), d->wideMakeUp);
-    EXPECT_EQ(table.remove(copy), 1);
-    EXPECT_EQ(table.count, 0u);
+    EXPECT_TRUE(!table.get(v) && d->makeUps->get(v) == d->wideMakeUp);
+    EXPECT_TRUE(table.remove(copy) == 1 && table.count == 0u);
     delete copy;
     EXPECT_EQ(d->defaultForeground->count, fg);
 }
@@ -137,8 +131,8 @@ TEST_P(MakeUps, ContextsPerCanvasAndModeOnSharedMakeUps) {
     OrvBitmap *a = sheet(20, 20), *b = sheet(20, 20);
     unsigned long gc = red->internal(a);
     ASSERT_NE(gc, 0u);
-    EXPECT_EQ(red->internal(b), gc) << "canvases that share the root share one context";
-    EXPECT_EQ(red->internals.length(), 1u);
+    EXPECT_TRUE(red->internal(b) == gc && red->internals.length() == 1u)
+        << "canvases that share the root share one context";
     // The mode of a shared make-up shows on all its users: xor of the background gives the
     // foreground, twice gives it back.
     EXPECT_EQ(paint("red", "blue"), red);
@@ -159,8 +153,7 @@ TEST_P(MakeUps, ContextsPerCanvasAndModeOnSharedMakeUps) {
     // Deleting a canvas that realises resources itself gives its contexts back.
     OrvCanvas* own = new OrvCanvas(d, 10, 10, (void*)d->rootCanvas->drawable);
     own->sharesRootResources = 0;
-    EXPECT_NE(red->internal(own), gc);
-    EXPECT_EQ(red->internals.length(), 2u);
+    EXPECT_TRUE(red->internal(own) != gc && red->internals.length() == 2u);
     delete own;
     EXPECT_EQ(red->internals.length(), 1u);
     delete b;
@@ -170,9 +163,9 @@ TEST_P(MakeUps, ContextsPerCanvasAndModeOnSharedMakeUps) {
 TEST_P(MakeUps, MarkerSizes) {
     OrvMakeUp* m = d->defaultMakeUp;
     EXPECT_EQ(m->markerSize(), Orv2dRect(0, 0, 6, 6));
-    EXPECT_EQ(d->makeUpMarkerScale(m, 0)->markerSize(), Orv2dRect(0, 0, 4, 4));
-    EXPECT_EQ(d->makeUpMarkerScale(m, 1)->markerSize(), Orv2dRect(0, 0, 4, 4));
-    EXPECT_EQ(d->makeUpMarkerScale(m, 7)->markerSize(), Orv2dRect(0, 0, 16, 16));
+    for (auto s : {std::make_pair(0, 4), {1, 4}, {7, 16}})
+        EXPECT_EQ(d->makeUpMarkerScale(m, s.first)->markerSize(),
+                  Orv2dRect(0, 0, s.second, s.second));
     EXPECT_EQ("OrvMakeUp::markerSize : Marker scale unknown.\n", OrvTestOutput([&] {
                   EXPECT_EQ(d->makeUpMarkerScale(m, 8)->markerSize(), Orv2dRect());
               }));

@@ -35,8 +35,7 @@ TEST(Actor, UserPropertiesNamesAndCallbacks) {
     // Names are user properties under fixed keys, with a flag bit.
     a.setName("first");
     a.setName("second");
-    EXPECT_STREQ(a.getName(), "second");
-    EXPECT_TRUE(a.getProperty(9));
+    EXPECT_TRUE(a.getProperty(9) && !strcmp(a.getName(), "second"));
     a.setName(nullptr);
     EXPECT_FALSE(a.getProperty(9) || a.hasUserProperty(nameA));
     // Callbacks are counted by their holders.
@@ -81,8 +80,8 @@ TEST(Actor, ChangeProtocolOffStage) {
     a.textureOn(0);
     EXPECT_EQ(log, (Log{"begin 1", "flush 1", "begin 0", "flush 0", "begin 0", "flush 0", "begin 1",
                         "flush 1", "begin 0", "flush 0", "begin 0", "picture", "flush 0"}));
-    EXPECT_TRUE(!a.isVisible() && a.isSelected() && a.isFocus() && !a.isTextureOn());
-    EXPECT_EQ(a.layer, 3);
+    EXPECT_TRUE(!a.isVisible() && a.isSelected() && a.isFocus() && !a.isTextureOn() &&
+                a.layer == 3);
     // Not selectable: the protocol runs, the bit stays clear.
     log.clear();
     a.setSelected(0);
@@ -96,8 +95,7 @@ TEST(Actor, ChangeProtocolOffStage) {
     EXPECT_EQ(a.setHighlighted(1, Orv2dPoint(), 0), 1u);
     EXPECT_EQ(a.setHighlighted(1, Orv2dPoint(), 1), 0u);
     EXPECT_EQ(a.setHighlighted(0, Orv2dPoint(), 1), 1u);
-    EXPECT_EQ(log, (Log{"begin 0", "flush 0"}));
-    EXPECT_FALSE(a.isHighlighted());
+    EXPECT_TRUE(log == (Log{"begin 0", "flush 0"}) && !a.isHighlighted());
     // While repaints are forgotten the state still changes.
     EXPECT_EQ(OrvForgetUpdateDrawing(), 0u);
     OrvForgetUpdateDrawing(1);
@@ -123,15 +121,12 @@ TEST(Actor, CopyTakesLookAndPermissionsOnly) {
     a.setName("original");
     a.setUserProperty(OrvGetKey("test_actor_copy", 1), &a);
     OrvActor* c = a.copy();
-    EXPECT_EQ(c->layer, 4);
-    EXPECT_TRUE(c->isInverted() && c->isHighlightAllowed());
+    EXPECT_TRUE(c->layer == 4 && c->isInverted() && c->isHighlightAllowed());
     EXPECT_FALSE(c->isSelectable() || c->isSensitive() || c->isMoveable() || c->hasZBuffer() ||
                  c->isLightOn());
     // Not copied: selection, immediate, invariant, focus, name, properties.
     EXPECT_FALSE(c->isSelected() || c->isImmediate() || c->isInvariant() || c->isFocus());
-    EXPECT_TRUE(a.isSelected());
-    EXPECT_EQ(c->getName(), nullptr);
-    EXPECT_EQ(c->userProperties, nullptr);
+    EXPECT_TRUE(a.isSelected() && !c->getName() && !c->userProperties);
     EXPECT_STREQ(c->className(), "OrvActor");
     delete c;
 }
@@ -152,15 +147,13 @@ TEST(ActorGeometry, HandlesAndDragger) {
     for (int i = 0; i < 8; i++) {
         Orv2dDragger* d = a.dragger2d(Orv2dPoint(expected[i].x + 4, expected[i].y - 4), nullptr);
         ASSERT_EQ(d, &OrvActor::_default2dDragger) << i;
-        EXPECT_EQ(positions[i], d->position);
-        EXPECT_EQ(i, d->index);
-        EXPECT_EQ(d->point, expected[i]);
+        EXPECT_TRUE(d->position == positions[i] && d->index == i && d->point == expected[i]) << i;
     }
     // Squares are 8 pixels a side, centred: 5 away is outside.
     EXPECT_EQ(a.dragger2d(Orv2dPoint(5, 20), nullptr), nullptr);
     // Handles stick out of the shape for hit tests, the edge's span does not.
-    EXPECT_TRUE(a.contains2d(Orv2dPoint(7, 17), nullptr));
-    EXPECT_FALSE(a.contains2d(Orv2dPoint(7, 30), nullptr));
+    EXPECT_TRUE(a.contains2d(Orv2dPoint(7, 17), nullptr) &&
+                !a.contains2d(Orv2dPoint(7, 30), nullptr));
     // The repaint box grows by 4 on each side when selected.
     EXPECT_EQ(a.bbox2dToStage(nullptr), Orv2dRect(6, 16, 39, 49));
     // A selected empty actor has eight handles on one point: the corner first.
@@ -168,14 +161,12 @@ TEST(ActorGeometry, HandlesAndDragger) {
     z.setSelected(1);
     Orv2dDragger* d = z.dragger2d(Orv2dPoint(1, 1), nullptr);
     ASSERT_NE(d, nullptr);
-    EXPECT_EQ(5u, d->position);
-    EXPECT_EQ(0, d->index);
+    EXPECT_TRUE(d->position == 5u && d->index == 0);
     // The matrix is kept, and handles follow the mapped box.
     Orv2dMatrix scale(2, 2);
     d = a.dragger2d(Orv2dPoint(82, 122), &scale);
     ASSERT_NE(d, nullptr);
-    EXPECT_EQ(d->index, 3);
-    EXPECT_EQ(d->matrix, &scale);
+    EXPECT_TRUE(d->index == 3 && d->matrix == &scale);
     // Regions of the handles: count reset, one square each.
     Orv2dRegion region(Orv2dRect(500, 500, 5, 5));
     a.draggerRegions2d(region, nullptr);
@@ -193,8 +184,7 @@ TEST(ActorGeometry, FocusRegionAndRegionTests) {
     TestBox low(nullptr, nullptr, Orv2dRect(10, 20, 30, 7));
     Orv2dRegion box(25);
     low.computeFocusRegion2d(box, nullptr);
-    ASSERT_EQ(box.count, 1);
-    EXPECT_EQ(box.rectangle(0), Orv2dRect(10, 20, 30, 7));
+    EXPECT_TRUE(box.count == 1 && box.rectangle(0) == Orv2dRect(10, 20, 30, 7));
     // intersects2d and inside2d use the enlarged box of a selected actor.
     Orv2dRegion near(Orv2dRect(0, 0, 8, 100)), around(Orv2dRect(7, 17, 36, 14));
     EXPECT_TRUE(!a.intersects2d(near, nullptr) && a.inside2d(around, nullptr));
@@ -237,13 +227,11 @@ TEST_F(StageTest, ChangeProtocolOnStage) {
     a->setLayer(2);
     a->setLayer(2);
     EXPECT_EQ(log, (Log{"begin 0", "invalidate", "flush 0", "invalidate", "drawAll"}));
-    EXPECT_EQ(stage->layer(0)->position(a), -1);
-    EXPECT_EQ(stage->getLayer(a), stage->layer(2));
+    EXPECT_TRUE(stage->layer(0)->position(a) == -1 && stage->getLayer(a) == stage->layer(2));
     hook->log = nullptr;
     // Deleting the actor removes it from the stage and its selections.
     delete a;
-    EXPECT_EQ(stage->cardinal(), 0u);
-    EXPECT_EQ(stage->selection(0), nullptr);
+    EXPECT_TRUE(stage->cardinal() == 0u && !stage->selection(0));
 }
 
 TEST_F(StageTest, MakeUpSettersSwapSharedMakeUps) {
@@ -253,16 +241,13 @@ TEST_F(StageTest, MakeUpSettersSwapSharedMakeUps) {
     int redCount = red->count;
     a->setForeground(director->color("blue"));
     a->setForeground(director->color("blue"));  // no change, no call
-    EXPECT_EQ(a->makeUp, blue);
-    EXPECT_EQ(red->count, redCount - 1);
-    EXPECT_EQ(log, (Log{"begin 0", "notify", "flush 0"}));
-    EXPECT_EQ(rgb(20, 20), 0x0000FFu);
+    EXPECT_TRUE(a->makeUp == blue && red->count == redCount - 1);
+    EXPECT_TRUE(log == (Log{"begin 0", "notify", "flush 0"}) && rgb(20, 20) == 0x0000FFu);
     a->setLineWidth(3);
     EXPECT_EQ(a->makeUp, director->makeUpLineWidth(blue, 3));
     log.clear();
     a->setMakeUp(red);
-    EXPECT_EQ(log, (Log{"begin 1", "notify", "flush 1"}));
-    EXPECT_EQ(rgb(20, 20), 0xFF0000u);
+    EXPECT_TRUE(log == (Log{"begin 1", "notify", "flush 1"}) && rgb(20, 20) == 0xFF0000u);
     log.clear();
     // In place, for all who share it, without redraw.
     a->setPlaneMask(0xFFu);
@@ -271,8 +256,7 @@ TEST_F(StageTest, MakeUpSettersSwapSharedMakeUps) {
     EXPECT_EQ(log, (Log{"notify", "notify"}));
     // invert swaps the colours and sets the flag.
     a->invert();
-    EXPECT_TRUE(a->isInverted());
-    EXPECT_EQ(a->makeUp->foreground(), red->background());
-    EXPECT_EQ(a->makeUp->background(), red->foreground());
+    EXPECT_TRUE(a->isInverted() && a->makeUp->foreground() == red->background() &&
+                a->makeUp->background() == red->foreground());
     a->log = nullptr;
 }

@@ -37,8 +37,7 @@ TEST_F(ProducerTest, SelectByClickShiftClickAndRubberBand) {
     moveTo(90, 80);
     release();
     shift(false);
-    EXPECT_EQ(2u, selected());
-    EXPECT_EQ(20, a->box.x);
+    EXPECT_TRUE(selected() == 2u && a->box.x == 20);
     // A plain click on a selected actor, without motion, deselects all; so does empty space.
     click(50, 40);
     EXPECT_EQ(0u, selected());
@@ -73,10 +72,8 @@ TEST_F(ProducerTest, MoveShowsTheGhostAndLandsToThePixel) {
     EXPECT_EQ(20, a->box.x);
     EXPECT_NE(background, rgb(20 - 4 + 53, 40 + 37));
     release();
-    EXPECT_EQ(Orv2dRect(73, 57, 60, 40), a->box);
-    EXPECT_TRUE(a->isSelected());
-    EXPECT_EQ(0xff0000ul, rgb(73 + 5, 57 + 5));
-    EXPECT_EQ(background, rgb(30, 30));
+    EXPECT_TRUE(a->box == Orv2dRect(73, 57, 60, 40) && a->isSelected());
+    expectPixels({78, 62, 0xff0000, 30, 30, background});
     EXPECT_TRUE(sameAsRepaint());
     // Both selected move together.
     moveTo(180, 120);
@@ -90,8 +87,7 @@ TEST_F(ProducerTest, MoveShowsTheGhostAndLandsToThePixel) {
     stage->deSelect();
     b->setMoveable(0);
     drag(180, 110, 220, 150);
-    EXPECT_TRUE(b->isSelected());
-    EXPECT_EQ(160, b->box.x);
+    EXPECT_TRUE(b->isSelected() && b->box.x == 160);
     EXPECT_TRUE(sameAsRepaint());
 }
 
@@ -105,15 +101,12 @@ TEST_F(ProducerTest, MoveProducerAloneDeclinesTheReleaseAndIgnoresZeroDelta) {
     // A press on empty space deselects and is declined.
     a->setSelected(1);
     click(250, 150);
-    EXPECT_FALSE(a->isSelected());
-    EXPECT_EQ(1u, downs.size());
+    EXPECT_TRUE(!a->isSelected() && downs.size() == 1u);
     ups.clear();
     press(40, 30);
-    EXPECT_EQ(1ul, move->active);
-    EXPECT_TRUE(a->isSelected());
+    EXPECT_TRUE(move->active == 1ul && a->isSelected());
     release();
-    EXPECT_EQ(0ul, move->active);
-    EXPECT_EQ(20, a->box.x);
+    EXPECT_TRUE(move->active == 0ul && a->box.x == 20);
     // The release is declined, the press taken.
     EXPECT_EQ(std::vector<size_t>({1, 1}), std::vector<size_t>({ups.size(), downs.size()}));
     drag(40, 30, 60, 45);
@@ -147,8 +140,8 @@ TEST_F(ProducerTest, ReshapeByEachOfTheEightHandles) {
         TestBox* a = box(100, 60, 60, 40);
         a->setSelected(1);
         press(c.hx, c.hy);
-        EXPECT_EQ(select->reshape, select->inUse) << "handle " << c.position;
-        EXPECT_EQ(c.position, select->reshape->position);
+        EXPECT_TRUE(select->reshape == select->inUse && c.position == select->reshape->position)
+            << "handle " << c.position;
         moveTo(c.hx + 8, c.hy + 5);
         moveTo(c.hx + 15, c.hy + 10);
         release();
@@ -184,7 +177,6 @@ TEST_F(ProducerTest, RectangleProducerDragsOutARectangle) {
     moveTo(50, 40);
     EXPECT_NE(background, rgb(50, 60));
     release();
-    EXPECT_EQ(background, rgb(50, 60));
     EXPECT_TRUE(sameAsRepaint());
     // Shift during the drag forces a square; a click gives a rectangle of zero size.
     press(50, 40);
@@ -267,13 +259,12 @@ TEST_F(ProducerTest, GhostSurvivesARepaintDuringTheDragAndGoesAfter) {
     // Ghost: the selections' box (grown by 4 for the handles) moved by 60, 50.
     const int gx = 20 - 4 + 60, gy = 20 - 4 + 50;
     EXPECT_NE(background, rgb(gx, gy + 10));
-    stage->drawAll(nullptr, 1);
-    EXPECT_NE(background, rgb(gx, gy + 10));
     Orv2dRegion part(Orv2dRect(gx - 10, gy, 30, 40));
-    stage->drawAll(&part, 1);
-    EXPECT_NE(background, rgb(gx, gy + 10));
+    for (Orv2dRegion* r : {(Orv2dRegion*)nullptr, &part}) {
+        stage->drawAll(r, 1);
+        EXPECT_NE(background, rgb(gx, gy + 10));
+    }
     release();
     EXPECT_EQ(Orv2dPoint(80, 70), Orv2dPoint(a->box.x, a->box.y));
-    EXPECT_EQ(background, rgb(gx, gy + 10));
     EXPECT_TRUE(sameAsRepaint());
 }

@@ -61,20 +61,15 @@ TEST(Registry, IsSubtypeOfClimbsByRecords) {
     for (const auto& c : cases)
         EXPECT_EQ(c.actor->isSubtypeOf(c.type), c.is) << c.actor->className() << " " << c.type;
     EXPECT_STREQ(filled.className(), "OrvFilledRectangle");
-    EXPECT_STREQ(plain.className(), "OrvActor");
 }
 
 TEST(Registry, IsSubtypeOfReportsUnknownNames) {
     OrvRectangle rect(nullptr, Orv2dRect(0, 0, 10, 10));
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(rect.isSubtypeOf("NoSuchClass"), 0u);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Unknown requested type NoSuchClass in isSubtypeOf");
+    EXPECT_EQ("Unknown requested type NoSuchClass in isSubtypeOf",
+              OrvTestOutput([&] { EXPECT_EQ(rect.isSubtypeOf("NoSuchClass"), 0u); }));
 
     UnregisteredActor stranger;
     EXPECT_EQ(stranger.className(), nullptr);
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(stranger.isSubtypeOf("OrvActor"), 0u);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Unknown proposed type (null) in isSubtypeOf");
+    EXPECT_EQ("Unknown proposed type (null) in isSubtypeOf",
+              OrvTestOutput([&] { EXPECT_EQ(stranger.isSubtypeOf("OrvActor"), 0u); }));
 }

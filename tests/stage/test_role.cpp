@@ -7,10 +7,8 @@ TEST(RoleRegistry, SharedInstancesByClassName) {
         ASSERT_NE(nullptr, OrvGetRole(name)) << name;
         EXPECT_STREQ(name, OrvGetRole(name)->className());
     }
-    EXPECT_EQ(1, OrvGetRole("Button")->mask);
-    EXPECT_EQ(0, OrvGetRole("Button")->allowPointerMoved());
-    EXPECT_EQ(nullptr, OrvGetRole("NoSuchRole"));
-    EXPECT_EQ(nullptr, OrvGetRole(nullptr));
+    EXPECT_TRUE(OrvGetRole("Button")->mask == 1 && !OrvGetRole("Button")->allowPointerMoved());
+    EXPECT_TRUE(!OrvGetRole("NoSuchRole") && !OrvGetRole(nullptr));
     // A role registered by hand is found until it goes.
     RecordingRole* c = new RecordingRole(nullptr, "custom");
     OrvRegisterRoleInstance(c);
@@ -46,19 +44,16 @@ TEST_F(RoleTest, ButtonPressReleaseInsideValidatesOnce) {
     Counting<OrvButtonRole> role;
     TestBox* a = pressable(&role);
     press(40, 30);
-    EXPECT_TRUE(a->isInverted());
-    EXPECT_EQ(1ul, role.pressed);
+    EXPECT_TRUE(a->isInverted() && role.pressed == 1ul);
     EXPECT_NE(0xff0000ul, rgb(40, 30));  // the look is inverted on the window
     release();
-    EXPECT_FALSE(a->isInverted());
-    EXPECT_EQ(0xff0000ul, rgb(40, 30));
+    EXPECT_TRUE(!a->isInverted() && rgb(40, 30) == 0xff0000ul);
     EXPECT_EQ(std::vector<int>({1, 1}), std::vector<int>({role.validates, calls}));
     // Dragged out, back in, out again and released outside: the look follows, nothing is
     // validated.
     press(40, 30);
     moveTo(200, 150);
-    EXPECT_FALSE(a->isInverted());
-    EXPECT_EQ(0ul, role.pressed);
+    EXPECT_TRUE(!a->isInverted() && role.pressed == 0ul);
     moveTo(50, 35);
     EXPECT_TRUE(a->isInverted());
     moveTo(220, 160);
@@ -102,19 +97,16 @@ TEST_F(RoleTest, ButtonCallsTheStagesNamedCallback) {
     a->setCallbackName(OrvGetKey("ok", 1));
     stage->registerCallback("ok", new CountingCallback(&named, &who));
     click(40, 30);
-    EXPECT_EQ(std::vector<int>({1, 0}), std::vector<int>({named, calls}));
-    EXPECT_EQ(a, who);
+    EXPECT_TRUE(named == 1 && calls == 0 && who == a);
 }
 
 TEST_F(RoleTest, ToggleFlipsOnEachClickAndValidatesOnce) {
     Counting<OrvToggleRole> role;
     TestBox* a = pressable(&role);
     click(40, 30);
-    EXPECT_TRUE(a->isInverted());
-    EXPECT_NE(0xff0000ul, rgb(40, 30));
+    EXPECT_TRUE(a->isInverted() && rgb(40, 30) != 0xff0000ul);
     click(40, 30);
-    EXPECT_FALSE(a->isInverted());
-    EXPECT_EQ(0xff0000ul, rgb(40, 30));
+    EXPECT_TRUE(!a->isInverted() && rgb(40, 30) == 0xff0000ul);
     EXPECT_EQ(std::vector<int>({2, 2}), std::vector<int>({role.validates, calls}));
     // Dragged out and released outside: the look is restored by the invert on leaving, and it
     // does not toggle back by itself.
@@ -128,11 +120,9 @@ TEST_F(RoleTest, ToggleFlipsOnEachClickAndValidatesOnce) {
     stage->setFocus(a);
     moveTo(250, 180);
     key(XK_Return, true);
-    EXPECT_TRUE(a->isInverted());
-    EXPECT_EQ(3, calls);
+    EXPECT_TRUE(a->isInverted() && calls == 3);
     key(XK_Return, false);
-    EXPECT_TRUE(a->isInverted());
-    EXPECT_EQ(3, calls);
+    EXPECT_TRUE(a->isInverted() && calls == 3);
 }
 
 TEST_F(RouteTest, ToggleDragAnswersOnlyWhenTheLookChanges) {
@@ -156,8 +146,7 @@ TEST_F(RouteTest, ToggleDragAnswersOnlyWhenTheLookChanges) {
     }
     e.type = OrvButtonDown;
     e.button = 2;
-    EXPECT_EQ(0, role.input2d(a, e, stage));
-    EXPECT_EQ(0, role.validates);
+    EXPECT_TRUE(role.input2d(a, e, stage) == 0 && role.validates == 0);
 }
 
 TEST_F(RouteTest, MoveRoleDragsOneActorToTheExactPixel) {
@@ -171,16 +160,13 @@ TEST_F(RouteTest, MoveRoleDragsOneActorToTheExactPixel) {
     EXPECT_EQ(1ul, role->active);
     moveTo(60, 50);
     // The ghost is the actor drawn by exclusive or at the new place; the actor has not moved.
-    EXPECT_EQ(20, a->box.x);
-    EXPECT_NE(background, rgb(72, 45));
+    EXPECT_TRUE(a->box.x == 20 && rgb(72, 45) != background);
     moveTo(83, 67);
     release();
-    EXPECT_EQ(0ul, role->active);
-    EXPECT_EQ(Orv2dRect(73, 57, 40, 30), a->box);
+    EXPECT_TRUE(role->active == 0ul && a->box == Orv2dRect(73, 57, 40, 30));
     expectPixels({73, 57, 0xff0000ul, 112, 86, 0xff0000ul, 72, 57, background});
     // No ghost remains anywhere outside the two boxes.
-    EXPECT_EQ(40 * 30 + 40 * 30, foreignPixels());
-    EXPECT_EQ(150, b->box.x);
+    EXPECT_TRUE(foreignPixels() == 40 * 30 + 40 * 30 && b->box.x == 150);
     // A role on an actor that is not moveable takes the event and moves nothing.
     a->setMoveable(0);
     drag(80, 60, 120, 90);
@@ -208,8 +194,7 @@ TEST_F(RouteTest, ReshapeRoleResizesAboutTheCentre) {
     moveTo(150, 95);
     EXPECT_NE(background, rgb(90, 70));  // the ghost: an outline by exclusive or
     release();
-    EXPECT_EQ(Orv2dRect(90, 55, 60, 40), a->box);
-    EXPECT_EQ(0xff0000ul, rgb(91, 56));
+    EXPECT_TRUE(a->box == Orv2dRect(90, 55, 60, 40) && rgb(91, 56) == 0xff0000ul);
     EXPECT_EQ(60 * 40, foreignPixels());
 }
 
@@ -225,9 +210,7 @@ TEST_F(RouteTest, DeletedRoleLeavesEveryActorThatUsedIt) {
     b->setRole(OrvGetRole("Button"));
     EXPECT_TRUE(a->getProperty(10));
     delete role;
-    EXPECT_EQ(nullptr, a->getRole());
-    EXPECT_EQ(nullptr, c->getRole());
-    EXPECT_FALSE(a->getProperty(10));
+    EXPECT_TRUE(!a->getRole() && !c->getRole() && !a->getProperty(10));
     EXPECT_EQ(OrvGetRole("Button"), b->getRole());
     click(30, 30);  // nothing answers a press any more
     EXPECT_EQ(0u, unused.size());
