@@ -104,12 +104,12 @@ unsigned long OrvFaceSet::computeVerticeNormals(const double creaseAngle) {
         const OrvShare* points = face->vertexSharedAnyPoints();
         auto known = base.emplace(points, mesh.pointCount);
         if (known.second) mesh.pointCount += points->cardinal;
+        // Readable: every index is inside the points.
         unsigned offset = known.first->second, n = face->vertexCardinal();
+        const unsigned* index = face->isIndexed() ? face->vertexPointsIndex() : nullptr;
         for (unsigned k = 0; k < n; k++) {
-            unsigned place;
-            face->point(k, place);
             mesh.faceSlots.push_back((unsigned)mesh.slotPoint.size());
-            mesh.slotPoint.push_back(offset + place);
+            mesh.slotPoint.push_back(offset + (index ? index[k] : k));
         }
         mesh.faceStart.push_back((unsigned)mesh.faceSlots.size());
         mesh.faceNormal.push_back(*face->normal());
