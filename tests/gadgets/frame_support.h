@@ -133,6 +133,15 @@ protected:
     }
 };
 
+// The actors of a stage, in its order.
+inline std::vector<OrvActor*> OrvTestObjects(OrvStage* s) {
+    unsigned n = 0;
+    OrvActor** all = s->objects(n);
+    std::vector<OrvActor*> v(all, all + n);
+    delete[] all;
+    return v;
+}
+
 // Where the test data lie: ORV_TEST_DATA, or the source tree's tests/data.
 inline std::string OrvTestData(const char* sub) {
     const char* dir = getenv("ORV_TEST_DATA");

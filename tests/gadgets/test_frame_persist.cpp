@@ -57,14 +57,9 @@ protected:
     }
     template <class T>
     T* nth(OrvStage* s, int n) {
-        unsigned count = 0;
-        OrvActor** all = s->objects(count);
-        T* found = nullptr;
-        for (unsigned i = 0; i < count && !found; i++)
-            if (!strcmp(all[i]->className(), T::_classInfo->name) && n-- == 0)
-                found = static_cast<T*>(all[i]);
-        delete[] all;
-        return found;
+        for (OrvActor* a : OrvTestObjects(s))
+            if (!strcmp(a->className(), T::_classInfo->name) && n-- == 0) return static_cast<T*>(a);
+        return nullptr;
     }
 };
 

@@ -107,14 +107,6 @@ std::string fields(OrvActor* a) {
     return o.str();
 }
 
-std::vector<OrvActor*> objects(OrvStage* s) {
-    unsigned n = 0;
-    OrvActor** all = s->objects(n);
-    std::vector<OrvActor*> v(all, all + n);
-    delete[] all;
-    return v;
-}
-
 }  // namespace
 
 TEST_F(GadgetFile, EveryClassComesBackEqualAndCopiesToo) {
@@ -130,7 +122,7 @@ TEST_F(GadgetFile, EveryClassComesBackEqualAndCopiesToo) {
     EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(second->read(in, size, -1), 1u); }), "");
     auto body = [](const std::string& t) { return t.substr(t.find('\n')); };
     EXPECT_EQ(body(save(second)), body(text));
-    std::vector<OrvActor*> was = objects(first), is = objects(second);
+    std::vector<OrvActor*> was = OrvTestObjects(first), is = OrvTestObjects(second);
     ASSERT_EQ(is.size(), 8u);
     for (size_t i = 0; i < was.size(); i++) {
         EXPECT_EQ(fields(is[i]), fields(was[i]));
