@@ -94,24 +94,19 @@ TEST(ScrollBarValues, LayoutOfThePartsAndTheValueUnderAPoint) {
 
 TEST(SliderValues, ClampsWithoutTheThumb) {
     OrvSlider slider(nullptr, Orv2dRect(10, 10, 200, 30), OrvHorizontal, 2);
-    struct Row {
-        int min, max, value;
-        unsigned long thumb;
-        int gotMin, gotMax, gotValue;
-        unsigned long gotThumb;
-    } rows[] = {
-        {100, 0, 150, 20, 0, 100, 100, 20},
-        {0, 5, 3, 10, 0, 5, 3, 5},  // a thumb longer than the range is cut to it
-        {0, 0, 0, 10, 0, 0, 0, 1},
-        {-10, 10, -20, 4, -10, 10, -10, 4},
+    // Minimum, maximum, value and thumb given, and as stored.
+    const Range rows[][2] = {
+        {{100, 0, 150, 20}, {0, 100, 100, 20}},
+        {{0, 5, 3, 10}, {0, 5, 3, 5}},  // a thumb longer than the range is cut to it
+        {{0, 0, 0, 10}, {0, 0, 0, 1}},
+        {{-10, 10, -20, 4}, {-10, 10, -10, 4}},
     };
     int lo, hi, v;
     unsigned long thumb;
-    for (const Row& row : rows) {
-        slider.setValues(row.min, row.max, row.value, row.thumb);
+    for (const auto& row : rows) {
+        slider.setValues((int)row[0][0], (int)row[0][1], (int)row[0][2], row[0][3]);
         slider.getValues(lo, hi, v, thumb);
-        EXPECT_EQ(std::vector<long>({lo, hi, v, (long)thumb}),
-                  std::vector<long>({row.gotMin, row.gotMax, row.gotValue, (long)row.gotThumb}));
+        EXPECT_EQ(Range({lo, hi, v, (long)thumb}), row[1]);
     }
     slider.setValues(0, 100, 0, 10);
     slider.setValue(100);  // up to max itself
