@@ -148,16 +148,13 @@ TEST_F(FrameInterior, NotShownFromTheStartAndOutlined) {
     EXPECT_NE(rgb(r.x - 1, r.y + 50), rgbOf("black"));
 }
 
-TEST_F(FrameInterior, GhostModeMakesNoInterior) {
+TEST_F(FrameInterior, NoneInGhostModeButOnTheBitmapOfAStageNotYetShown) {
     frame = new OrvFrame(director, Orv2dRect(40, 30, 240, 180), 1);
     frame->setMode(OrvXorMode);
     frame->draw2d(stage, nullptr);
     frame->setMode(OrvCopyMode);
     EXPECT_EQ(frame->getView(), nullptr);
     delete frame;
-}
-
-TEST_F(FrameInterior, MadeOnTheBitmapOfAStageNotYetShown) {
     OrvStage* hidden = new OrvStage(director, Orv2dRect(0, 0, 300, 200), "hidden", 0, 0);
     hidden->useDoubleBuffer(1);
     OrvFrame* f = new OrvFrame(director, Orv2dRect(10, 10, 200, 150), 1);
