@@ -7,26 +7,15 @@
 
 namespace {
 
-std::vector<float> hsv(float r, float g, float b) {
-    float h, s, v;
-    OrvRGBToHSV(r, g, b, h, s, v);
-    return {h, s, v};
+// The three results of a conversion of one colour space to another.
+template <void (*convert)(float, float, float, float&, float&, float&)>
+std::vector<float> to(float a, float b, float c) {
+    float x, y, z;
+    convert(a, b, c, x, y, z);
+    return {x, y, z};
 }
-std::vector<float> hls(float r, float g, float b) {
-    float h, l, s;
-    OrvRGBToHLS(r, g, b, h, l, s);
-    return {h, l, s};
-}
-std::vector<float> fromHSV(float h, float s, float v) {
-    float r, g, b;
-    OrvHSVToRGB(h, s, v, r, g, b);
-    return {r, g, b};
-}
-std::vector<float> fromHLS(float h, float l, float s) {
-    float r, g, b;
-    OrvHLSToRGB(h, l, s, r, g, b);
-    return {r, g, b};
-}
+const auto hsv = to<OrvRGBToHSV>, hls = to<OrvRGBToHLS>, fromHSV = to<OrvHSVToRGB>,
+           fromHLS = to<OrvHLSToRGB>;
 
 void expectNear(const std::vector<float>& want, const std::vector<float>& got) {
     for (size_t i = 0; i < want.size(); i++) EXPECT_NEAR(want[i], got[i], 1e-5) << "channel " << i;

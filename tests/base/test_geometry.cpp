@@ -55,8 +55,9 @@ TEST(Geometry, RectContainsIsInclusiveIntersectsIsStrict) {
                                             {-5, -5, 6, 6},
                                             {2, 2, 3, 3}},
                                            meets));
-    EXPECT_TRUE(a.contains(Orv2dPoint(10, 5)));
-    EXPECT_TRUE(Orv2dRect(-20, -20, 5, 5).intersects(Orv2dRect(-18, -18, 1, 1)));
+    EXPECT_EQ(std::make_pair(a.contains(Orv2dPoint(10, 5)),
+                             Orv2dRect(-20, -20, 5, 5).intersects(Orv2dRect(-18, -18, 1, 1))),
+              std::make_pair(true, true));
 }
 
 TEST(Geometry, RectIntersectionAndExtension) {
@@ -86,9 +87,10 @@ TEST(Geometry, RectIntersectionAndExtension) {
 }
 
 TEST(Geometry, PointConversionsAndSphericalCoordinates) {
-    EXPECT_EQ(Orv3dPoint(-1.7f, 2.9f, 8).to2dPoint(), Orv2dPoint(-1, 2));  // truncated
-    EXPECT_EQ(Orv3dPoint(1, 2, 3).to4dPoint(), Orv4dPoint(1, 2, 3, 1));
-    EXPECT_EQ(Orv4dPoint(2, 4, 6, 2).to3dPoint(), Orv3dPoint(1, 2, 3));
+    // The 2D point is truncated.
+    EXPECT_EQ(std::make_tuple(Orv3dPoint(-1.7f, 2.9f, 8).to2dPoint(),
+                              Orv3dPoint(1, 2, 3).to4dPoint(), Orv4dPoint(2, 4, 6, 2).to3dPoint()),
+              std::make_tuple(Orv2dPoint(-1, 2), Orv4dPoint(1, 2, 3, 1), Orv3dPoint(1, 2, 3)));
     // A zero or tiny w is replaced by +1e-6, whatever its sign.
     EXPECT_FLOAT_EQ(Orv4dPoint(1, 2, -3, 0).to3dPoint().z, -3 / 1e-6f);
     EXPECT_FLOAT_EQ(Orv4dPoint(1, 0, 0, -5e-7f).to3dPoint().x, 1 / 1e-6f);
@@ -117,17 +119,19 @@ TEST(Geometry, PointConversionsAndSphericalCoordinates) {
 
 TEST(Geometry, FloatRectAndVolume) {
     Orv3dRect r(0, 0, 10, 4), in = r, out = r;
-    EXPECT_TRUE(r.contains(10.0f, 4.0f) && !r.contains(10.01f, 4.0f));
+    EXPECT_EQ(std::make_pair(r.contains(10.0f, 4.0f), r.contains(10.01f, 4.0f)),
+              std::make_pair(true, false));
     in.square(1);
     out.square(0);
-    EXPECT_EQ(in, Orv3dRect(3, 0, 4, 4));
-    EXPECT_EQ(out, Orv3dRect(0, -3, 10, 10));
+    EXPECT_EQ(std::make_pair(in, out),
+              std::make_pair(Orv3dRect(3, 0, 4, 4), Orv3dRect(0, -3, 10, 10)));
     Orv3dRect e(1, 1, 1, 1);
     e.extendBy(-1.0f, 5.0f);
     e.extendBy(Orv3dRect(0, -2, 10, 1));
     EXPECT_EQ(e, Orv3dRect(-1, -2, 11, 7));
     Orv3dVolume v(0, 0, 0, 2, 3, 4);
-    EXPECT_TRUE(v.contains(Orv3dPoint(2, 3, 4)) && !v.contains(Orv3dPoint(1, 1, 4.01f)));
+    EXPECT_EQ(std::make_pair(v.contains(Orv3dPoint(2, 3, 4)), v.contains(Orv3dPoint(1, 1, 4.01f))),
+              std::make_pair(true, false));
     // A zero-extent volume is a point and takes part in the union.
     Orv3dVolume p(1, 1, 1, 0, 0, 0);
     p.extendBy(Orv3dPoint(3, -1, 2));
@@ -167,15 +171,19 @@ TEST(Geometry, PlaneSidesAndLineIntersection) {
     degenerate.build(Orv3dPoint(0, 0, 0), Orv3dPoint(1, 1, 1), Orv3dPoint(2, 2, 2));
     EXPECT_EQ(degenerate.whichSide(Orv3dPoint(100, -3, 7)), 0x2000u);
     // From a point on the plane, or parallel to it: no usable intersection, out untouched.
-    Orv3dPoint out(-9, -9, -9);
-    EXPECT_EQ(z.lineIntersection(out, Orv3dPoint(1, 1, 0), Orv3dPoint(1, 1, 3)), 0x2000u);
-    EXPECT_EQ(z.lineIntersection(out, Orv3dPoint(0, 0, 1), Orv3dPoint(5, 5, 2)), 0x2000u);
-    EXPECT_EQ(out, Orv3dPoint(-9, -9, -9));
     // Reversed: the end on the plane is the answer, with the other end's side.
-    EXPECT_EQ(z.lineIntersection(out, Orv3dPoint(1, 1, 3), Orv3dPoint(1, 1, 0)), 0x1000u);
-    EXPECT_EQ(out, Orv3dPoint(1, 1, 0));
-    EXPECT_EQ(z.lineIntersection(out, Orv3dPoint(0, 0, -1), Orv3dPoint(4, 2, 3)), 0x4000u);
-    EXPECT_EQ(out, Orv3dPoint(1, 0.5f, 0));
-    EXPECT_EQ(z.lineIntersection(out, Orv3dPoint(2, 0, 2), Orv3dPoint(2, 4, -2)), 0x1000u);
-    EXPECT_EQ(out, Orv3dPoint(2, 2, 0));
+    const struct {
+        Orv3dPoint from, to;
+        unsigned long side;
+        Orv3dPoint out;
+    } lines[] = {{{1, 1, 0}, {1, 1, 3}, 0x2000, {-9, -9, -9}},
+                 {{0, 0, 1}, {5, 5, 2}, 0x2000, {-9, -9, -9}},
+                 {{1, 1, 3}, {1, 1, 0}, 0x1000, {1, 1, 0}},
+                 {{0, 0, -1}, {4, 2, 3}, 0x4000, {1, 0.5f, 0}},
+                 {{2, 0, 2}, {2, 4, -2}, 0x1000, {2, 2, 0}}};
+    for (const auto& l : lines) {
+        Orv3dPoint out(-9, -9, -9);
+        EXPECT_EQ(std::make_pair(z.lineIntersection(out, l.from, l.to), out),
+                  std::make_pair(l.side, l.out));
+    }
 }

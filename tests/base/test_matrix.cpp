@@ -11,6 +11,11 @@
 
 namespace {
 
+// The diagonal and unit flags, as "du" with a dash for a flag not set.
+std::string flags(const Orv2dMatrix& m) {
+    return std::string(m.diagonal ? "d" : "-") + (m.unit ? "u" : "-");
+}
+
 Orv2dPoint applied(const Orv2dMatrix& m, int x, int y) {
     Orv2dPoint p(x, y);
     m.apply(p);
@@ -37,27 +42,27 @@ void expectNear(const Orv3dMatrix& a, const Orv3dMatrix& b, float tol) {
 
 TEST(Matrix2d, FlagsFollowTheFloats) {
     Orv2dMatrix id;
-    EXPECT_TRUE(id.unit && id.diagonal && id.isIdentity() && !id.isBad());
-    EXPECT_EQ(id.det, 1.0);
+    EXPECT_EQ(std::make_tuple(flags(id), id.isIdentity(), id.isBad(), id.det),
+              std::make_tuple(std::string("du"), true, false, 1.0));
     // Off-diagonal terms must be below 1e-12; the diagonal may be 0.0001 from 1.
     Orv2dMatrix m(1.00005f, 0, 0, 0.99995f, 0, 0);
-    EXPECT_TRUE(m.diagonal && m.unit);
+    EXPECT_EQ(flags(m), "du");
     Orv2dPoint size(20000, 20000);
     m.deltaApply(size);  // unit: nothing at all
     EXPECT_EQ(size, Orv2dPoint(20000, 20000));
     EXPECT_EQ(applied(m, 20000, 20000), Orv2dPoint(20001, 19999));  // apply still multiplies
     m.setValues(1.0002f, 0, 0, 1);
-    EXPECT_TRUE(m.diagonal && !m.unit);
+    EXPECT_EQ(flags(m), "d-");
     m.setValues(1, 1e-13f, 0, 1);
-    EXPECT_TRUE(m.diagonal && m.unit);
+    EXPECT_EQ(flags(m), "du");
     m.setValues(1, 0, 1e-11f, 1);
-    EXPECT_FALSE(m.diagonal || m.unit);
+    EXPECT_EQ(flags(m), "--");
     // det is the single-precision a·d − b·c, widened.
     m.setValues(0.1f, 0, 0, 0.3f);
     EXPECT_EQ(m.det, (double)(0.1f * 0.3f));
     // A unit matrix may hold a translation; the identity may not.
     Orv2dMatrix t(Orv2dPoint(5, 0));
-    EXPECT_TRUE(t.unit && !t.isIdentity());
+    EXPECT_EQ(std::make_pair(flags(t), t.isIdentity()), std::make_pair(std::string("du"), false));
     t.setValues(1e-13f, -1e-13f);
     EXPECT_TRUE(t.isIdentity());
 }
@@ -80,13 +85,13 @@ TEST(Matrix2d, ApplyRoundsHalfAwayFromZero) {
 TEST(Matrix2d, RotationScaleAndTranslationConstructors) {
     // Angles go through 3.14, not pi: a half turn is a little short.
     Orv2dMatrix half(Orv2dPoint(0, 0), 180);
-    EXPECT_EQ(half.a, (float)std::cos(180 * 3.14 / 180));
-    EXPECT_EQ(half.c, (float)std::sin(180 * 3.14 / 180));
+    EXPECT_EQ(std::make_pair(half.a, half.c),
+              std::make_pair((float)std::cos(3.14), (float)std::sin(3.14)));
     EXPECT_EQ(applied(half, 1000, 0), Orv2dPoint(-1000, 2));
     Orv2dMatrix quarter(Orv2dPoint(10, 10), 90);
     EXPECT_FLOAT_EQ(quarter.tx, 19.992035f);
-    EXPECT_EQ(applied(quarter, 10, 10), Orv2dPoint(10, 10));
-    EXPECT_EQ(applied(quarter, 20, 10), Orv2dPoint(10, 20));
+    EXPECT_EQ(std::make_pair(applied(quarter, 10, 10), applied(quarter, 20, 10)),
+              std::make_pair(Orv2dPoint(10, 10), Orv2dPoint(10, 20)));
     // Only the two corners of a rectangle are mapped: not the true box under rotation.
     Orv2dRect r(0, 0, 10, 10);
     Orv2dMatrix(Orv2dPoint(0, 0), 45).apply(r);
@@ -104,12 +109,13 @@ TEST(Matrix2d, RotationScaleAndTranslationConstructors) {
 TEST(Matrix2d, ComposeAppliesTheArgumentAfter) {
     Orv2dMatrix m(Orv2dPoint(5, 0));
     m.compose(Orv2dMatrix(2, 2));
-    EXPECT_EQ(applied(m, 1, 1), Orv2dPoint(12, 2));  // 2·(1 + 5), not 2·1 + 5
-    EXPECT_TRUE(!m.unit && m.diagonal);
-    EXPECT_EQ(m.det, 4.0);
+    // 2·(1 + 5), not 2·1 + 5.
+    EXPECT_EQ(std::make_tuple(applied(m, 1, 1), flags(m), m.det),
+              std::make_tuple(Orv2dPoint(12, 2), std::string("d-"), 4.0));
     Orv2dMatrix sh(1, 0.5f, 0, 1, 0, 0);
     sh.compose(Orv2dMatrix(1, -0.5f, 0, 1, 0, 0));
-    EXPECT_TRUE(sh.diagonal && sh.unit && sh.isIdentity());  // flags recomputed from the product
+    // The flags are recomputed from the product.
+    EXPECT_EQ(std::make_pair(flags(sh), sh.isIdentity()), std::make_pair(std::string("du"), true));
 }
 
 TEST(Matrix2d, Inverses) {
@@ -117,24 +123,21 @@ TEST(Matrix2d, Inverses) {
     ASSERT_TRUE(Orv2dMatrix(2, 0, 0, 4, 10, 20).computeInverse(out));
     EXPECT_EQ(std::vector<float>({0.5f, 0.25f, -5, -5}),
               std::vector<float>({out.a, out.d, out.tx, out.ty}));
-    EXPECT_EQ(out.det, 0.125);
-    EXPECT_TRUE(out.diagonal && !out.unit);
+    EXPECT_EQ(std::make_pair(out.det, flags(out)), std::make_pair(0.125, std::string("d-")));
     ASSERT_TRUE(Orv2dMatrix(1.00005f, 0, 0, 1, 3, 0).computeInverse(out));
-    EXPECT_TRUE(out.unit);
+    EXPECT_EQ(flags(out), "du");
     Orv2dMatrix rot(Orv2dPoint(3, 4), 30);
     ASSERT_TRUE(rot.computeInverse(out));
     EXPECT_EQ(out.det, 1 / rot.det);  // not recomputed from the new floats
     // Points and rectangles: 0.5 goes to 1, -0.5 to -1.
     Orv2dMatrix two(2, 0, 0, 2, 1, 1);
-    Orv2dPoint p(2, 0);
-    EXPECT_TRUE(two.inverse(p));
-    EXPECT_EQ(p, Orv2dPoint(1, -1));
+    Orv2dPoint p(2, 0), q(3, 2);
     Orv2dRect r(2, 4, 6, 8);
-    EXPECT_TRUE(two.inverse(r));
-    EXPECT_EQ(r, Orv2dRect(1, 2, 3, 4));
-    p = Orv2dPoint(3, 2);
-    EXPECT_TRUE(Orv2dMatrix(1, 0.5f, 0, 1, 0, 0).inverse(p));
-    EXPECT_EQ(p, Orv2dPoint(2, 2));
+    EXPECT_EQ(std::make_tuple(two.inverse(p), two.inverse(r),
+                              Orv2dMatrix(1, 0.5f, 0, 1, 0, 0).inverse(q)),
+              std::make_tuple(true, true, true));
+    EXPECT_EQ(std::make_tuple(p, r, q),
+              std::make_tuple(Orv2dPoint(1, -1), Orv2dRect(1, 2, 3, 4), Orv2dPoint(2, 2)));
 }
 
 TEST(Matrix2d, InverseOfABadMatrixReportsAndKeepsItsArgument) {
@@ -153,8 +156,7 @@ TEST(Matrix2d, InverseOfABadMatrixReportsAndKeepsItsArgument) {
         EXPECT_FALSE(form[5] == 'P' ? bad.inverse(p) : bad.inverse(r));
         EXPECT_EQ(testing::internal::GetCapturedStdout(), expected);
     }
-    EXPECT_EQ(p, Orv2dPoint(3, 4));
-    EXPECT_EQ(r, Orv2dRect(1, 2, 3, 4));
+    EXPECT_EQ(std::make_pair(p, r), std::make_pair(Orv2dPoint(3, 4), Orv2dRect(1, 2, 3, 4)));
 }
 
 TEST(Matrix2d, Compute2dMatrix) {
@@ -207,8 +209,9 @@ TEST(Matrix3d, RotationsAndAccumulation) {
 
 TEST(Matrix3d, ApplyDividesByWAndTransposes) {
     Orv3dMatrix persp(1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0);
-    EXPECT_EQ(applied(persp, 2, 4, 2), Orv3dPoint(1, 2, 1));
-    EXPECT_EQ(applied(persp, 1, 1, 0), Orv3dPoint(1, 1, 0));  // w = 0: unchanged
+    // w = 0: unchanged.
+    EXPECT_EQ(std::make_pair(applied(persp, 2, 4, 2), applied(persp, 1, 1, 0)),
+              std::make_pair(Orv3dPoint(1, 2, 1), Orv3dPoint(1, 1, 0)));
     Orv4dPoint h(1, 2, 2, 1);
     persp.apply(h);  // no division
     EXPECT_EQ(h, Orv4dPoint(1, 2, 2, 2));
@@ -269,8 +272,8 @@ TEST(Matrix3d, BuildDecomposeAndCompute) {
     ASSERT_EQ(m.decompose(scale, shear, rx, ry, rz, tr, persp), 1);
     expectNear(Orv3dPoint(scale.x, scale.y, scale.z), Orv3dPoint(2, 3, 4));
     expectNear(Orv3dPoint(rx, ry, rz), Orv3dPoint(10, 20, 30), 1e-3f);
-    EXPECT_EQ(tr, Orv3dPoint(5, 6, 7));
-    EXPECT_EQ(persp, Orv4dPoint(0, 0, 0, 0));
+    EXPECT_EQ(std::make_pair(tr, persp),
+              std::make_pair(Orv3dPoint(5, 6, 7), Orv4dPoint(0, 0, 0, 0)));
     proj(3, 2) = 0.5f;
     ASSERT_EQ(proj.decompose(scale, shear, rx, ry, rz, tr, persp), 1);
     EXPECT_EQ(persp, Orv4dPoint(0, 0, 0.5f, 1));

@@ -45,17 +45,17 @@ TEST_F(DecorRoles, TheTitleMovesTheFrameAndItsInterior) {
     press(120, 45);
     move(132, 52);
     // It follows the pointer at each step, with the window inside.
-    EXPECT_EQ(str(frame->bbox2d(nullptr)), str(Orv2dRect(52, 37, 240, 180)));
-    EXPECT_EQ(str(serverBox(inside)), str(Orv2dRect(59, 66, 226, 144)));
+    EXPECT_EQ(str(frame->bbox2d(nullptr)) + " " + str(serverBox(inside)),
+              "52,37 240x180 59,66 226x144");
     move(170, 75);
     release();
-    EXPECT_EQ(str(frame->bbox2d(nullptr)), str(Orv2dRect(90, 60, 240, 180)));
-    EXPECT_EQ(str(serverBox(inside)), str(Orv2dRect(97, 89, 226, 144)));
-    // The interior's actor stays where it was in the interior.
-    EXPECT_EQ(rgbIn(inside, 20, 20), rgbOf("red"));
-    EXPECT_EQ(rgb(97 + 20, 89 + 20), rgbOf("red"));
-    // Where the frame was, the stage shows its background again.
-    EXPECT_EQ(rgb(45, 100), rgb(5, 5));
+    EXPECT_EQ(str(frame->bbox2d(nullptr)) + " " + str(serverBox(inside)),
+              "90,60 240x180 97,89 226x144");
+    // The interior's actor stays where it was in the interior; where the frame was, the stage
+    // shows its background again.
+    EXPECT_EQ(
+        std::vector<unsigned long>({rgbIn(inside, 20, 20), rgb(97 + 20, 89 + 20), rgb(45, 100)}),
+        std::vector<unsigned long>({rgbOf("red"), rgbOf("red"), rgb(5, 5)}));
     EXPECT_EQ(frame->titleBar->dragging, 0u);
 }
 
@@ -135,12 +135,11 @@ TEST_F(DecorRoles, IconifiedByItsBoxRestoredByADoubleClick) {
     ASSERT_TRUE(frame->isIconified());
     EXPECT_FALSE(viewable(inside));
     Orv2dRect icon = frame->getIcon()->bbox2d(nullptr);
-    EXPECT_EQ(icon.x, 40);
-    EXPECT_EQ(icon.y, 30);
+    EXPECT_EQ(std::make_pair(icon.x, icon.y), std::make_pair(40, 30));
     EXPECT_GE(icon.w, 48u);
     // The icon is drawn, the frame is not.
-    EXPECT_EQ(rgb(41, 31), rgbOf(((OrvReliefLabel*)frame->getIcon())->litMakeUp));
-    EXPECT_EQ(rgb(200, 150), rgb(5, 5));
+    EXPECT_EQ(std::make_pair(rgb(41, 31), rgb(200, 150)),
+              std::make_pair(rgbOf(((OrvReliefLabel*)frame->getIcon())->litMakeUp), rgb(5, 5)));
     // An icon is dragged like any actor; the frame goes with it.
     press(50, 40);
     move(100, 90);
@@ -149,9 +148,9 @@ TEST_F(DecorRoles, IconifiedByItsBoxRestoredByADoubleClick) {
     EXPECT_EQ(frame->getIcon()->bbox2d(nullptr).x, 140);
     doubleClick(150, 140);
     ASSERT_FALSE(frame->isIconified());
-    EXPECT_EQ(str(frame->bbox2d(nullptr)), str(Orv2dRect(140, 130, 240, 180)));
     EXPECT_TRUE(viewable(inside));
-    EXPECT_EQ(str(serverBox(inside)), str(Orv2dRect(147, 159, 226, 144)));
+    EXPECT_EQ(str(frame->bbox2d(nullptr)) + " " + str(serverBox(inside)),
+              "140,130 240x180 147,159 226x144");
 }
 
 TEST_F(DecorRoles, ABoxLeftWhilePressedIsReleasedForGood) {

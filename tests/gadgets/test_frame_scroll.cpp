@@ -36,18 +36,16 @@ protected:
     long tx() const { return inside->transformer ? (long)inside->transformer->tx : 0; }
     long ty() const { return inside->transformer ? (long)inside->transformer->ty : 0; }
     void expectBar(const OrvScrollBar* bar, long max, long value, long slider, const char* what) {
-        EXPECT_EQ(bar->min, 0) << what;
-        EXPECT_EQ(bar->max, max) << what;
-        EXPECT_EQ(bar->value, value) << what;
-        EXPECT_EQ(bar->sliderSize, slider) << what;
+        EXPECT_EQ(std::vector<long>({bar->min, bar->max, bar->value, bar->sliderSize}),
+                  std::vector<long>({0, max, value, slider}))
+            << what;
     }
 };
 
 }  // namespace
 
 TEST_F(FrameScroll, TheBarsRangeOverContentsAndWindow) {
-    EXPECT_EQ(inside->width, 270u);
-    EXPECT_EQ(inside->height, 168u);
+    EXPECT_EQ(std::make_pair(inside->width, inside->height), std::make_pair(270ul, 168ul));
     expectBar(frame->hScrollBar, 440, 0, 270, "horizontal");
     expectBar(frame->vScrollBar, 330, 0, 168, "vertical");
     // More contents: a longer range.
@@ -105,8 +103,7 @@ TEST_F(FrameScroll, ArrowsTroughAndThumbScrollTheInterior) {
     frame->vScrollBar->setValue(162);
     frame->adjust();
     settle();
-    EXPECT_EQ(tx(), -170);
-    EXPECT_EQ(ty(), -162);
+    EXPECT_EQ(std::make_pair(tx(), ty()), std::make_pair(-170l, -162l));
     EXPECT_EQ(rgbIn(inside, 400 - 170 + 5, 300 - 162 + 5), rgbOf("red"));
 }
 
@@ -125,10 +122,9 @@ TEST_F(FrameScroll, FittedToItsContents) {
     frame->fitToContents();
     settle();
     // The interior shows all: 440 by 330, the furniture around it.
-    EXPECT_EQ(inside->width, 440u);
-    EXPECT_EQ(inside->height, 330u);
-    EXPECT_EQ(frame->bbox2d(nullptr).w, 440u + 7 + 7 + 16);
-    EXPECT_EQ(frame->bbox2d(nullptr).h, 330u + 7 + 7 + 22 + 16);
+    EXPECT_EQ(std::make_pair(inside->width, inside->height), std::make_pair(440ul, 330ul));
+    EXPECT_EQ(str(frame->bbox2d(nullptr)),
+              str(Orv2dRect(20, 20, 440 + 7 + 7 + 16, 330 + 7 + 7 + 22 + 16)));
     expectBar(frame->hScrollBar, 440, 0, 440, "horizontal");
     expectBar(frame->vScrollBar, 330, 0, 330, "vertical");
 }

@@ -105,12 +105,12 @@ TEST_F(Gadgets, ToggleFlipsOncePerCompletedClickAndRadioKeepsOne) {
     EXPECT_EQ(said(), "changed 1, changed 0");
     // Dragged out and released outside: back as it was, no callback.
     press(60, 158);
-    EXPECT_TRUE(toggle->isChecked());
+    unsigned long held = toggle->isChecked();
     moveTo(250, 190);
-    EXPECT_FALSE(toggle->isChecked());
+    unsigned long left = toggle->isChecked();
     release();
-    EXPECT_FALSE(toggle->isChecked());
-    EXPECT_EQ(said(), "");
+    EXPECT_EQ(std::make_tuple(held, left, toggle->isChecked(), said()),
+              std::make_tuple(1ul, 0ul, 0ul, std::string()));
 
     LogRadioGroup* radio = new LogRadioGroup(&seen);
     const char* names[] = {"Small", "Medium", "Large"};
@@ -132,8 +132,8 @@ TEST_F(Gadgets, ToggleFlipsOncePerCompletedClickAndRadioKeepsOne) {
     press(70, 70);
     moveTo(280, 190);
     release();
-    EXPECT_TRUE(boxes[0]->isChecked() && !boxes[1]->isChecked());
-    EXPECT_EQ(said(), "");
+    EXPECT_EQ(std::make_tuple(boxes[0]->isChecked(), boxes[1]->isChecked(), said()),
+              std::make_tuple(1ul, 0ul, std::string()));
 }
 
 TEST_F(Gadgets, ClusterInteriorLetsThePointerThroughAndHighlightFollows) {
@@ -150,14 +150,11 @@ TEST_F(Gadgets, ClusterInteriorLetsThePointerThroughAndHighlightFollows) {
     EXPECT_EQ(rgb(100, 61), rgbOf(button->litMakeUp)) << "the interior is not painted over";
 
     button->allowHighlight(1);
-    moveTo(250, 180);
-    EXPECT_EQ(rgb(100, 80), rgbOf(button->faceMakeUp));
-    moveTo(100, 80);
-    EXPECT_TRUE(button->isHighlighted());
-    EXPECT_EQ(rgb(100, 80), rgbOf(button->litMakeUp));
-    moveTo(250, 180);
-    EXPECT_FALSE(button->isHighlighted());
-    EXPECT_EQ(rgb(100, 80), rgbOf(button->faceMakeUp));
+    for (bool over : {false, true, false}) {
+        moveTo(over ? 100 : 250, over ? 80 : 180);
+        EXPECT_EQ(std::make_pair((bool)button->isHighlighted(), rgb(100, 80)),
+                  std::make_pair(over, rgbOf(over ? button->litMakeUp : button->faceMakeUp)));
+    }
 }
 
 TEST_F(Gadgets, SameThicknessTwiceInvalidatesNothing) {
@@ -219,8 +216,8 @@ TEST_F(Gadgets, HeldArrowRepeatsAndStopsAtTheEnd) {
     release();
     EXPECT_EQ(said(), "drag 11, drag 12, drag 13, drag 14, drag 15, changed 15");
     // The thumb was repainted where the value put it: trough 40..240, thumb 190..240.
-    EXPECT_EQ(rgb(215, 110), rgbOf(b->faceMakeUp));
-    EXPECT_EQ(rgb(185, 110), rgbOf(b->pressedMakeUp));
+    EXPECT_EQ(std::make_pair(rgb(215, 110), rgb(185, 110)),
+              std::make_pair(rgbOf(b->faceMakeUp), rgbOf(b->pressedMakeUp)));
     b->setValue(3);
     press(30, 110);
     EXPECT_TRUE(OrvTestRunUntil([&] { return b->value == 0; }, 2000));
@@ -235,28 +232,23 @@ TEST_F(Gadgets, RepeatPeriodShortensToTenMilliseconds) {
     LogCallback owner(&seen, "owner");
     b->setUserProperty(OrvScrollBarOwnerKey(), &owner);
     OrvCSBTimer timer((OrvSBRole*)OrvGetRole("ScrollBar"), stage, b, 2);
-    EXPECT_EQ(timer.period, 200u);
-    EXPECT_TRUE(timer.isRunning());
+    EXPECT_EQ(std::make_pair(timer.period, (bool)timer.isRunning()), std::make_pair(200ul, true));
     timer.suspend();
     std::vector<unsigned long> periods;
     for (int i = 0; i < 22; i++) {
         timer.activate();
         periods.push_back(timer.period);
     }
-    EXPECT_EQ(b->value, 22);
-    EXPECT_EQ(periods[0], 190u);
-    EXPECT_EQ(periods[17], 20u);
-    EXPECT_EQ(periods[18], 10u);
-    EXPECT_EQ(periods[21], 10u);
-    EXPECT_EQ(seen.size(), 44u) << "drag and owner at each step";
-    EXPECT_EQ(seen.back(), "owner 22");
-    EXPECT_FALSE(timer.oneShot);
+    EXPECT_EQ(std::vector<unsigned long>({periods[0], periods[17], periods[18], periods[21]}),
+              std::vector<unsigned long>({190, 20, 10, 10}));
+    // Drag and owner at each step.
+    EXPECT_EQ(std::make_tuple(b->value, seen.size(), seen.back(), timer.oneShot),
+              std::make_tuple(22l, (size_t)44, std::string("owner 22"), 0));
     // At the end the timer stops itself.
     b->setValue(998);
     timer.activate();
-    EXPECT_EQ(b->value, 999);
-    EXPECT_TRUE(timer.oneShot);
-    EXPECT_FALSE(timer.isRunning());
+    EXPECT_EQ(std::make_tuple(b->value, timer.oneShot, (bool)timer.isRunning()),
+              std::make_tuple(999l, 1, false));
     b->removeUserProperty(OrvScrollBarOwnerKey());
 }
 
@@ -297,8 +289,9 @@ TEST_F(Gadgets, SliderJumpsThenFollows) {
     moveTo(400, 170);
     release();
     EXPECT_EQ(said(), "drag 70, drag 100, changed 100");
-    EXPECT_EQ(slider->thumbBox(nullptr).x, 208);
-    EXPECT_EQ(rgb(213, 153), rgbOf(slider->litMakeUp)) << "drawn where the value puts it";
+    // Drawn where the value puts it.
+    EXPECT_EQ(std::make_pair(slider->thumbBox(nullptr).x, rgb(213, 153)),
+              std::make_pair(208, rgbOf(slider->litMakeUp)));
 }
 
 TEST_F(Gadgets, ThumbWheelWrapsOnItsArrowsAndTurnsWithThePointer) {

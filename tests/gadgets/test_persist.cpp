@@ -3,7 +3,7 @@
 // every offset gives a diagnostic, no crash, and only whole gadgets on the stage.
 #include "orv/relief.h"
 #include "orv/value.h"
-#include "orv_fixtures.h"
+#include "frame_support.h"
 
 namespace {
 
@@ -12,10 +12,8 @@ protected:
     void SetUp() override {
         StreamTest::SetUp();
         if (!director) return;
-        const char* data = getenv("ORV_TEST_DATA");
-        std::string dir = data ? data : "tests/data";
-        director->prependToPath((dir + "/stream").c_str());
-        director->prependToPath((dir + "/gadgets").c_str());
+        director->prependToPath(OrvTestData("stream").c_str());
+        director->prependToPath(OrvTestData("gadgets").c_str());
     }
     // One gadget of every class, none with its defaults.
     OrvStage* filled() {
@@ -109,14 +107,6 @@ std::string fields(OrvActor* a) {
     return o.str();
 }
 
-std::vector<OrvActor*> objects(OrvStage* s) {
-    unsigned n = 0;
-    OrvActor** all = s->objects(n);
-    std::vector<OrvActor*> v(all, all + n);
-    delete[] all;
-    return v;
-}
-
 }  // namespace
 
 TEST_F(GadgetFile, EveryClassComesBackEqualAndCopiesToo) {
@@ -132,7 +122,7 @@ TEST_F(GadgetFile, EveryClassComesBackEqualAndCopiesToo) {
     EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(second->read(in, size, -1), 1u); }), "");
     auto body = [](const std::string& t) { return t.substr(t.find('\n')); };
     EXPECT_EQ(body(save(second)), body(text));
-    std::vector<OrvActor*> was = objects(first), is = objects(second);
+    std::vector<OrvActor*> was = OrvTestObjects(first), is = OrvTestObjects(second);
     ASSERT_EQ(is.size(), 8u);
     for (size_t i = 0; i < was.size(); i++) {
         EXPECT_EQ(fields(is[i]), fields(was[i]));
@@ -152,29 +142,5 @@ TEST_F(GadgetFile, EveryClassComesBackEqualAndCopiesToo) {
 }
 
 TEST_F(GadgetFile, TruncatedAtEveryOffset) {
-    std::string text = save(filled());
-    std::vector<size_t> ends;  // where each object's block closes
-    for (size_t i = 0; i < text.size(); i++)
-        if (text[i] == '}' && (i == 0 || text[i - 1] == '\n')) ends.push_back(i);
-    ASSERT_EQ(ends.size(), 8u);
-    size_t cardinalEnd = text.find('\n', text.find("cardinal = ")) + 1;
-    OrvStage* s = newStage();
-    for (size_t k = 0; k <= text.size(); k++) {
-        std::istringstream in(text.substr(0, k));
-        Orv2dRect size;
-        unsigned long ok = 0;
-        std::string messages = OrvTestOutput([&] { ok = s->read(in, size, -1); });
-        size_t complete = 0;
-        while (complete < ends.size() && ends[complete] < k) complete++;
-        ASSERT_EQ(s->cardinal(), complete) << "offset " << k;
-        EXPECT_EQ(ok, complete ? 1u : 0u) << "offset " << k;
-        // A cut inside a gadget's block names the object it spoils.
-        std::string last =
-            "## OrvIStream : Bad format in object " + std::to_string(complete) + "\n";
-        bool spoilt = complete < ends.size() && k >= cardinalEnd;
-        EXPECT_TRUE(!spoilt || (messages.size() >= last.size() &&
-                                messages.substr(messages.size() - last.size()) == last))
-            << "offset " << k << ": " << messages;
-        s->empty(1);
-    }
+    OrvTestEveryCut(newStage(), save(filled()), 8);
 }

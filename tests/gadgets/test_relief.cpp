@@ -47,18 +47,17 @@ TEST_P(Looks, FiveDerivedMakeUpsSharedThroughTheDirector) {
         {r.pressedMakeUp, pressed, d->solidPattern},
         {r.disabledMakeUp, look->foreground(), d->pattern("gray")},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(row.made->foreground(), row.foreground) << &row - rows;
-        EXPECT_EQ(row.made->pattern(), row.pattern) << &row - rows;
-        EXPECT_EQ(row.made->font(), look->font()) << &row - rows;
-    }
+    for (const Row& row : rows)
+        EXPECT_EQ(std::make_tuple(row.made->foreground(), row.made->pattern(), row.made->font()),
+                  std::make_tuple(row.foreground, row.pattern, look->font()))
+            << &row - rows;
     // The three shades are three colours on either screen, and none is the face's.
     unsigned long shades[] = {fg(r.litMakeUp), fg(r.shadedMakeUp), fg(r.pressedMakeUp)};
     EXPECT_TRUE(shades[0] != shades[1] && shades[0] != shades[2] && shades[1] != shades[2]);
     EXPECT_NE(shades[2], fg(r.faceMakeUp));
     OrvReliefRectangle other(d, Orv2dRect(5, 5, 20, 20), 1, look);
-    EXPECT_EQ(other.litMakeUp, r.litMakeUp);
-    EXPECT_EQ(other.disabledMakeUp, r.disabledMakeUp);
+    EXPECT_EQ(std::make_pair(other.litMakeUp, other.disabledMakeUp),
+              std::make_pair(r.litMakeUp, r.disabledMakeUp));
     // A new background brings new shades, and the old ones are let go.
     int before = r.litMakeUp->count;
     r.setBackground(d->color("light blue"));
@@ -71,8 +70,8 @@ TEST_P(Looks, OneBitDisplayGetsStipples) {
     OrvMakeUp* bw = paint("black", "white");
     OrvMakeUp* out[OrvReliefMakeUpCount];
     OrvComputeReliefMakeUps(bw, 1, out);
-    EXPECT_EQ(out[OrvReliefFace]->foreground(), d->color("white"));
-    EXPECT_EQ(out[OrvReliefFace]->pattern(), d->solidPattern);
+    EXPECT_EQ(std::make_pair(out[OrvReliefFace]->foreground(), out[OrvReliefFace]->pattern()),
+              std::make_pair(d->color("white"), d->solidPattern));
     struct Row {
         int index;
         const char* pattern;
@@ -84,24 +83,26 @@ TEST_P(Looks, OneBitDisplayGetsStipples) {
     OrvBitmap* b = sheet(120, 80);
     for (const Row& row : rows) {
         OrvMakeUp* m = out[row.index];
-        EXPECT_EQ(m->pattern(), d->pattern(row.pattern)) << row.pattern;
-        EXPECT_EQ(m->foreground(), d->color("black")) << row.pattern;
         b->rectangle(m, Orv2dRect(0, 0, 120, 80), 1);
-        EXPECT_EQ(black(b, Orv2dRect(33, 20, 16, 2)), row.blackOf32) << row.pattern;
+        EXPECT_EQ(
+            std::make_tuple(m->pattern(), m->foreground(), black(b, Orv2dRect(33, 20, 16, 2))),
+            std::make_tuple(d->pattern(row.pattern), d->color("black"), row.blackOf32))
+            << row.pattern;
     }
     // The drawn bevel: a light band above and to the left, a dark one below and right.
     wiped(b)->reliefRectangle(bw, out[OrvReliefFace], out[OrvReliefLit], out[OrvReliefShaded],
                               Orv2dRect(10, 10, 100, 60), 6, 1);
-    EXPECT_EQ(black(b, Orv2dRect(40, 12, 16, 2)), 8);
-    EXPECT_EQ(black(b, Orv2dRect(40, 66, 16, 2)), 24);
-    EXPECT_EQ(black(b, Orv2dRect(40, 30, 16, 2)), 0);
+    EXPECT_EQ(
+        std::vector<int>({black(b, Orv2dRect(40, 12, 16, 2)), black(b, Orv2dRect(40, 66, 16, 2)),
+                          black(b, Orv2dRect(40, 30, 16, 2))}),
+        std::vector<int>({8, 24, 0}));
     for (OrvMakeUp* m : out) OrvRelease(m);
     // Stipples the application names "light" and "dark" are taken first.
     static const unsigned char rows16[32] = {0xF0, 0xF0};
     OrvPattern* own = d->pattern("light", 16, 1, rows16);
     OrvComputeReliefMakeUps(bw, 1, out);
-    EXPECT_EQ(out[OrvReliefLit]->pattern(), own);
-    EXPECT_EQ(out[OrvReliefShaded]->pattern(), d->pattern("dark3"));
+    EXPECT_EQ(std::make_pair(out[OrvReliefLit]->pattern(), out[OrvReliefShaded]->pattern()),
+              std::make_pair(own, d->pattern("dark3")));
     for (OrvMakeUp* m : out) OrvRelease(m);
     delete b;
 }
@@ -123,14 +124,14 @@ TEST_P(Looks, BevelOfEachState) {
         if (r.isInverted() != row.inverted) r.invert();
         r.setHighlighted(row.highlighted, Orv2dPoint(), 1);
         r.draw2d(wiped(b), nullptr);
-        std::string state = std::to_string(row.inverted) + std::to_string(row.highlighted);
-        EXPECT_EQ(pixel(b, 50, 35), fg(row.face)) << state;
-        EXPECT_EQ(pixel(b, 50, 12), fg(row.top)) << state << " top";
-        EXPECT_EQ(pixel(b, 12, 35), fg(row.top)) << state << " left";
-        EXPECT_EQ(pixel(b, 50, 58), fg(row.bottom)) << state << " bottom";
-        EXPECT_EQ(pixel(b, 88, 35), fg(row.bottom)) << state << " right";
-        EXPECT_EQ(pixel(b, 10, 35), px("black")) << state << " outline";
-        EXPECT_EQ(pixel(b, 50, 62), px("white")) << state << " outside";
+        // Face; top and left; bottom and right; the outline; outside.
+        EXPECT_EQ(
+            std::vector<unsigned long>({pixel(b, 50, 35), pixel(b, 50, 12), pixel(b, 12, 35),
+                                        pixel(b, 50, 58), pixel(b, 88, 35), pixel(b, 10, 35),
+                                        pixel(b, 50, 62)}),
+            std::vector<unsigned long>({fg(row.face), fg(row.top), fg(row.top), fg(row.bottom),
+                                        fg(row.bottom), px("black"), px("white")}))
+            << row.inverted << row.highlighted;
     }
     // Without the border the band reaches the edge; a refused highlight changes nothing.
     r.border(0);
@@ -164,9 +165,8 @@ TEST_P(Looks, LabelTextAndToggleMarks) {
     OrvReliefLabel bare(d, Orv2dRect(5, 5, 120, 40), "Hello", 2, look);
     bare.showBackground(0);
     bare.draw2d(wiped(b), nullptr);
-    EXPECT_EQ(pixel(b, 60, 30), px("white"));
-    EXPECT_EQ(black(b, inside), ink);
-    EXPECT_EQ(pixel(b, 5, 30), px("white"));
+    EXPECT_EQ(std::make_tuple(pixel(b, 60, 30), black(b, inside), pixel(b, 5, 30)),
+              std::make_tuple(px("white"), ink, px("white")));
     bare.setSelected(1);
     bare.draw2d(b, nullptr);
     EXPECT_EQ(pixel(b, 5, 30), px("black"));
@@ -254,26 +254,22 @@ TEST_P(Looks, IconStatesAndTheirBitmaps) {
     {
         OrvIconStates icon(d, Orv2dRect(0, 0, 30, 30), one, two, 2);
         EXPECT_STREQ(icon.defaultRole(), "Toggle");
-        EXPECT_EQ(icon.bitmap, one);
-        EXPECT_EQ(one->lockCount, 4u);  // the test, shown, first state, second's partner
+        // The test, shown, first state, second's partner.
+        EXPECT_EQ(std::make_pair(icon.bitmap, one->lockCount), std::make_pair(one, 4ul));
         icon.invert();
         EXPECT_EQ(icon.bitmap, two);
         icon.invertBitmaps();  // the second state now shows its partner
-        EXPECT_EQ(icon.bitmap, one);
-        EXPECT_EQ(icon.bitmaps[2], one);
-        EXPECT_EQ(icon.bitmaps[3], two);
+        EXPECT_EQ(std::vector<OrvBitmap*>({icon.bitmap, icon.bitmaps[2], icon.bitmaps[3]}),
+                  std::vector<OrvBitmap*>({one, one, two}));
         icon.invert();
-        EXPECT_EQ(icon.bitmap, one);
         icon.setState(4, 7);
-        EXPECT_EQ(icon.state1, 4u);
-        EXPECT_EQ(icon.state2, 7u);
-        EXPECT_FALSE(icon.isInverted());
+        EXPECT_EQ(std::make_tuple(icon.bitmap, icon.state1, icon.state2, icon.isInverted()),
+                  std::make_tuple(one, 4ul, 7ul, 0ul));
         EXPECT_EQ(OrvTestOutput([&] { icon.setBitmap(two); }),
                   "OrvIconStates::setBitmap : Not implemented. \n");
         EXPECT_EQ(icon.bitmap, one);
     }
-    EXPECT_EQ(one->lockCount, 1u);
-    EXPECT_EQ(two->lockCount, 1u);
+    EXPECT_EQ(std::make_pair(one->lockCount, two->lockCount), std::make_pair(1ul, 1ul));
     one->unLock();
     two->unLock();
 }
@@ -298,8 +294,7 @@ TEST_P(Looks, OnlyTheClustersFrameAndTitleAreHit) {
 
     OrvCluster titled(d, Orv2dRect(10, 10, 200, 100), "Group", 2);
     Orv2dRect title = titled.titleBox(nullptr);
-    EXPECT_EQ(title.x, 10 + 10 + 4);
-    EXPECT_EQ(title.y, 10);
+    EXPECT_EQ(std::make_pair(title.x, title.y), std::make_pair(10 + 10 + 4, 10));
     EXPECT_GT(title.w, 8u);
     Orv2dRect frame = titled.frameBox(nullptr);
     EXPECT_EQ(frame.y, 10 + (int32_t)title.h / 2);
@@ -332,9 +327,10 @@ TEST_P(Looks, ScrollBarPixelsAndTheShortBar) {
     OrvScrollBar vertical(d, Orv2dRect(215, 10, 20, 200), OrvVertical, 2, look);
     vertical.setValues(0, 100, 50, 10);
     vertical.draw2d(b, nullptr);
-    EXPECT_EQ(pixel(b, 225, 118), fg(vertical.faceMakeUp));
-    EXPECT_EQ(pixel(b, 225, 100), fg(vertical.pressedMakeUp));
-    EXPECT_EQ(pixel(b, 225, 135), fg(vertical.pressedMakeUp));
+    EXPECT_EQ(
+        std::vector<unsigned long>({pixel(b, 225, 118), pixel(b, 225, 100), pixel(b, 225, 135)}),
+        std::vector<unsigned long>(
+            {fg(vertical.faceMakeUp), fg(vertical.pressedMakeUp), fg(vertical.pressedMakeUp)}));
     // Too short for its arrows, a bar draws as a plain relief.
     OrvScrollBar bar2(d, Orv2dRect(2, 2, 40, 20), OrvHorizontal, 3, look);
     OrvReliefRectangle plate(d, Orv2dRect(2, 2, 40, 20), 3, look);
@@ -356,11 +352,11 @@ TEST_P(Looks, SliderAndThumbWheelPixels) {
     slider.setValue(50);
     slider.draw2d(b, nullptr);
     // The thumb (105 to 115) stands on the plate with its own bevel, the groove sunken.
-    EXPECT_EQ(pixel(b, 110, 13), fg(slider.litMakeUp));
-    EXPECT_EQ(pixel(b, 60, 13), fg(slider.faceMakeUp));
-    EXPECT_EQ(pixel(b, 110, 25), fg(slider.faceMakeUp));
-    EXPECT_EQ(pixel(b, 60, 24), fg(slider.pressedMakeUp));
-    EXPECT_EQ(pixel(b, 160, 24), fg(slider.pressedMakeUp));
+    EXPECT_EQ(std::vector<unsigned long>({pixel(b, 110, 13), pixel(b, 60, 13), pixel(b, 110, 25),
+                                          pixel(b, 60, 24), pixel(b, 160, 24)}),
+              std::vector<unsigned long>({fg(slider.litMakeUp), fg(slider.faceMakeUp),
+                                          fg(slider.faceMakeUp), fg(slider.pressedMakeUp),
+                                          fg(slider.pressedMakeUp)}));
 
     OrvThumbWheel wheel(d, Orv2dRect(10, 10, 200, 20), OrvHorizontal, 2, look);
     struct Row {
@@ -381,10 +377,11 @@ TEST_P(Looks, SliderAndThumbWheelPixels) {
     wheel.setValue(0);
     Orv2dRect first, second, trough, thumb;
     wheel.computeBBox(first, second, trough, thumb, nullptr);
-    EXPECT_EQ(trough, Orv2dRect(30, 12, 160, 16));
-    EXPECT_EQ(thumb, trough);
+    EXPECT_EQ(std::make_pair(trough, thumb),
+              std::make_pair(Orv2dRect(30, 12, 160, 16), Orv2dRect(30, 12, 160, 16)));
     wheel.draw2d(wiped(b), nullptr);
-    EXPECT_EQ(pixel(b, 110, 20), px("red"));
-    EXPECT_EQ(pixel(b, 20, 20), fg(wheel.faceMakeUp));  // the left arrow
+    // The mark, and the left arrow.
+    EXPECT_EQ(std::make_pair(pixel(b, 110, 20), pixel(b, 20, 20)),
+              std::make_pair(px("red"), fg(wheel.faceMakeUp)));
     delete b;
 }
