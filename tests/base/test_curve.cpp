@@ -40,6 +40,12 @@ protected:
 
 }  // namespace
 
+// Before any test changes them (and the fixture puts them back).
+TEST(CurveDefaults, LineToleranceAndArrowHead) {
+    EXPECT_EQ(std::make_tuple(OrvGetDeltaLine(), Orvarrow_deltax, Orvarrow_deltay),
+              std::make_tuple(8.0f, 8, 4));
+}
+
 TEST_F(Curve, OpenBezierShortInputs) {
     EXPECT_EQ(std::make_tuple(open({}).size(), open({5, 5}).size(), open({1, 2, 30, 40})),
               std::make_tuple((size_t)0, (size_t)0, P({1, 2, 30, 40})));

@@ -53,6 +53,7 @@ TEST(OrvList, InsertAppendRemoveKeepTheTailRight) {
     list.append(new OrvLink(P(3)));
     list.insert(new OrvLink(P(4)));
     EXPECT_EQ(values(list), std::vector<int>({4, 0, 1, 2, 3}));
+    EXPECT_EQ(std::make_pair(list.length(), OrvList().length()), std::make_pair(5u, 0u));
     OrvList* l = makeList({0, 1, 2});
     EXPECT_EQ(l->remove(P(2)) + l->remove(P(7)), 1);  // the tail moves to the predecessor
     EXPECT_EQ(values(*l), std::vector<int>({0, 1}));
