@@ -190,6 +190,20 @@ unsigned long OrvFaceSet::writeOptimizeIndex(OrvOStream& out) const {
     if (!faces.first) return 0;
     const OrvFace* first = (const OrvFace*)faces.first->value;
     if (!first->isIndexed()) return 0;
+    const unsigned* (OrvVertexData::*block[5])()
+        const = {&OrvVertexData::vertexPointsIndex, &OrvVertexData::vertexColorsIndex,
+                 &OrvVertexData::vertexNormalsIndex, &OrvVertexData::vertexEdgesIndex,
+                 &OrvVertexData::vertexTexturesIndex};
+    std::vector<unsigned> used;  // the present blocks, as rows of compactBlocks
+    for (unsigned k = 0; k < 5; k++)
+        if ((first->*block[compactBlocks[k].place])()) used.push_back(k);
+    // One pass over the faces gathers what the blocks and items below need:
+    // faces lie all over memory, and a pass each would find each again.
+    std::vector<unsigned> counts;
+    std::vector<std::vector<unsigned>> values(used.size());  // each block of every face
+    std::vector<OrvRGB> colors;
+    std::vector<Orv3dVector> normals;
+    std::vector<unsigned char> has;  // 1 a colour, 2 a normal
     for (OrvLink* l = faces.first; l; l = l->next) {
         const OrvFace* f = (const OrvFace*)l->value;
         if (!f->isIndexed() || !f->vertexSharedIndex() || !f->vertexIndex() ||
@@ -200,36 +214,32 @@ unsigned long OrvFaceSet::writeOptimizeIndex(OrvOStream& out) const {
             f->vertexTextures() != first->vertexTextures() ||
             f->vertexEdges() != first->vertexEdges())
             return 0;
+        unsigned n = f->vertexCardinal();
+        counts.push_back(n);
+        for (size_t j = 0; j < used.size(); j++) {
+            const unsigned* v = (f->*block[compactBlocks[used[j]].place])();
+            values[j].insert(values[j].end(), v, v + n);
+        }
+        has.push_back((unsigned char)((f->color() ? 1 : 0) | (f->normal() ? 2 : 0)));
+        colors.push_back(f->color() ? *f->color() : OrvRGB());
+        normals.push_back(f->normal() ? *f->normal() : Orv3dVector());
     }
     // Same arrays with an index each: the same blocks are present.
     writeData(out, 1);
     _OrvWriteArrays_(out, *first);
-    const unsigned* (OrvVertexData::*block[5])()
-        const = {&OrvVertexData::vertexPointsIndex, &OrvVertexData::vertexColorsIndex,
-                 &OrvVertexData::vertexNormalsIndex, &OrvVertexData::vertexEdgesIndex,
-                 &OrvVertexData::vertexTexturesIndex};
     for (const auto& b : compactBlocks)
         out.key(b.present) << ((first->*block[b.place])() ? "yes" : "no") << '\n';
-    std::vector<unsigned> values;
-    for (OrvLink* l = faces.first; l; l = l->next)
-        values.push_back(((const OrvFace*)l->value)->vertexCardinal());
     _OrvLine_(out.stream).add(out.indent()).add("faceVertices [\n");
-    _OrvWriteValues_(out, values.data(), (unsigned)values.size());
+    _OrvWriteValues_(out, counts.data(), (unsigned)counts.size());
     _OrvLine_(out.stream).add(out.indent()).add("]\n");
-    for (const auto& b : compactBlocks) {
-        if (!(first->*block[b.place])()) continue;
-        values.clear();
-        for (OrvLink* l = faces.first; l; l = l->next) {
-            const OrvFace* f = (const OrvFace*)l->value;
-            const unsigned* v = (f->*block[b.place])();
-            values.insert(values.end(), v, v + f->vertexCardinal());
-        }
-        _OrvLine_(out.stream).add(out.indent()).add(b.values).add(" [\n");
-        _OrvWriteValues_(out, values.data(), (unsigned)values.size());
+    for (size_t j = 0; j < used.size(); j++) {
+        _OrvLine_(out.stream).add(out.indent()).add(compactBlocks[used[j]].values).add(" [\n");
+        _OrvWriteValues_(out, values[j].data(), (unsigned)values[j].size());
         _OrvLine_(out.stream).add(out.indent()).add("]\n");
     }
-    for (OrvLink* l = faces.first; l; l = l->next)
-        _OrvWriteFaceItems_(out, *(const OrvFace*)l->value);
+    for (size_t f = 0; f < counts.size(); f++)
+        _OrvWriteFaceItems_(out, has[f] & 1 ? &colors[f] : nullptr,
+                            has[f] & 2 ? &normals[f] : nullptr);
     return 1;
 }
 

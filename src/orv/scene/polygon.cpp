@@ -335,13 +335,17 @@ static bool readTriple(OrvIStream& in, bool& none, float v[3]) {
 }
 
 void _OrvWriteFaceItems_(OrvOStream& out, const OrvFace& face) {
-    if (face.color())
-        out << *face.color();
+    _OrvWriteFaceItems_(out, face.color(), face.normal());
+}
+
+void _OrvWriteFaceItems_(OrvOStream& out, const OrvRGB* color, const Orv3dVector* normal) {
+    if (color)
+        out << *color;
     else
         _OrvLine_(out.stream).add(out.indent()).add("faceColor\tNone\n");
     _OrvLine_ line(out.stream);
     line.add(out.indent()).add("faceNormal\t");
-    if (const Orv3dVector* n = face.normal())
+    if (const Orv3dVector* n = normal)
         line.add((double)n->x).add(' ').add((double)n->y).add(' ').add((double)n->z);
     else
         line.add("None");

@@ -44,6 +44,8 @@ bool _OrvReadVectors_(OrvIStream& in, std::vector<Orv3dVector>& values,
 void _OrvWriteVectors_(OrvOStream& out, const Orv3dVector* values, unsigned count);
 // A face's "faceColor" and "faceNormal" items, each "None" or a value.
 void _OrvWriteFaceItems_(OrvOStream& out, const OrvFace& face);
+// The same items from values; null writes "None".
+void _OrvWriteFaceItems_(OrvOStream& out, const OrvRGB* color, const Orv3dVector* normal);
 bool _OrvReadFaceItems_(OrvIStream& in, OrvFace& face);
 
 // A closing brace, after what separates items.
