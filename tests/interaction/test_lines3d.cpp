@@ -186,84 +186,34 @@ TEST_F(Lines3dTest, PickedAlongTheirLines) {
 // Saved forms
 // ---------------------------------------------------------------------------
 
-class Lines3dStreamTest : public XTest {
-protected:
-    std::vector<OrvActor*> all;
-    void TearDown() override {
-        for (OrvActor* a : all) delete a;
-        XTest::TearDown();
-    }
-    static std::string save(const std::vector<OrvActor*>& list) {
-        std::ostringstream out;
-        OrvOStream writer(out);
-        writer.write((unsigned)list.size(), list.data(), 0);
-        writer.eof();
-        return out.str().substr(out.str().find('\n'));  // without the date line
-    }
-    // What could be read, up to the first object that could not; the caller deletes it.
-    std::vector<OrvActor*> load(const std::string& text) {
-        std::istringstream in("% Orvis 1 date" + text);
-        OrvIStream reader(director, in);
-        unsigned n = 0;
-        OrvActor** read = reader.read(n, 0);
-        std::vector<OrvActor*> result;
-        for (unsigned i = 0; read && i < n && read[i]; i++) result.push_back(read[i]);
-        delete[] read;
-        return result;
-    }
-};
+typedef XTest Lines3dStreamTest;
 
 // Every class (one turned, two sharing a make-up, an empty polyline, which is said on reading
 // but kept), read back or copied: the same text again; cut anywhere, the objects before the cut
 // and a message; spoilt items named.
 TEST_F(Lines3dStreamTest, ReadBackWholeCutOrSpoilt) {
     OrvMakeUp* wide = director->makeUpLineWidth(director->defaultMakeUp, 3);
-    all = {new Orv3dLine(director, controls[0], controls[1], wide),
-           new Orv3dPolyline(director, 3, controls, nullptr),
-           new Orv3dSplinePath(director, 4, controls + 1, 5, wide),
-           new Orv3dCurvePath(director, 7, controls, 3),
-           new Orv3dWall(director, controls[2], 4, 0.25f, OrvWallY),
-           new Orv3dWalls(director, controls[3], 2, 1.5f),
-           new Orv3dPolyline(director, 0, nullptr, nullptr)};
+    const std::vector<OrvActor*> all = {new Orv3dLine(director, controls[0], controls[1], wide),
+                                        new Orv3dPolyline(director, 3, controls, nullptr),
+                                        new Orv3dSplinePath(director, 4, controls + 1, 5, wide),
+                                        new Orv3dCurvePath(director, 7, controls, 3),
+                                        new Orv3dWall(director, controls[2], 4, 0.25f, OrvWallY),
+                                        new Orv3dWalls(director, controls[3], 2, 1.5f),
+                                        new Orv3dPolyline(director, 0, nullptr, nullptr)};
     all[0]->rotateZ(30, 0);
-    std::string text = save(all);
+    std::string text = saved3d(all);
     EXPECT_NE(std::string::npos, text.find("\t% Orv3dWall class\n\tpoint3d\t-0.2 0.8 0\n\tuiData\t4"
                                            "\n\tfData\t0.25\n\tulData\t1\n}\n"))
         << text;
     std::vector<OrvActor*> copies;
     for (OrvActor* a : all) copies.push_back(a->copy());
-    EXPECT_EQ(text, save(copies));
+    EXPECT_EQ(text, saved3d(copies));
     for (OrvActor* a : copies) delete a;
-    std::vector<size_t> ends;  // just after each object's closing brace
-    for (size_t at = text.find("\n}\n"); at != std::string::npos; at = text.find("\n}\n", at + 1))
-        ends.push_back(at + 2);
-    ASSERT_EQ(7u, ends.size());
-    for (size_t cut = text.find("Orv3dLine"); cut <= text.size(); cut++) {
-        size_t whole = std::count_if(ends.begin(), ends.end(), [&](size_t e) { return e <= cut; });
-        std::vector<OrvActor*> read;
-        std::string said = OrvTestOutput([&] { read = load(text.substr(0, cut)); });
-        ASSERT_EQ(whole, read.size()) << "cut at " << cut;
-        EXPECT_TRUE(whole < 7 ? said != "" : said == "Orv3dPolyline : Polyline with 0 points\n")
-            << said << "cut at " << cut;
-        EXPECT_EQ(save(std::vector<OrvActor*>(all.begin(), all.begin() + whole)), save(read));
-        for (OrvActor* a : read) delete a;
-    }
-    const struct {
-        const char *from, *to, *message;
-        size_t whole;
-    } spoilt[] = {
-        {"point3d", "point3x", "OrvIStream : Bad data.\n", 0},
-        {"uiData\t4", "uiDatum\t4", "OrvIStream : Bad data.\n", 2},
-        {"ulData\t1", "ulData\t7", "Orv3dWall::Orv3dWall : Bad axis (7).\n", 4},
-        {"fData\t1.5", "fData\tx", "OrvIStream : bad separator.\n", 5},
-    };
-    for (const auto& s : spoilt) {
-        std::string bad = text;
-        bad.replace(bad.find(s.from), strlen(s.from), s.to);
-        std::vector<OrvActor*> read;
-        std::string said = OrvTestOutput([&] { read = load(bad); });
-        EXPECT_EQ(s.whole, read.size()) << s.to;
-        EXPECT_NE(std::string::npos, said.find(s.message)) << said;
-        for (OrvActor* a : read) delete a;
-    }
+    expectEveryCut(director, all, "Orv3dLine", "Orv3dPolyline : Polyline with 0 points\n");
+    expectSpoilt(director, text,
+                 {{"point3d", "point3x", "OrvIStream : Bad data.\n", 0},
+                  {"uiData\t4", "uiDatum\t4", "OrvIStream : Bad data.\n", 2},
+                  {"ulData\t1", "ulData\t7", "Orv3dWall::Orv3dWall : Bad axis (7).\n", 4},
+                  {"fData\t1.5", "fData\tx", "OrvIStream : bad separator.\n", 5}});
+    for (OrvActor* a : all) delete a;
 }

@@ -105,7 +105,6 @@ TEST_F(TheaterFileTest, LayoutAndARoundTripToTheSameTextAndPixels) {
     EXPECT_EQ("", said);
     EXPECT_EQ(undated(full), undated(save(fresh, back)));
     delete back;
-    EXPECT_EQ(OrvGetRole("Button"), fresh->object("faces")->getRole());
     // The same frame in the same scene, from the read theater.
     settle();
     std::vector<unsigned long> drawn = snapshot(scene->interior);
@@ -125,9 +124,10 @@ TEST_F(TheaterFileTest, EveryCutReadsWholeOrNothing) {
         const size_t whole = s ? text.rfind("\n}\n") + 2 : text.find("= no") + 4;
         for (size_t k = 0; k <= text.size(); k++) {
             std::string said;
-            ASSERT_EQ(k >= whole ? 1ul : 0ul, read(text.substr(0, k), said)) << k;
-            ASSERT_EQ(k >= whole, said.empty()) << k << said;
-            ASSERT_EQ(k >= whole ? 10u : 0u, fresh->cardinal()) << k;
+            unsigned long done = read(text.substr(0, k), said);
+            ASSERT_EQ(std::make_tuple(k >= whole ? 1ul : 0ul, k >= whole, k >= whole ? 10u : 0u),
+                      std::make_tuple(done, said.empty(), fresh->cardinal()))
+                << k << said;
             fresh->empty(1);
             ASSERT_EQ(shares, listed()) << k;
         }
@@ -171,10 +171,10 @@ TEST_F(TheaterFileTest, FaultsAndTheirMessages) {
     for (const auto& r : rows) {
         std::string said;
         OrvScene* got = nullptr;
-        EXPECT_EQ(r.done, read(r.text, said, &got)) << r.said;
-        EXPECT_EQ(r.said, said);
-        EXPECT_EQ(r.done ? 10u : 0u, fresh->cardinal());
-        EXPECT_EQ(r.scene, got ? got->className() : "");
+        unsigned long done = read(r.text, said, &got);
+        EXPECT_EQ(std::make_tuple(r.done, r.said, r.done ? 10u : 0u, r.scene),
+                  std::make_tuple(done, said, fresh->cardinal(),
+                                  std::string(got ? got->className() : "")));
         delete got;
         fresh->empty(1);
     }

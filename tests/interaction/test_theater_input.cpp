@@ -179,10 +179,10 @@ TEST_F(TheaterInputTest, PressInsideBeginDrawingClosedByLockedFlush) {
         click(at(a->bbox3d(1).center()));
         theater->grabbed = nullptr;
         Orv2dPoint now = at(a->bbox3d(1).center());
-        EXPECT_EQ(1u, depth);
-        EXPECT_EQ(0u, during);
-        EXPECT_EQ(keep, theater->beginDrawingDepth);
-        EXPECT_EQ(keep ? 0ul : 0xff0000ul, pixel(scene, now.x, now.y)) << keep;
+        EXPECT_EQ(std::make_tuple(1u, 0ul, keep, keep ? 0ul : 0xff0000ul),
+                  std::make_tuple(depth, during, (unsigned long)theater->beginDrawingDepth,
+                                  pixel(scene, now.x, now.y)))
+            << keep;
         if (keep) theater->flushDrawing(1);
         EXPECT_EQ(0xff0000ul, pixel(scene, now.x, now.y));
     }
@@ -242,11 +242,11 @@ TEST_F(TheaterInputTest, ProducersOfTheScenes) {
     theater->pushProducer(move);
     EXPECT_EQ(select, move->previous);
     theater->remove(select);
-    EXPECT_EQ(move, theater->getProducer(scene));
+    EXPECT_EQ(std::make_tuple(move, &scene->sceneToInvariant),
+              std::make_tuple(theater->getProducer(scene), move->toWorld(1)));
     theater->remove(move);
-    EXPECT_EQ(nullptr, theater->getProducer(scene));
-    EXPECT_EQ("0>Select Move>0", taken());
-    EXPECT_EQ(&scene->sceneToInvariant, move->toWorld(1));
+    EXPECT_EQ(std::make_tuple((OrvProducer*)nullptr, std::string("0>Select Move>0")),
+              std::make_tuple(theater->getProducer(scene), taken()));
     OrvScene* loose = new OrvScene(director, Orv2dRect(0, 0, 50, 50), 1, black);
     for (auto [p, message] :
          {std::pair<OrvProducer*, const char*>(new OrvMoveProducer(stage),

@@ -46,11 +46,12 @@ TEST(Actor3dBox, ProjectedBoxCoversTouchedPixelsGrownOnlyWithFlagOne) {
     }
     BoxActor a(nullptr, Orv3dVolume(10, 10, 0, 10, 10, 0));
     Orv2dRegion around(Orv2dRect(0, 0, 40, 40)), beside(Orv2dRect(15, 0, 40, 40));
-    EXPECT_EQ(1ul, a.contains3d(Orv2dPoint(9, 21), nullptr));  // within the 2 grown pixels
-    EXPECT_EQ(0ul, a.contains3d(Orv2dPoint(7, 15), nullptr));
-    EXPECT_EQ(1ul, a.inside3d(around, nullptr));
-    EXPECT_EQ(1ul, a.intersects3d(beside, nullptr));
-    EXPECT_EQ(0ul, a.inside3d(beside, nullptr));
+    // (9, 21) is within the 2 grown pixels, (7, 15) is not.
+    EXPECT_EQ(std::vector<unsigned long>({1, 0, 1, 1, 0}),
+              std::vector<unsigned long>(
+                  {a.contains3d(Orv2dPoint(9, 21), nullptr),
+                   a.contains3d(Orv2dPoint(7, 15), nullptr), a.inside3d(around, nullptr),
+                   a.intersects3d(beside, nullptr), a.inside3d(beside, nullptr)}));
 }
 
 // ---------------------------------------------------------------------------
@@ -130,8 +131,9 @@ TEST_F(Actor3dSceneTest, ChangesReachTheTheaterOnceANest) {
     for (const auto& row : rows) {
         hook->before = hook->contentsCalls = 0;
         row.change();
-        EXPECT_EQ(row.frames, hook->before) << row.what;
-        EXPECT_EQ(row.contentsCalls, hook->contentsCalls) << row.what;
+        EXPECT_EQ(std::make_tuple(row.frames, row.contentsCalls),
+                  std::make_tuple(hook->before, hook->contentsCalls))
+            << row.what;
     }
     delete a;
     EXPECT_EQ(0u, theater->cardinal());
@@ -165,8 +167,8 @@ TEST_F(Actor3dSceneTest, InvariantActorsStayPutAndInteractiveModesBoxThem) {
                                     i ? &scene->worldToScene : &scene->invariantToScene, 0);
             int x = b.x - 3, y = b.y + (int)b.h / 2;
             while (x < b.x + 3 && !pixel(scene, x, y)) x++;  // the first lit pixel of the row
-            EXPECT_EQ(boxed ? 0xffffffu : 0xff0000u, pixel(scene, x, y)) << row[0] << " " << i;
-            EXPECT_EQ(boxed ? 0u : 0xff0000u, pixel(scene, x + (int)b.w / 2, y))
+            EXPECT_EQ(std::make_tuple(boxed ? 0xfffffful : 0xff0000ul, boxed ? 0ul : 0xff0000ul),
+                      std::make_tuple(pixel(scene, x, y), pixel(scene, x + (int)b.w / 2, y)))
                 << row[0] << " " << i;
         }
     }
@@ -178,14 +180,6 @@ TEST_F(Actor3dSceneTest, InvariantActorsStayPutAndInteractiveModesBoxThem) {
 // ---------------------------------------------------------------------------
 // Saved forms
 // ---------------------------------------------------------------------------
-
-static std::string save3d(const std::vector<OrvActor*>& list) {
-    std::ostringstream out;
-    OrvOStream writer(out);
-    writer.write((unsigned)list.size(), list.data(), 0);
-    writer.eof();
-    return out.str().substr(out.str().find('\n'));  // without the date line
-}
 
 // Every class, with and without matrix, a strip set and a mesh, colours and materials: read
 // back whole, the same text again; cut anywhere, the objects before the cut and a message.
@@ -209,46 +203,12 @@ TEST_F(XTest, Actor3dSavedFormsReadBackWholeCutOrSpoilt) {
     turned->rotateX(30, 0), turned->translate(1, 2, 3, 1);
     faces->scale(2, 1, 1, 0), plain->rotateZ(90, 0);
     const std::vector<OrvActor*> all = {bare, turned, faces, noFaces, plain, shape, noSeries};
-    // What could be read, up to the first object that could not, and what was said.
-    auto load = [&](const std::string& text, std::string& said) {
-        std::istringstream in("% Orvis 1 date" + text);
-        OrvIStream reader(director, in);
-        unsigned n = 0;
-        OrvActor** read = nullptr;
-        said = OrvTestOutput([&] { read = reader.read(n, 0); });
-        std::vector<OrvActor*> result;
-        for (unsigned i = 0; read && i < n && read[i]; i++) result.push_back(read[i]);
-        delete[] read;
-        return result;
-    };
-    std::string text = save3d(all), said;
-    std::vector<size_t> ends;  // just after each object's closing brace
-    for (size_t at = text.find("\n}\n"); at != std::string::npos; at = text.find("\n}\n", at + 1))
-        ends.push_back(at + 2);
-    ASSERT_EQ(7u, ends.size());
-    for (size_t cut = text.find("Orv3dActor"); cut <= text.size(); cut++) {
-        size_t whole = std::count_if(ends.begin(), ends.end(), [&](size_t e) { return e <= cut; });
-        std::vector<OrvActor*> read = load(text.substr(0, cut), said);
-        ASSERT_EQ(whole, read.size()) << "cut at " << cut;
-        EXPECT_EQ(whole < 7, said != "") << "cut at " << cut;
-        EXPECT_EQ(save3d(std::vector<OrvActor*>(all.begin(), all.begin() + whole)), save3d(read));
-        for (OrvActor* a : read) delete a;
-    }
-    const struct {
-        const char *from, *to, *message;
-        size_t whole;
-    } spoilt[] = {
-        {"matrix3d", "matrix3x", "OrvIStream : bad separator.\n", 1},
-        {"colors\t\tNone", "colors\t\tNix", "OrvIStream : OrvShare : Bad key (Nix).\n", 4},
-        {"materials\t2", "materials\t3", "Orv3dShape::Orv3dShape : Bad item (materials 3).\n", 5},
-    };
-    for (const auto& s : spoilt) {
-        std::string bad = text;
-        std::vector<OrvActor*> read =
-            load(bad.replace(bad.find(s.from), strlen(s.from), s.to), said);
-        EXPECT_EQ(s.whole, read.size()) << s.to;
-        EXPECT_NE(std::string::npos, said.find(s.message)) << said;
-        for (OrvActor* a : read) delete a;
-    }
+    expectEveryCut(director, all, "Orv3dActor", "");
+    expectSpoilt(
+        director, saved3d(all),
+        {{"matrix3d", "matrix3x", "OrvIStream : bad separator.\n", 1},
+         {"colors\t\tNone", "colors\t\tNix", "OrvIStream : OrvShare : Bad key (Nix).\n", 4},
+         {"materials\t2", "materials\t3", "Orv3dShape::Orv3dShape : Bad item (materials 3).\n",
+          5}});
     for (OrvActor* a : all) delete a;
 }

@@ -127,9 +127,9 @@ TEST(Camera, ProjectionsAndTheirChecksInOrder) {
                                                : c.orthographic(row.rect, row.near, row.far);
                   }),
                   row.message);
-        EXPECT_EQ(result, 0u) << row.message;
-        EXPECT_EQ(c.mapping(), untouched.mapping()) << row.message;
-        EXPECT_EQ(c.viewport(), untouched.viewport()) << row.message;
+        EXPECT_EQ(std::make_tuple(0ul, untouched.mapping(), untouched.viewport()),
+                  std::make_tuple(result, c.mapping(), c.viewport()))
+            << row.message;
     }
 }
 

@@ -76,10 +76,6 @@ protected:
             EXPECT_LE(std::abs((int)((got >> s) & 255) - (int)((want >> s) & 255)), 1)
                 << "pixel " << at.x << "," << at.y << " is " << std::hex << got << " not " << want;
     }
-    Orv2dPoint at(float x, float y) {
-        Orv3dPoint p = toWindow(scene, Orv3dPoint(x, y, 0));
-        return Orv2dPoint((int)std::floor(p.x), (int)std::floor(p.y));
-    }
     Orv3dPoint world(int x, int y) {  // at the pixel's centre
         Orv3dPoint p(x + 0.5f, y + 0.5f, 0.5f);
         scene->sceneToWorld.apply(p);
@@ -124,8 +120,7 @@ TEST_F(RenderTest, MakeUpLeavesTheGLStateOfItsAttributesOnceForRepeats) {
         glLineWidth(5);
         glPolygonMode(GL_FRONT_AND_BACK, GL_POINT);
         m->render(scene, a[1]);
-        EXPECT_EQ(a[2], glState()[0]) << a[0] << " " << a[1];
-        EXPECT_EQ(a[3], glState()[4]) << a[0] << " " << a[1];
+        EXPECT_EQ(std::make_tuple(a[2], a[3]), std::make_tuple(glState()[0], glState()[4])) << a[0];
     }
     float color[4];
     glColor3f(0, 0, 1);
@@ -274,8 +269,9 @@ TEST_F(RenderTest, LevelOfDetailSharesTheActorsWindowBoxWithTheWindow) {
         scene->levelOfDetail(&actor, onScreen, visible);
         EXPECT_NEAR(r.onScreen, onScreen, 1e-6);
         EXPECT_NEAR(r.visible, visible, 1e-6);
-        EXPECT_EQ(r.invariant ? &scene->invariantToScene : &scene->worldToScene, actor.asked);
-        EXPECT_EQ(0u, actor.grow);
+        EXPECT_EQ(
+            std::make_tuple(r.invariant ? &scene->invariantToScene : &scene->worldToScene, 0ul),
+            std::make_tuple(actor.asked, actor.grow));
     }
 }
 
@@ -291,12 +287,12 @@ TEST_F(RenderTest, ShadowFlattensTheActorAlongTheLightOntoThePlane) {
     // The square at z 0.5 falls half a unit to the right on z = 0.
     const float x[4] = {0, .5f, -.4f, .85f};
     const unsigned long want[4] = {0xff0000, 0x0000ff, 0xffffff, 0xffffff};
-    for (int i = 0; i < 4; i++) expectPixel(at(x[i], .1f), want[i]);
+    for (int i = 0; i < 4; i++) expectPixel(pixelOf({x[i], .1f, 0}), want[i]);
     clear();
     EXPECT_EQ("", OrvTestOutput([&] {
                   scene->shadow(blue, &actor, Orv3dPlane(0, 0, 1, 0), Orv3dVector(1, 0, 0));
               }));
-    expectPixel(at(0, 0), 0xffffff);
+    expectPixel(pixelOf({0, 0, 0}), 0xffffff);
 }
 
 TEST_F(RenderTest, MarkersOfEachTypeAndScaleAreTheFortyListsCentredOnTheirPoints) {
@@ -304,7 +300,7 @@ TEST_F(RenderTest, MarkersOfEachTypeAndScaleAreTheFortyListsCentredOnTheirPoints
     ASSERT_NE(0u, base);
     EXPECT_EQ(base + 2 * 8 + 5, director->marker(3, 5));
     EXPECT_EQ(0u, director->marker(6, 2) + director->marker(1, 8));
-    Orv2dPoint corner = at(-1, 1);  // cells of 20 pixels from the viewport's corner
+    Orv2dPoint corner = pixelOf({-1, 1, 0});  // cells of 20 pixels from the viewport's corner
     ASSERT_GE(std::min(W, H), 170);
     for (OrvMarkerType t = 1; t <= 5; t++)
         for (unsigned short s = 0; s < 8; s++) {
@@ -372,7 +368,7 @@ TEST_F(RenderTest, SeriesLitFromTheFrontShowEachFrontFaceInItsColour) {
             float x = 0, y = 0;
             for (char v : face)
                 x += points[v - '0'].x / face.size(), y += points[v - '0'].y / face.size();
-            expectPixel(at(x, y), rgb[f]);
+            expectPixel(pixelOf({x, y, 0}), rgb[f]);
             triangles += (unsigned)face.size() - 2;
         }
         EXPECT_EQ("--->>>>> Triangles : " + std::to_string(triangles) + " \n",

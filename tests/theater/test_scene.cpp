@@ -44,8 +44,8 @@ TEST_F(TheaterTest, WorldMatricesOfAWindow) {
         expectMatrix(scene->invariantToScene,
                      {c.ratio ? 100. : 150., 0, 0, 150, 0, 100, 0, 100, 0, 0, 0.5, 0.5, 0, 0, 0, 1},
                      "invariantToScene");
-        EXPECT_EQ(Orv3dPoint(0, 0, 11), scene->centre);
-        EXPECT_EQ(Orv3dPoint(150, 100, 0), scene->centreCopy);
+        EXPECT_EQ(std::make_tuple(Orv3dPoint(0, 0, 11), Orv3dPoint(150, 100, 0)),
+                  std::make_tuple(scene->centre, scene->centreCopy));
     }
     // A viewport without width leaves the matrices as they were.
     Orv3dMatrix before = scene->worldToScene;
@@ -69,9 +69,9 @@ TEST_F(TheaterTest, PortholeTakesTheSizeOnly) {
     };
     for (const Case& c : cases) {
         unsigned long result = 9;
-        EXPECT_EQ(c.message, OrvTestOutput([&] { result = scene->porthole(c.rect); }));
-        EXPECT_EQ(c.result, result);
-        EXPECT_TRUE(c.porthole == scene->porthole_) << c.rect.w << "x" << c.rect.h;
+        std::string said = OrvTestOutput([&] { result = scene->porthole(c.rect); });
+        EXPECT_EQ(std::make_tuple(c.message, c.result, c.porthole),
+                  std::make_tuple(said, result, scene->porthole_));
     }
 }
 
@@ -143,8 +143,8 @@ TEST_F(TheaterTest, CurrentCameraSwitchedAndRemoved) {
     };
     for (Step& s : steps) {
         s.change();
-        EXPECT_EQ(s.index, scene->currentCameraIndex);
-        EXPECT_EQ(s.cardinal, scene->cameraCardinal());
+        EXPECT_EQ(std::make_tuple(s.index, s.cardinal),
+                  std::make_tuple(scene->currentCameraIndex, scene->cameraCardinal()));
         settle(10);
         expectSquare(scene, unit, 0x00ff00);
     }
@@ -181,12 +181,11 @@ TEST_F(TheaterTest, TopScenesOfFourForms) {
                            new OrvTopScene(director, (void*)parent, Orv2dRect(5, 6, 110, 80), 1),
                            new OrvTopScene(director, (void*)parent), new OrvTopScene(*scene)};
     const unsigned sizes[][2] = {{120, 90}, {110, 80}, {200, 160}, {300, 200}};
-    for (int i = 0; i < 4; i++) {
-        EXPECT_EQ(Orv2dRect(0, 0, sizes[i][0], sizes[i][1]), tops[i]->bbox2d(nullptr));
-        EXPECT_EQ(sizes[i][0], tops[i]->stage->width);
-        EXPECT_EQ(tops[i]->stage, tops[i]->getStage());
-        EXPECT_EQ(scene->classInfo(), tops[i]->classInfo());
-    }
+    for (int i = 0; i < 4; i++)
+        EXPECT_EQ(std::make_tuple(Orv2dRect(0, 0, sizes[i][0], sizes[i][1]), sizes[i][0],
+                                  tops[i]->stage, scene->classInfo()),
+                  std::make_tuple(tops[i]->bbox2d(nullptr), (unsigned)tops[i]->stage->width,
+                                  tops[i]->getStage(), tops[i]->classInfo()));
     char* title = nullptr;
     XFetchName(dpy, tops[3]->stage->window(), &title);
     EXPECT_STREQ("NoName", title);
@@ -212,10 +211,9 @@ TEST_F(TheaterTest, ScrollBarsPanTheCamera) {
     Orv2dRect mapped = theater->contentsBBoxMapped(scene);
     // The 284x184 interior shows the middle 184x184 of the camera's square.
     EXPECT_EQ(Orv2dRect(-134, 69, 552, 46), mapped);
-    EXPECT_EQ(mapped.w, bar->max);
-    EXPECT_EQ(134, bar->value);
-    EXPECT_EQ((long)scene->interior->width, bar->sliderSize);
-    EXPECT_EQ(184, scene->vScrollBar->max);
+    EXPECT_EQ(std::make_tuple((long)mapped.w, 134l, (long)scene->interior->width, 184l),
+              std::make_tuple((long)bar->max, (long)bar->value, (long)bar->sliderSize,
+                              (long)scene->vScrollBar->max));
     Orv3dVolume marker(0.5f, 0.3f, 0, 0.2f, 0.2f, 0);
     box(marker, 0x00ff00);
     Orv2dRect first, second, trough, thumb;

@@ -65,11 +65,11 @@ TEST_F(TheaterDrawTest, PartialRepaintsAgainstTheThreshold) {
         theater->beginDrawing();  // as a change of that rectangle would
         theater->invalidate(c.rect);
         theater->flushDrawing(1);
-        EXPECT_EQ(c.scissored, scene->useScissor) << c.rect.w;
-        EXPECT_EQ(c.drawn, drawn()) << c.rect.w;
-        EXPECT_EQ(1, hook->before);
-        EXPECT_EQ(1, hook->copies);
-        EXPECT_EQ(c.scissored ? c.rect : Orv2dRect(0, 0, 300, 200), hook->last.bbox);
+        EXPECT_EQ(std::make_tuple(c.scissored, c.drawn, 1, 1,
+                                  c.scissored ? c.rect : Orv2dRect(0, 0, 300, 200)),
+                  std::make_tuple(scene->useScissor, drawn(), hook->before, hook->copies,
+                                  hook->last.bbox))
+            << c.rect.w;
         reset();
     }
 }
@@ -84,10 +84,10 @@ TEST_F(TheaterDrawTest, MovedActorRepaintsWhatItMeets) {
     theater->flushDrawing(1);
     EXPECT_EQ(0, hook->before);
     theater->flushDrawing(1);
-    EXPECT_EQ(1, hook->before);
-    EXPECT_EQ(1u, scene->useScissor);
-    EXPECT_EQ(2, drawn());  // the two moved, once each
-    EXPECT_EQ(2, grid[0]->draws + grid[1]->draws);
+    // One scissored frame, the two moved drawn once each.
+    EXPECT_EQ(
+        std::make_tuple(1, 1u, 2, 2),
+        std::make_tuple(hook->before, scene->useScissor, drawn(), grid[0]->draws + grid[1]->draws));
 }
 
 // What a partial frame does not cover stays as it was, with or without a back buffer, also
@@ -114,8 +114,7 @@ TEST_F(TheaterDrawTest, PixelsOutsideThePartialFrameStay) {
                 bool differ = before[y * 300 + x] != after[y * 300 + x];
                 (changed.bbox.contains(Orv2dPoint(x, y)) ? inside : outside) += differ;
             }
-        EXPECT_EQ(0, outside) << "double buffer " << doubleBuffer;
-        EXPECT_GT(inside, 0) << "double buffer " << doubleBuffer;
+        EXPECT_EQ(std::make_tuple(0, true), std::make_tuple(outside, inside > 0)) << doubleBuffer;
         expectSquare(s, b->volume, 0x00ffff, 2);
         expectSquare(s, other->volume, 0xffffff, 2);
         theater->disconnect(s);
@@ -186,8 +185,8 @@ TEST_F(TheaterDrawTest, ConnectMessages) {
          "OrvTheater::connect : Can't use this function with an off-screen renderer scene.\nn"},
     };
     for (Case& c : cases) EXPECT_EQ(c.message, OrvTestOutput(c.call));
-    EXPECT_EQ(nullptr, fresh->getTheater());
-    EXPECT_EQ(1u, theater->scenes.length());
+    EXPECT_EQ(std::make_tuple((OrvTheater*)nullptr, 1u),
+              std::make_tuple(fresh->getTheater(), theater->scenes.length()));
     delete fresh;
     delete off;
 }

@@ -15,6 +15,8 @@
 #include <GL/gl.h>
 #include <GL/glx.h>
 
+#include <cmath>
+
 // The front face (the volume's top z) of an axis box, in flat colour unlit, or in a white lit
 // material when `lit` (light shows where it falls, unwashed by emission), in cells by cells
 // quads. Moves through the theater's change protocol.
@@ -208,6 +210,11 @@ protected:
         s->worldToScene.apply(p);
         return p;
     }
+    // The pixel of the fixture's scene that holds a world point (or an invariant one).
+    Orv2dPoint pixelOf(Orv3dPoint p, bool invariant = false) {
+        (invariant ? scene->invariantToScene : scene->worldToScene).apply(p);
+        return Orv2dPoint((int)std::floor(p.x), (int)std::floor(p.y));
+    }
     // Whether the pixels of the window around a world point show the colour (inside) or
     // the background (outside, `m` pixels away from the square's projected box).
     void expectSquare(OrvScene* s, const Orv3dVolume& v, unsigned long color, int m = 3) {
@@ -224,5 +231,87 @@ protected:
                 << x1 << "," << y1;
     }
 };
+
+// Faces of `corners` points each, indexed into one locked copy of the points.
+inline OrvFaceSet* indexedFaces(const std::vector<Orv3dPoint>& p,
+                                const std::vector<unsigned>& index, unsigned corners) {
+    Orv3dPoint* copy = new Orv3dPoint[p.size()];
+    std::copy(p.begin(), p.end(), copy);
+    OrvShare* points = new OrvShare((unsigned)p.size(), copy, 0, 1);
+    points->lock();
+    OrvFaceSet* set = new OrvFaceSet(0);
+    for (size_t i = 0; i + corners <= index.size(); i += corners) {
+        OrvFace* f = new OrvFace;
+        f->setIndexed(points, nullptr, nullptr, nullptr, nullptr);
+        f->setIndex(0, corners, &index[i], nullptr, nullptr, nullptr, nullptr);
+        set->add(f);
+    }
+    points->unLock();
+    return set;
+}
+
+// The 3D text of these actors, without the date line.
+inline std::string saved3d(const std::vector<OrvActor*>& list) {
+    std::ostringstream out;
+    OrvOStream writer(out);
+    writer.write((unsigned)list.size(), list.data(), 0);
+    writer.eof();
+    return out.str().substr(out.str().find('\n'));
+}
+
+// What a text of saved3d gives back, up to the first object that could not be read, and what
+// was said meanwhile; the caller deletes the objects.
+inline std::vector<OrvActor*> read3d(OrvDirector* d, const std::string& text, std::string& said) {
+    std::istringstream in("% Orvis 1 date" + text);
+    OrvIStream reader(d, in);
+    unsigned n = 0;
+    OrvActor** read = nullptr;
+    said = OrvTestOutput([&] { read = reader.read(n, 0); });
+    std::vector<OrvActor*> result;
+    for (unsigned i = 0; read && i < n && read[i]; i++) result.push_back(read[i]);
+    delete[] read;
+    return result;
+}
+
+// The text of `all` cut at every offset from `from` on: the objects whole before the cut read
+// back to their own text, with a message unless all were whole (then `whole` is what is said).
+inline void expectEveryCut(OrvDirector* d, const std::vector<OrvActor*>& all, const char* from,
+                           const std::string& whole) {
+    const std::string text = saved3d(all);
+    std::vector<size_t> ends;  // just after each object's closing brace
+    for (size_t at = text.find("\n}\n"); at != std::string::npos; at = text.find("\n}\n", at + 1))
+        ends.push_back(at + 2);
+    ASSERT_EQ(all.size(), ends.size());
+    for (size_t cut = text.find(from); cut <= text.size(); cut++) {
+        size_t n = std::count_if(ends.begin(), ends.end(), [&](size_t e) { return e <= cut; });
+        std::string said;
+        std::vector<OrvActor*> read = read3d(d, text.substr(0, cut), said);
+        ASSERT_EQ(n, read.size()) << "cut at " << cut;
+        if (n == all.size())
+            EXPECT_EQ(whole, said);
+        else
+            EXPECT_NE("", said) << "cut at " << cut;
+        EXPECT_EQ(saved3d(std::vector<OrvActor*>(all.begin(), all.begin() + n)), saved3d(read));
+        for (OrvActor* a : read) delete a;
+    }
+}
+
+// A saved text with `from` replaced by `to`: how many objects are read before the fault, and
+// the message.
+struct Spoilt3d {
+    const char *from, *to, *message;
+    size_t whole;
+};
+inline void expectSpoilt(OrvDirector* d, const std::string& text,
+                         std::initializer_list<Spoilt3d> rows) {
+    for (const Spoilt3d& s : rows) {
+        std::string bad = text, said;
+        bad.replace(bad.find(s.from), strlen(s.from), s.to);
+        std::vector<OrvActor*> read = read3d(d, bad, said);
+        EXPECT_EQ(s.whole, read.size()) << s.to;
+        EXPECT_NE(std::string::npos, said.find(s.message)) << said;
+        for (OrvActor* a : read) delete a;
+    }
+}
 
 #endif
