@@ -148,35 +148,6 @@ inline std::string OrvTestData(const char* sub) {
     return std::string(dir ? dir : "tests/data") + "/" + sub;
 }
 
-// Reads every prefix of a saved stage into s: only the objects whose block closed come back, and
-// a cut inside a block ends with the message that names the object it spoils.
-inline void OrvTestEveryCut(OrvStage* s, const std::string& text, size_t objects) {
-    std::vector<size_t> ends;  // where each object's block closes
-    for (size_t i = 0; i < text.size(); i++)
-        if (text[i] == '}' && (i == 0 || text[i - 1] == '\n')) ends.push_back(i);
-    ASSERT_EQ(ends.size(), objects);
-    size_t cardinalEnd = text.find('\n', text.find("cardinal = ")) + 1;
-    for (size_t k = 0; k <= text.size(); k++) {
-        std::istringstream in(text.substr(0, k));
-        Orv2dRect size;
-        unsigned long ok = 0;
-        std::string messages = OrvTestOutput([&] { ok = s->read(in, size, -1); });
-        size_t complete = 0;
-        while (complete < ends.size() && ends[complete] < k) complete++;
-        ASSERT_EQ(std::make_pair((size_t)s->cardinal(), ok),
-                  std::make_pair(complete, complete ? 1ul : 0ul))
-            << "offset " << k;
-        std::string last =
-            "## OrvIStream : Bad format in object " + std::to_string(complete) + "\n";
-        if (complete < ends.size() && k >= cardinalEnd) {
-            EXPECT_EQ(messages.substr(messages.size() - std::min(messages.size(), last.size())),
-                      last)
-                << "offset " << k;
-        }
-        s->empty(1);
-    }
-}
-
 // A decor with a border and a title, in grey, on the stage.
 inline OrvDecor* OrvTestDecor(OrvDirector* d, const Orv2dRect& r, OrvMakeUp* m) {
     OrvDecor* decor = new OrvDecor(d, r, m);

@@ -146,28 +146,7 @@ TEST_F(StreamStage, FilesOnThePathIntoOneLayerAndEmptyStages) {
 TEST_F(StreamStage, TruncatedAtEveryOffset) {
     std::string text = fileText(dataFile("sample.orv"));
     ASSERT_GT(text.size(), 500u);
-    std::vector<size_t> ends;
-    for (size_t i = 0; i < text.size(); i++)
-        if (text[i] == '}' && (i == 0 || text[i - 1] == '\n')) ends.push_back(i);
-    size_t cardinalEnd = text.find('\n', text.find("cardinal = ")) + 1;
-    OrvStage* s = newStage();
-    for (size_t k = 0; k <= text.size(); k++) {
-        std::istringstream in(text.substr(0, k));
-        Orv2dRect size;
-        unsigned long ok = 0;
-        std::string messages = OrvTestOutput([&] { ok = s->read(in, size, -1); });
-        size_t complete = 0;
-        while (complete < ends.size() && ends[complete] < k) complete++;
-        ASSERT_EQ(s->cardinal(), complete) << "offset " << k;
-        EXPECT_EQ(ok, complete ? 1u : 0u) << "offset " << k;
-        if (complete < ends.size() && k >= cardinalEnd) {
-            std::string last =
-                "## OrvIStream : Bad format in object " + std::to_string(complete) + "\n";
-            ASSERT_GE(messages.size(), last.size()) << "offset " << k;
-            EXPECT_EQ(messages.substr(messages.size() - last.size()), last) << "offset " << k;
-        }
-        s->empty(1);
-    }
+    OrvTestEveryCut(newStage(), text, 14);
 }
 
 TEST_F(StreamStage, HugeCountsAndBadNumbers) {
