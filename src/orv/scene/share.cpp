@@ -47,6 +47,7 @@ namespace {
 const unsigned grainShift = 8;
 const uintptr_t smallBytes = (uintptr_t)1 << grainShift;  // a small range has at most these
 const unsigned regionShift = 20;
+const uintptr_t grainsPerRegion = (uintptr_t)1 << (regionShift - grainShift);
 const uint32_t none = ~0u;
 
 struct Range {
@@ -57,7 +58,7 @@ struct Range {
 };
 
 struct Region {
-    uint32_t head[(size_t)1 << (regionShift - grainShift)];
+    uint32_t head[grainsPerRegion];
     unsigned used = 0;
     Region() {
         for (uint32_t& h : head) h = none;
@@ -77,14 +78,14 @@ struct Ranges {
 
     // The chain of a grain; null when its region has none and make is false.
     uint32_t* head(Kind& kind, uintptr_t grain, bool make, Region** region = nullptr) {
-        uintptr_t number = grain >> (regionShift - grainShift);
+        uintptr_t number = grain / grainsPerRegion;
         auto i = kind.regions.find(number);
         if (i == kind.regions.end()) {
             if (!make) return nullptr;
             i = kind.regions.emplace(number, new Region).first;
         }
         if (region) *region = i->second;
-        return &i->second->head[grain & (((uintptr_t)1 << (regionShift - grainShift)) - 1)];
+        return &i->second->head[grain % grainsPerRegion];
     }
 };
 }  // namespace
@@ -132,13 +133,12 @@ unsigned long OrvShare::check() {
     }
     // A small range that meets [start, end] starts in it or less than a
     // grain before it. Regions without ranges are passed over whole.
-    const uintptr_t perRegion = (uintptr_t)1 << (regionShift - grainShift);
     uintptr_t last = end >> grainShift;
     for (uintptr_t g = (start < smallBytes ? 0 : start - (smallBytes - 1)) >> grainShift;
          g <= last;) {
         const uint32_t* h = all.head(mine, g, false);
         if (!h) {
-            g = (g / perRegion + 1) * perRegion;
+            g = (g / grainsPerRegion + 1) * grainsPerRegion;
             continue;
         }
         for (uint32_t n = *h; n != none; n = all.small[n].next) {
