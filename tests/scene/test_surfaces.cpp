@@ -460,7 +460,7 @@ TEST(FaceSet, TableSearchesAgree) {
     for (int linear = 0; linear < 2; linear++) {
         _OrvNormalTableLinearSearch_ = linear;
         _OrvNormalTable_ table;
-        const float border = 3.0f / 65536.0f;
+        const float border = 3.0f / 4096.0f;
         EXPECT_EQ(table.find(Orv3dVector(border - 4e-7f, 0, 1)), 0u);
         EXPECT_EQ(table.find(Orv3dVector(border + 4e-7f, 0, 1)), 0u);
         EXPECT_EQ(table.find(Orv3dVector(border + 8e-7f, 0, 1)), 1u);

@@ -11,10 +11,13 @@ int _OrvNormalTableLinearSearch_ = 0;
 // The table of distinct normals
 // ---------------------------------------------------------------------------
 
-// Cells of 1/65536 in each axis: wider than twice the tolerance, so that a
-// vector within 1e-6 of another lies in the same cell or the next, and all
-// candidates are found in at most two cells an axis.
-static const double cellScale = 65536.0;
+// Cells of 1/4096 in each axis: far wider than twice the tolerance, so that
+// a vector within 1e-6 of another lies in the same cell or the next, and a
+// vector seldom lies near enough a border for the next cells to matter.
+static const double cellScale = 4096.0;
+// A vector at least this far (in cells) from each border of its cell has
+// every vector within 1e-6 of it in the same cell.
+static const double cellMargin = 1e-6 * cellScale * 1.01;
 // Beyond this the floats are too far apart to be within 1e-6 unless equal,
 // and the cell numbers would not fit; such vectors are searched in a list.
 static const double cellLimit = 33554432.0;
@@ -35,6 +38,24 @@ static inline uint64_t cellKey(int64_t x, int64_t y, int64_t z) {
 
 static const unsigned none = ~0u;
 
+// floor for the cell numbers, which lie well inside 64 bits; the library's
+// floor is a call on machines without a rounding instruction.
+static inline int64_t floorOf(double x) {
+    int64_t t = (int64_t)x;
+    return t - (x < (double)t);
+}
+
+// Where a cell's entry is sought first, and the short key it is known by:
+// the short key alone places the entries again when the table grows.
+static inline uint32_t shortKey(uint64_t key) {
+    return (uint32_t)((key * 0x9E3779B97F4A7C15ull) >> 32);
+}
+
+static inline uint64_t homeKey(const Orv3dVector& v) {
+    return cellKey(floorOf((double)v.x * cellScale), floorOf((double)v.y * cellScale),
+                   floorOf((double)v.z * cellScale));
+}
+
 _OrvNormalTable_::_OrvNormalTable_(size_t expected)
     : entries(64, Entry{0, none}), cells(0), linear(_OrvNormalTableLinearSearch_ != 0) {
     size_t room = 64;
@@ -46,9 +67,7 @@ _OrvNormalTable_::_OrvNormalTable_(size_t expected)
 
 // The head of a cell, or null when it has none and make is false.
 unsigned* _OrvNormalTable_::cell(uint64_t key, bool make) {
-    // The short key is also where the entry goes: a table twice the size
-    // places the entries again from it alone.
-    uint32_t short_ = (uint32_t)((key * 0x9E3779B97F4A7C15ull) >> 32);
+    uint32_t short_ = shortKey(key);
     size_t mask = entries.size() - 1;
     for (size_t i = short_ & mask;; i = (i + 1) & mask) {
         Entry& e = entries[i];
@@ -84,10 +103,10 @@ unsigned _OrvNormalTable_::find(const Orv3dVector& v) {
         int64_t home[3];
         bool alone = true;
         for (int k = 0; k < 3; k++) {
-            home[k] = (int64_t)std::floor((double)c[k] * cellScale);
-            lo[k] = (int64_t)std::floor(((double)c[k] - 1e-6) * cellScale);
-            hi[k] = (int64_t)std::floor(((double)c[k] + 1e-6) * cellScale);
-            alone = alone && lo[k] == hi[k];
+            double t = (double)c[k] * cellScale;  // exact: the scale is a power of two
+            home[k] = floorOf(t);
+            alone =
+                alone && t - (double)home[k] > cellMargin && t - (double)home[k] < 1 - cellMargin;
         }
         if (alone) {
             // All candidates are in the vector's own cell, the usual case:
@@ -101,6 +120,10 @@ unsigned _OrvNormalTable_::find(const Orv3dVector& v) {
             next.push_back(*head);
             *head = place;
             return place;
+        }
+        for (int k = 0; k < 3; k++) {
+            lo[k] = floorOf(((double)c[k] - 1e-6) * cellScale);
+            hi[k] = floorOf(((double)c[k] + 1e-6) * cellScale);
         }
         for (int64_t x = lo[0]; x <= hi[0]; x++)
             for (int64_t y = lo[1]; y <= hi[1]; y++)
@@ -121,10 +144,7 @@ unsigned _OrvNormalTable_::find(const Orv3dVector& v) {
     vectors.push_back(v);
     next.push_back(none);
     if (grid) {
-        unsigned* head = cell(cellKey((int64_t)std::floor((double)v.x * cellScale),
-                                      (int64_t)std::floor((double)v.y * cellScale),
-                                      (int64_t)std::floor((double)v.z * cellScale)),
-                              true);
+        unsigned* head = cell(homeKey(v), true);
         next[place] = *head;
         *head = place;
     }
@@ -135,57 +155,126 @@ unsigned _OrvNormalTable_::find(const Orv3dVector& v) {
 // Smoothing
 // ---------------------------------------------------------------------------
 
+// sum / count, normalised, as float arithmetic gives it. Each quotient is
+// taken in double and rounded once, which gives the same float, and keeps
+// the compiler from dividing whole registers whose unused lanes may hold
+// values that are slow to divide.
+static inline Orv3dVector averageOf(const Orv3dVector& sum, unsigned count) {
+    double c = count;
+    float x = (float)(sum.x / c), y = (float)(sum.y / c), z = (float)(sum.z / c);
+    double l = (float)std::sqrt((double)(x * x + y * y + z * z));
+    if (l == 0) return Orv3dVector(x, y, z);
+    return Orv3dVector((float)(x / l), (float)(y / l), (float)(z / l));
+}
+
+// What the walk knows of a point: the first face to reach it, in face order,
+// and the sum and number of the normals of all the faces round it. While
+// every one of those is within the crease of the first face, the point is
+// smooth: its first slot takes the average of them all, and so, by the
+// sharing of a normal within the crease, do all its other slots.
+struct _OrvCreasePoint_ {
+    Orv3dVector sum;
+    unsigned count = 0;
+    unsigned first = none;  // face
+    unsigned which = none;  // the normal sought for a smooth point
+    bool rough = false;
+};
+
+static inline bool within(const Orv3dVector& n, const Orv3dVector& other, double limit) {
+    return !((double)n.x * other.x + (double)n.y * other.y + (double)n.z * other.z < limit);
+}
+
 void _OrvCreaseNormals_(const _OrvCreaseMesh_& mesh, double creaseAngle,
                         std::vector<unsigned>& result, _OrvNormalTable_& table) {
     unsigned faces = (unsigned)mesh.faceNormal.size();
-    result.assign(mesh.slotPoint.size(), none);
-    // The faces round each point, in face order, with the slot each has
-    // there.
-    std::vector<unsigned> start(mesh.pointCount + 1, 0);
-    for (unsigned s : mesh.faceSlots) start[mesh.slotPoint[s] + 1]++;
-    for (unsigned p = 0; p < mesh.pointCount; p++) start[p + 1] += start[p];
-    std::vector<unsigned> round(mesh.faceSlots.size()), roundSlot(mesh.faceSlots.size());
-    std::vector<unsigned> fill(start.begin(), start.end() - 1);
-    for (unsigned f = 0; f < faces; f++)
-        for (unsigned k = mesh.faceStart[f]; k < mesh.faceStart[f + 1]; k++) {
-            unsigned slot = mesh.faceSlots[k];
-            unsigned at = fill[mesh.slotPoint[slot]]++;
-            round[at] = f;
-            roundSlot[at] = slot;
-        }
-
     double limit = std::cos(creaseAngle * M_PI / 180.0);
-    std::vector<unsigned> within;  // the faces round the point within the crease
+    result.assign(mesh.slotPoint.size(), none);
+
+    // One pass in face order, as the floor of the arithmetic: sums round the
+    // points, and which points are not smooth.
+    std::vector<_OrvCreasePoint_> at(mesh.pointCount);
+    // The tests walk every point the long way, to compare the two.
+    const bool everyPoint = _OrvNormalTableLinearSearch_ != 0;
+    bool anyRough = false;
+    for (unsigned f = 0; f < faces; f++) {
+        const Orv3dVector& n = mesh.faceNormal[f];
+        for (unsigned k = mesh.faceStart[f]; k < mesh.faceStart[f + 1]; k++) {
+            _OrvCreasePoint_& a = at[mesh.slotPoint[mesh.faceSlots[k]]];
+            if (a.first == none) a.first = f;
+            if (everyPoint || !within(mesh.faceNormal[a.first], n, limit))
+                anyRough = a.rough = true;
+            a.sum.x += n.x;
+            a.sum.y += n.y;
+            a.sum.z += n.z;
+            a.count++;
+        }
+    }
+
+    // The faces round each point that is not smooth, in face order, with the
+    // slot each has there.
+    std::vector<unsigned> start, round, roundSlot;
+    if (anyRough) {
+        start.assign(mesh.pointCount + 1, 0);
+        for (unsigned p = 0; p < mesh.pointCount; p++)
+            start[p + 1] = start[p] + (at[p].rough ? at[p].count : 0);
+        round.resize(start.back());
+        roundSlot.resize(start.back());
+        std::vector<unsigned> fill(start.begin(), start.end() - 1);
+        for (unsigned f = 0; f < faces; f++)
+            for (unsigned k = mesh.faceStart[f]; k < mesh.faceStart[f + 1]; k++) {
+                unsigned slot = mesh.faceSlots[k], p = mesh.slotPoint[slot];
+                if (!at[p].rough) continue;
+                unsigned r = fill[p]++;
+                round[r] = f;
+                roundSlot[r] = slot;
+            }
+    }
+
+    // The normals in the order the table is to meet them; each slot first
+    // notes which of them it takes.
+    std::vector<Orv3dVector> sought;
+    sought.reserve(mesh.pointCount);
+    std::vector<unsigned> inside;  // the faces round the point within the crease
     for (unsigned f = 0; f < faces; f++) {
         const Orv3dVector& n = mesh.faceNormal[f];
         for (unsigned k = mesh.faceStart[f]; k < mesh.faceStart[f + 1]; k++) {
             unsigned slot = mesh.faceSlots[k];
             if (result[slot] != none) continue;
             unsigned p = mesh.slotPoint[slot];
+            _OrvCreasePoint_& a = at[p];
+            if (!a.rough) {
+                if (a.which == none) {
+                    a.which = (unsigned)sought.size();
+                    sought.push_back(averageOf(a.sum, a.count));
+                }
+                result[slot] = a.which;
+                continue;
+            }
             Orv3dVector sum;
-            within.clear();
+            inside.clear();
             for (unsigned r = start[p]; r < start[p + 1]; r++) {
                 const Orv3dVector& other = mesh.faceNormal[round[r]];
-                if ((double)n.x * other.x + (double)n.y * other.y + (double)n.z * other.z < limit)
-                    continue;
+                if (!within(n, other, limit)) continue;
                 sum.x += other.x;
                 sum.y += other.y;
                 sum.z += other.z;
-                within.push_back(r);
+                inside.push_back(r);
             }
-            Orv3dVector v = n;
-            if (unsigned count = (unsigned)within.size()) {
-                v = Orv3dVector(sum.x / count, sum.y / count, sum.z / count);
-                v.normalize();
-            }
-            unsigned place = table.find(v);
-            result[slot] = place;
+            unsigned which = (unsigned)sought.size();
+            sought.push_back(inside.empty() ? n : averageOf(sum, (unsigned)inside.size()));
+            result[slot] = which;
             // The faces round the point that are within the crease of this
             // one take the same normal there, so each is computed once.
-            for (unsigned r : within)
-                if (result[roundSlot[r]] == none) result[roundSlot[r]] = place;
+            for (unsigned r : inside)
+                if (result[roundSlot[r]] == none) result[roundSlot[r]] = which;
         }
     }
+
+    // The table, in that order.
+    std::vector<unsigned> place(sought.size());
+    for (size_t i = 0; i < sought.size(); i++) place[i] = table.find(sought[i]);
+    for (unsigned& r : result)
+        if (r != none) r = place[r];
 }
 
 // ---------------------------------------------------------------------------

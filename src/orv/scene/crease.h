@@ -37,8 +37,8 @@ private:
     unsigned* cell(uint64_t key, bool make);
 };
 
-// Non-zero makes every table search from its start, as the tests do to
-// compare the two ways.
+// Non-zero makes every table search from its start, and the smoothing walk
+// the faces round every point, as the tests do to compare the two ways.
 extern int _OrvNormalTableLinearSearch_;
 
 // Faces over slots over points. A slot is where a vertex normal goes: one a
