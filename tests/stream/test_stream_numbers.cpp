@@ -51,6 +51,13 @@ float randomFloat(std::mt19937& random) {
     return f;
 }
 
+double randomDouble(std::mt19937& random) {
+    uint64_t bits = (uint64_t)random() << 32 | random();
+    double d;
+    memcpy(&d, &bits, sizeof d);
+    return d;
+}
+
 }  // namespace
 
 TEST(StreamNumbers, WrittenAsPrintfWrites) {
@@ -60,17 +67,26 @@ TEST(StreamNumbers, WrittenAsPrintfWrites) {
         INFINITY,        -INFINITY,       (double)0.1f,         (double)(1 / 3.0f)};
     std::istringstream plain(
         "0.0 -0.0 1 -1 0.5 1e-5 0.0001 0.00012345678 100000 999999 999999.5 999999.4 9999995 1e6 "
-        "123456789 0.001953125 1234565 2.5e-7 1e100 1e-300 4.89859e-17");
+        "123456789 0.001953125 1234565 2.5e-7 1e100 1e-300 4.89859e-17 9.999995e-5 "
+        "9.9999949e-5 999999.49999 1.0000051388151001e+28 9.99999e26 5e-324 "
+        "2.2250738585072014e-308");
     for (double v; plain >> v;) fixed.push_back(v);
-    // Every power of two a float has.
+    // Every power of two a float has; powers of ten and the doubles beside them.
     for (int e = -149; e <= 127; e++) fixed.push_back(std::ldexp(1.0, e));
+    for (int e = -30; e <= 30; e++) {
+        double p = std::pow(10.0, e);
+        for (double v : {std::nextafter(p, 0.0), p, std::nextafter(p, INFINITY)})
+            fixed.insert(fixed.end(), {v, (double)(float)v});
+    }
     for (double v : fixed) EXPECT_EQ(quick(v), printed(v)) << v;
-    // Random floats, and values of the kind meshes have.
+    // Random floats and doubles, and values of the kind meshes have.
     std::mt19937 random(20);
     std::uniform_real_distribution<float> near(-10, 10);
     for (int i = 0; i < 600000; i++) {
-        float f = i % 2 ? randomFloat(random) : near(random);
-        ASSERT_EQ(quick(f), printed(f)) << f;
+        double v = i % 3 == 0   ? randomFloat(random)
+                   : i % 3 == 1 ? near(random)
+                                : randomDouble(random);
+        ASSERT_EQ(quick(v), printed(v)) << v;
     }
 }
 
