@@ -339,12 +339,18 @@ void _OrvWriteFaceItems_(OrvOStream& out, const OrvFace& face) {
 }
 
 void _OrvWriteFaceItems_(OrvOStream& out, const OrvRGB* color, const Orv3dVector* normal) {
-    if (color)
-        out << *color;
-    else
-        _OrvLine_(out.stream).add(out.indent()).add("faceColor\tNone\n");
     _OrvLine_ line(out.stream);
-    line.add(out.indent()).add("faceNormal\t");
+    _OrvWriteFaceItems_(line, out.indent(), color, normal);
+}
+
+void _OrvWriteFaceItems_(_OrvLine_& line, const char* indent, const OrvRGB* color,
+                         const Orv3dVector* normal) {
+    line.add(indent).add("faceColor\t");
+    if (const OrvRGB* c = color)
+        line.add((double)c->red).add(' ').add((double)c->green).add(' ').add((double)c->blue);
+    else
+        line.add("None");
+    line.add('\n').add(indent).add("faceNormal\t");
     if (const Orv3dVector* n = normal)
         line.add((double)n->x).add(' ').add((double)n->y).add(' ').add((double)n->z);
     else

@@ -26,25 +26,41 @@ static struct _OrvRegisterVertexCalls_ {
 // Elements
 // ---------------------------------------------------------------------------
 
-static void put(_OrvLine_& l, const Orv3dPoint& p) {
-    l.add((double)p.x).add(' ').add((double)p.y).add(' ').add((double)p.z);
+// The text of an element, written at p, which has room for elementRoom
+// bytes; the end is returned.
+const size_t elementRoom = 4 * 32 + 3;
+
+static char* put(char* p, const float* values, unsigned count) {
+    for (unsigned k = 0; k < count; k++) {
+        if (k) *p++ = ' ';
+        p += OrvFormatG((double)values[k], p);
+    }
+    return p;
 }
-static void put(_OrvLine_& l, const Orv4dPoint& p) {
-    l.add((double)p.x).add(' ').add((double)p.y).add(' ').add((double)p.z);
-    l.add(' ').add((double)p.w);
+static char* put(char* p, const Orv3dPoint& v) {
+    const float values[3] = {v.x, v.y, v.z};
+    return put(p, values, 3);
 }
-static void put(_OrvLine_& l, const OrvRGB& c) {
-    l.add((double)c.red).add(' ').add((double)c.green).add(' ').add((double)c.blue);
+static char* put(char* p, const Orv4dPoint& v) {
+    const float values[4] = {v.x, v.y, v.z, v.w};
+    return put(p, values, 4);
 }
-static void put(_OrvLine_& l, const Orv3dVector& v) {
-    l.add((double)v.x).add(' ').add((double)v.y).add(' ').add((double)v.z);
+static char* put(char* p, const OrvRGB& c) {
+    const float values[3] = {c.red, c.green, c.blue};
+    return put(p, values, 3);
 }
-static void put(_OrvLine_& l, const OrvTextureUV& t) {
-    l.add((double)t.u).add(' ').add((double)t.v);
+static char* put(char* p, const Orv3dVector& v) {
+    const float values[3] = {v.x, v.y, v.z};
+    return put(p, values, 3);
+}
+static char* put(char* p, const OrvTextureUV& t) {
+    const float values[2] = {t.u, t.v};
+    return put(p, values, 2);
 }
 // An edge is its byte: the values 0 and 1 stand in the file as such.
-static void put(_OrvLine_& l, const OrvEdge& e) {
-    l.add((char)e);
+static char* put(char* p, const OrvEdge& e) {
+    *p++ = (char)e;
+    return p;
 }
 
 static bool take(std::istream& in, Orv3dPoint& p) {
@@ -80,12 +96,15 @@ static void writeElements(OrvOStream& out, const T* values, unsigned count) {
     out.indentation++;
     const char* indent = out.indent();
     out.indentation--;
-    _OrvLine_ line(out.stream);
+    size_t indentLength = strlen(indent);
+    _OrvLine_ line(out.stream, count > 16 ? _OrvLine_::bulkSize : _OrvLine_::lineSize);
     for (unsigned i = 0; i < count; i++) {
-        line.add(indent);
-        put(line, values[i]);
-        if (i + 1 < count) line.add(',');
-        line.add('\n');
+        char* p = line.room(indentLength + elementRoom + 2);
+        memcpy(p, indent, indentLength);
+        p = put(p + indentLength, values[i]);
+        if (i + 1 < count) *p++ = ',';
+        *p++ = '\n';
+        line.commit(p);
     }
 }
 
@@ -93,16 +112,22 @@ void _OrvWriteValues_(OrvOStream& out, const unsigned* values, unsigned count) {
     out.indentation++;
     const char* indent = out.indent();
     out.indentation--;
-    _OrvLine_ line(out.stream);
+    size_t indentLength = strlen(indent);
+    _OrvLine_ line(out.stream, count > 16 ? _OrvLine_::bulkSize : _OrvLine_::lineSize);
     for (unsigned i = 0; i < count; i++) {
-        if (i % 10 == 0) line.add(indent);
-        line.add((unsigned long)values[i]);
-        if (i + 1 == count)
-            line.add('\n');
-        else if (i % 10 == 9)
-            line.add(",\n");
-        else
-            line.add(", ");
+        char* p = line.room(indentLength + 20 + 2);
+        if (i % 10 == 0) {
+            memcpy(p, indent, indentLength);
+            p += indentLength;
+        }
+        p += OrvFormatUnsigned(values[i], p);
+        if (i + 1 == count) {
+            *p++ = '\n';
+        } else {
+            *p++ = ',';
+            *p++ = i % 10 == 9 ? '\n' : ' ';
+        }
+        line.commit(p);
     }
 }
 
@@ -786,8 +811,9 @@ OrvIStream& OrvIStream::operator>>(OrvShare*& share) {
 OrvOStream& OrvOStream::operator<<(const OrvRGB& color) {
     _OrvLine_ line(stream);
     line.add(indent()).add("faceColor\t");
-    put(line, color);
-    line.add('\n');
+    char* p = put(line.room(elementRoom + 1), color);
+    *p++ = '\n';
+    line.commit(p);
     return *this;
 }
 
