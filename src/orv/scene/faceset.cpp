@@ -326,6 +326,9 @@ static bool readCompact(OrvIStream& in, OrvFaceSet& set, unsigned long faceCount
     const OrvShare* limits[5] = {s[0], s[1], s[2], s[4], s[3]};
     const char* names[5] = {"point", "color", "normal", "edge", "texture"};
     unsigned long at = 0;
+    // The faces' items are read ahead of the stream, which is not used
+    // otherwise until the scanner goes.
+    OrvScanner scanner(in.stream, true);
     for (unsigned n : sizes) {
         // The face joins the set once its box is known, as add takes it.
         OrvFace* face = new OrvFace;
@@ -349,7 +352,7 @@ static bool readCompact(OrvIStream& in, OrvFaceSet& set, unsigned long faceCount
         face->setVertexIndex(new OrvShare(used * n, index, 0, 1));
         set.add(face);
         at += n;
-        if (!_OrvReadFaceItems_(in, *face)) return false;
+        if (!_OrvReadFaceItems_(in, scanner, *face)) return false;
     }
     return true;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 class _OrvLine_;
+class OrvScanner;
 
 // The three faults of a bracketed list; each may hold one %s for the name.
 struct _OrvListMessages_ {
@@ -52,7 +53,8 @@ void _OrvWriteFaceItems_(OrvOStream& out, const OrvRGB* color, const Orv3dVector
 // set write theirs into one.
 void _OrvWriteFaceItems_(_OrvLine_& line, const char* indent, const OrvRGB* color,
                          const Orv3dVector* normal);
-bool _OrvReadFaceItems_(OrvIStream& in, OrvFace& face);
+// Read through the scanner given; in takes the messages.
+bool _OrvReadFaceItems_(OrvIStream& in, OrvScanner& scanner, OrvFace& face);
 
 // A closing brace, after what separates items.
 bool _OrvReadClosing_(OrvIStream& in);

@@ -63,29 +63,28 @@ static char* put(char* p, const OrvEdge& e) {
     return p;
 }
 
-static bool take(std::istream& in, Orv3dPoint& p) {
-    return OrvScanNumber(in, p.x) && OrvScanNumber(in, p.y) && OrvScanNumber(in, p.z);
+static bool take(OrvScanner& in, Orv3dPoint& p) {
+    return in.number(p.x) && in.number(p.y) && in.number(p.z);
 }
-static bool take(std::istream& in, Orv4dPoint& p) {
-    return OrvScanNumber(in, p.x) && OrvScanNumber(in, p.y) && OrvScanNumber(in, p.z) &&
-           OrvScanNumber(in, p.w);
+static bool take(OrvScanner& in, Orv4dPoint& p) {
+    return in.number(p.x) && in.number(p.y) && in.number(p.z) && in.number(p.w);
 }
-static bool take(std::istream& in, OrvRGB& c) {
-    return OrvScanNumber(in, c.red) && OrvScanNumber(in, c.green) && OrvScanNumber(in, c.blue);
+static bool take(OrvScanner& in, OrvRGB& c) {
+    return in.number(c.red) && in.number(c.green) && in.number(c.blue);
 }
-static bool take(std::istream& in, Orv3dVector& v) {
-    return OrvScanNumber(in, v.x) && OrvScanNumber(in, v.y) && OrvScanNumber(in, v.z);
+static bool take(OrvScanner& in, Orv3dVector& v) {
+    return in.number(v.x) && in.number(v.y) && in.number(v.z);
 }
-static bool take(std::istream& in, OrvTextureUV& t) {
-    return OrvScanNumber(in, t.u) && OrvScanNumber(in, t.v);
+static bool take(OrvScanner& in, OrvTextureUV& t) {
+    return in.number(t.u) && in.number(t.v);
 }
-static bool take(std::istream& in, unsigned& v) {
-    return OrvScanNumber(in, v);
+static bool take(OrvScanner& in, unsigned& v) {
+    return in.number(v);
 }
 // Read by character extraction, which skips blanks: a zero byte is a value.
-static bool take(std::istream& in, OrvEdge& e) {
+static bool take(OrvScanner& in, OrvEdge& e) {
     char c;
-    if (!OrvScanChar(in, c)) return false;
+    if (!in.take(c)) return false;
     e = (OrvEdge)c;
     return true;
 }
@@ -138,21 +137,23 @@ static int listFault(OrvIStream& in, const char* format, const _OrvListMessages_
 template <class T>
 static bool readElements(OrvIStream& in, unsigned count, std::vector<T>& values,
                          const _OrvListMessages_& m, bool upTo = false) {
-    std::istream& s = in.stream;
+    // The list is read ahead of the stream; what is left goes back before
+    // the stream is used again (messages do not read).
+    OrvScanner s(in.stream, true);
     char c = 0;
-    in.nextItem();
-    if (!OrvScanChar(s, c) || c != '[') return listFault(in, m.begin, m);
+    s.nextItem();
+    if (!s.take(c) || c != '[') return listFault(in, m.begin, m);
     values.clear();
     if (upTo) {
-        if (OrvScanSkip(s) && OrvScanPeek(s) == ']') {
-            OrvScanGet(s);
+        if (s.skip() && s.peek() == ']') {
+            s.get();
             return true;
         }
         for (;;) {
             T v{};
             if (values.size() == count || !take(s, v)) return listFault(in, m.end, m);
             values.push_back(v);
-            if (!OrvScanChar(s, c)) return listFault(in, m.end, m);
+            if (!s.take(c)) return listFault(in, m.end, m);
             if (c == ']') return true;
             if (c != ',') return listFault(in, m.comma, m);
         }
@@ -163,9 +164,9 @@ static bool readElements(OrvIStream& in, unsigned count, std::vector<T>& values,
         T v{};
         if (!take(s, v)) return listFault(in, i + 1 < count ? m.comma : m.end, m);
         values.push_back(v);
-        if (i + 1 < count && (!OrvScanChar(s, c) || c != ',')) return listFault(in, m.comma, m);
+        if (i + 1 < count && (!s.take(c) || c != ',')) return listFault(in, m.comma, m);
     }
-    if (!OrvScanChar(s, c) || c != ']') return listFault(in, m.end, m);
+    if (!s.take(c) || c != ']') return listFault(in, m.end, m);
     return true;
 }
 
@@ -826,7 +827,8 @@ OrvIStream& OrvIStream::operator>>(OrvRGB& color) {
         return *this;
     }
     OrvRGB c;
-    if (take(stream, c)) color = c;
+    OrvScanner scanner(stream);
+    if (take(scanner, c)) color = c;
     return *this;
 }
 
