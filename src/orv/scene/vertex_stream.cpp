@@ -89,6 +89,38 @@ static bool take(OrvScanner& in, OrvEdge& e) {
     return true;
 }
 
+// An element of plain numbers and its comma at once, as the scanner can
+// take them most of the time; false leaves both to take.
+template <unsigned width, class T>
+static bool quickFloats(OrvScanner& in, T& value) {
+    static_assert(sizeof(T) == width * sizeof(float), "the element is its floats, in order");
+    float f[width];
+    if (!in.quick(f, width, ',')) return false;
+    memcpy(&value, f, sizeof value);
+    return true;
+}
+static bool quick(OrvScanner& in, Orv3dPoint& p) {
+    return quickFloats<3>(in, p);
+}
+static bool quick(OrvScanner& in, Orv4dPoint& p) {
+    return quickFloats<4>(in, p);
+}
+static bool quick(OrvScanner& in, OrvRGB& c) {
+    return quickFloats<3>(in, c);
+}
+static bool quick(OrvScanner& in, Orv3dVector& v) {
+    return quickFloats<3>(in, v);
+}
+static bool quick(OrvScanner& in, OrvTextureUV& t) {
+    return quickFloats<2>(in, t);
+}
+static bool quick(OrvScanner& in, unsigned& v) {
+    return in.quick(v, ',');
+}
+static bool quick(OrvScanner&, OrvEdge&) {
+    return false;
+}
+
 // One element a line at one more level, a comma after each but the last.
 template <class T>
 static void writeElements(OrvOStream& out, const T* values, unsigned count) {
@@ -162,6 +194,10 @@ static bool readElements(OrvIStream& in, unsigned count, std::vector<T>& values,
     values.reserve(count < 65536 ? count : 65536);
     for (unsigned i = 0; i < count; i++) {
         T v{};
+        if (i + 1 < count && quick(s, v)) {
+            values.push_back(v);
+            continue;
+        }
         if (!take(s, v)) return listFault(in, i + 1 < count ? m.comma : m.end, m);
         values.push_back(v);
         if (i + 1 < count && (!s.take(c) || c != ',')) return listFault(in, m.comma, m);

@@ -102,7 +102,7 @@ int OrvIStream::fault(const char* format, ...) {
 }
 
 void OrvIStream::nextItem() {
-    OrvScanner(stream).nextItem();
+    OrvScanNextItem(stream);
 }
 
 void OrvIStream::word(char* buffer) {

@@ -9,8 +9,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <limits>
 #include <sstream>
 #include <streambuf>
+#include <type_traits>
 #include <typeinfo>
 
 typedef std::char_traits<char> Traits;
@@ -23,8 +25,39 @@ static bool isDigit(int c) {
 }
 
 // ---------------------------------------------------------------------------
-// The scanner
+// Sources of characters
 // ---------------------------------------------------------------------------
+
+// Each reading below is written once for either source: the stream's buffer
+// a character at a time, or a scanner that reads ahead. Sources are small
+// handles passed by value, so that the compiler keeps the buffer's pointer
+// in a register: through memory, every character stored would make it
+// reload it.
+struct BufferSource {
+    std::istream& stream;
+    std::streambuf* buffer;
+
+    explicit BufferSource(std::istream& in) : stream(in), buffer(in.rdbuf()) {}
+    bool ready() {
+        if (stream.good()) return true;
+        stream.setstate(std::ios::failbit);
+        return false;
+    }
+    int current() { return buffer->sgetc(); }
+    int advance() { return buffer->snextc(); }
+    void bump() { buffer->sbumpc(); }
+};
+
+struct AheadSource {
+    OrvScanner* scanner;
+    std::istream& stream;
+
+    explicit AheadSource(OrvScanner& s) : scanner(&s), stream(s.stream) {}
+    bool ready() { return scanner->ready(); }
+    int current() { return scanner->current(); }
+    int advance() { return scanner->advance(); }
+    void bump() { scanner->bump(); }
+};
 
 // Pieces read ahead start small, so that a short list costs little to give
 // back, and grow to this.
@@ -48,7 +81,7 @@ OrvScanner::~OrvScanner() {
 
 int OrvScanner::fill() {
     int c = buffer->sgetc();
-    if (c == Traits::eof()) return c;
+    if (!text || c == Traits::eof()) return c;
     // After sgetc the get area holds at least one character, and in_avail
     // counts those there.
     std::streamsize n = buffer->in_avail();
@@ -61,80 +94,101 @@ int OrvScanner::fill() {
     return (unsigned char)*at;
 }
 
-int OrvScanner::peek() {
-    if (!ready()) return Traits::eof();
-    int c = current();
-    if (c == Traits::eof()) state.setstate(std::ios::eofbit);
-    return c;
-}
-
-int OrvScanner::get() {
-    if (!ready()) return Traits::eof();
-    int c = current();
-    if (c == Traits::eof()) {
-        state.setstate(std::ios::eofbit | std::ios::failbit);
-        return c;
-    }
-    bump();
-    return c;
-}
-
-// What skip does, where the numbers can have it inline.
-static bool skipBlanks(OrvScanner& in) {
-    if (!in.ready()) return false;
+// Runs inside the piece read ahead are walked from a local cursor, which
+// the copying of characters cannot make the compiler reload; the buffer has
+// no such runs.
+static void blankRun(BufferSource) {}
+static void blankRun(AheadSource s) {
+    OrvScanner& in = *s.scanner;
     const char* p = in.at;
     while (p < in.end && isBlank((unsigned char)*p)) p++;
     in.at = p;
-    int c = in.current();
-    while (isBlank(c)) c = in.advance();
+}
+static size_t wordRun(BufferSource, char*, size_t n, size_t) {
+    return n;
+}
+static size_t wordRun(AheadSource s, char* out, size_t n, size_t size) {
+    OrvScanner& in = *s.scanner;
+    const char* p = in.at;
+    while (n + 1 < size && p < in.end && !isBlank((unsigned char)*p)) out[n++] = *p++;
+    in.at = p;
+    return n;
+}
+
+// ---------------------------------------------------------------------------
+// Characters and words
+// ---------------------------------------------------------------------------
+
+template <class Source>
+static int peekIn(Source s) {
+    if (!s.ready()) return Traits::eof();
+    int c = s.current();
+    if (c == Traits::eof()) s.stream.setstate(std::ios::eofbit);
+    return c;
+}
+
+template <class Source>
+static int getIn(Source s) {
+    if (!s.ready()) return Traits::eof();
+    int c = s.current();
     if (c == Traits::eof()) {
-        in.stream.setstate(std::ios::eofbit | std::ios::failbit);
+        s.stream.setstate(std::ios::eofbit | std::ios::failbit);
+        return c;
+    }
+    s.bump();
+    return c;
+}
+
+template <class Source>
+static bool skipIn(Source s) {
+    if (!s.ready()) return false;
+    blankRun(s);
+    int c = s.current();
+    while (isBlank(c)) c = s.advance();
+    if (c == Traits::eof()) {
+        s.stream.setstate(std::ios::eofbit | std::ios::failbit);
         return false;
     }
     return true;
 }
 
-bool OrvScanner::skip() {
-    return skipBlanks(*this);
-}
-
-void OrvScanner::nextItem() {
+template <class Source>
+static void nextItemIn(Source s) {
     // Comments and separators may alternate any number of times; a loop
     // keeps a long run of them from deepening the stack.
-    if (peek() == Traits::eof()) return;
+    if (peekIn(s) == Traits::eof()) return;
     const int eof = Traits::eof();
-    int c = current();
+    int c = s.current();
     for (;;) {
         while (c == '%')
-            while (c != '\n' && c != eof) c = advance();
+            while (c != '\n' && c != eof) c = s.advance();
         if (c != ' ' && c != '\t' && c != '\n') break;
-        while (c == ' ' || c == '\t' || c == '\n') c = advance();
+        while (c == ' ' || c == '\t' || c == '\n') c = s.advance();
         if (c != '%') break;
     }
-    if (c == eof) state.setstate(std::ios::eofbit);
+    if (c == eof) s.stream.setstate(std::ios::eofbit);
 }
 
-bool OrvScanner::take(char& c) {
-    if (!skipBlanks(*this)) return false;
-    c = (char)current();
-    bump();
+template <class Source>
+static bool takeIn(Source s, char& c) {
+    if (!skipIn(s)) return false;
+    c = (char)s.current();
+    s.bump();
     return true;
 }
 
-bool OrvScanner::word(char* out, size_t size) {
+template <class Source>
+static bool wordIn(Source s, char* out, size_t size) {
     out[0] = 0;
-    if (!skipBlanks(*this)) return false;
-    size_t n = 0;
-    const char* p = at;
-    while (n + 1 < size && p < end && !isBlank((unsigned char)*p)) out[n++] = *p++;
-    at = p;
-    int c = current();
+    if (!skipIn(s)) return false;
+    size_t n = wordRun(s, out, 0, size);
+    int c = s.current();
     while (n + 1 < size && c != Traits::eof() && !isBlank(c)) {
         out[n++] = (char)c;
-        c = advance();
+        c = s.advance();
     }
     out[n] = 0;
-    if (c == Traits::eof()) state.setstate(std::ios::eofbit);
+    if (c == Traits::eof()) s.stream.setstate(std::ios::eofbit);
     return true;
 }
 
@@ -174,7 +228,7 @@ struct NumberText {
 // sign and digits, and for a float a fraction and an exponent. They go into
 // t, at most size - 1 of them; the character after them is returned.
 template <class Source>
-static int takeDecimal(Source& source, size_t size, bool fraction, NumberText& t) {
+static int takeDecimal(Source source, size_t size, bool fraction, NumberText& t) {
     // Kept in locals while the characters go into the text, which the
     // compiler must otherwise assume they could overwrite.
     Decimal d;
@@ -226,84 +280,25 @@ static int takeDecimal(Source& source, size_t size, bool fraction, NumberText& t
     return c;
 }
 
-// The characters of the piece read ahead, for takeDecimal: the end of the
-// piece stops a number as any other character would.
-static const int pieceEnd = -2;  // neither a character nor eof
-
-struct PieceSource {
-    const char* p;
-    const char* end;
-    int current() const { return p < end ? (unsigned char)*p : pieceEnd; }
-    int advance() {
-        p++;
-        return current();
-    }
-};
-
 // A number after blanks; false without digits, or with more characters than
 // size allows.
-static bool takeNumber(OrvScanner& in, size_t size, bool fraction, NumberText& t) {
-    if (!in.ready()) return false;
-    // Most numbers lie whole in the piece read ahead, blanks before them
-    // included, and are read there from a cursor of their own; one that
-    // meets the end of the piece is taken a character at a time.
-    const char* p = in.at;
-    while (p < in.end && isBlank((unsigned char)*p)) p++;
-    int c = pieceEnd;
-    if (p < in.end) {
-        PieceSource piece{p, in.end};
-        c = takeDecimal(piece, size, fraction, t);
-        if (c != pieceEnd) in.at = piece.p;
-    }
-    if (c == pieceEnd) {
-        if (!skipBlanks(in)) return false;
-        c = takeDecimal(in, size, fraction, t);
-    }
-    if (c == Traits::eof()) in.stream.setstate(std::ios::eofbit);
+template <class Source>
+static bool takeNumber(Source s, size_t size, bool fraction, NumberText& t) {
+    if (!skipIn(s)) return false;
+    if (takeDecimal(s, size, fraction, t) == Traits::eof()) s.stream.setstate(std::ios::eofbit);
     if (!t.digits || t.length + 1 >= size) {
-        in.stream.setstate(std::ios::failbit);
+        s.stream.setstate(std::ios::failbit);
         return false;
     }
     return true;
 }
 
-// The bulk of vertex lists: a number of plain digits (for a float, with a
-// sign, a point and more digits), after blanks and whole inside the piece
-// read ahead, is read there at once into d, and its end returned; it is the
-// caller's to move the cursor there. Anything else (exponents, more than 18
-// digits, the piece's end) gives null and is left to takeNumber.
-static const char* quickNumber(const OrvScanner& in, bool fraction, Decimal& d) {
-    const char* p = in.at;
-    const char* end = in.end;
-    while (p < end && isBlank((unsigned char)*p)) p++;
-    bool negative = false;
-    if (fraction && p < end && (*p == '-' || *p == '+')) negative = *p++ == '-';
-    unsigned long long digits = 0;  // in locals, not through d, to stay in registers
-    long scale = 0;
-    int count = 0;
-    for (; p < end && isDigit(*p); p++, count++) digits = digits * 10 + (unsigned)(*p - '0');
-    if (fraction && p < end && *p == '.')
-        for (p++; p < end && isDigit(*p); p++, count++, scale--)
-            digits = digits * 10 + (unsigned)(*p - '0');
-    if (count == 0 || count > 18 || p == end || *p == 'e' || *p == 'E') return nullptr;
-    d.digits = digits;
-    d.scale = scale;
-    d.negative = negative;
-    return p;
-}
-
 // Unsigned values accept a minus sign and wrap, as the standard reading does;
 // a magnitude beyond the type fails.
-static bool takeUnsigned(OrvScanner& in, unsigned long long max, unsigned long long& value) {
-    Decimal quick;
-    const char* after = in.ready() ? quickNumber(in, false, quick) : nullptr;
-    if (after && quick.digits <= max) {
-        in.at = after;
-        value = quick.digits;
-        return true;
-    }
+template <class Source>
+static bool takeUnsigned(Source s, unsigned long long max, unsigned long long& value) {
     NumberText t;
-    if (!takeNumber(in, 64, false, t)) return false;
+    if (!takeNumber(s, 64, false, t)) return false;
     unsigned long long magnitude = t.value.digits;
     bool range = false;
     if (!t.value.exact) {
@@ -313,60 +308,24 @@ static bool takeUnsigned(OrvScanner& in, unsigned long long max, unsigned long l
         range = errno == ERANGE;
     }
     if (range || magnitude > max) {
-        in.stream.setstate(std::ios::failbit);
+        s.stream.setstate(std::ios::failbit);
         return false;
     }
     value = t.text[0] == '-' ? (0 - magnitude) & max : magnitude;
     return true;
 }
 
-static bool takeSigned(OrvScanner& in, long long min, long long max, long long& value) {
+template <class Source>
+static bool takeSigned(Source s, long long min, long long max, long long& value) {
     NumberText t;
-    if (!takeNumber(in, 64, false, t)) return false;
+    if (!takeNumber(s, 64, false, t)) return false;
     errno = 0;
     long long v = strtoll(t.text, nullptr, 10);
     if (errno == ERANGE || v < min || v > max) {
-        in.stream.setstate(std::ios::failbit);
+        s.stream.setstate(std::ios::failbit);
         return false;
     }
     value = v;
-    return true;
-}
-
-bool OrvScanner::number(unsigned short& value) {
-    unsigned long long v;
-    if (!takeUnsigned(*this, USHRT_MAX, v)) return false;
-    value = (unsigned short)v;
-    return true;
-}
-bool OrvScanner::number(unsigned int& value) {
-    unsigned long long v;
-    if (!takeUnsigned(*this, UINT_MAX, v)) return false;
-    value = (unsigned int)v;
-    return true;
-}
-bool OrvScanner::number(unsigned long& value) {
-    unsigned long long v;
-    if (!takeUnsigned(*this, ULONG_MAX, v)) return false;
-    value = (unsigned long)v;
-    return true;
-}
-bool OrvScanner::number(short& value) {
-    long long v;
-    if (!takeSigned(*this, SHRT_MIN, SHRT_MAX, v)) return false;
-    value = (short)v;
-    return true;
-}
-bool OrvScanner::number(int& value) {
-    long long v;
-    if (!takeSigned(*this, INT_MIN, INT_MAX, v)) return false;
-    value = (int)v;
-    return true;
-}
-bool OrvScanner::number(long& value) {
-    long long v;
-    if (!takeSigned(*this, LONG_MIN, LONG_MAX, v)) return false;
-    value = (long)v;
     return true;
 }
 
@@ -384,9 +343,10 @@ static bool quickDouble(const Decimal& d, double& v) {
     return true;
 }
 
-bool OrvScanner::number(double& value) {
+template <class Source>
+static bool takeDouble(Source s, double& value) {
     NumberText t;
-    if (!takeNumber(*this, 128, true, t)) return false;
+    if (!takeNumber(s, 128, true, t)) return false;
     double quick;
     if (quickDouble(t.value, quick)) {
         value = quick;
@@ -395,18 +355,31 @@ bool OrvScanner::number(double& value) {
     errno = 0;
     double v = strtod(t.text, nullptr);
     if (errno == ERANGE && (v > 1 || v < -1)) {
-        state.setstate(std::ios::failbit);
+        s.stream.setstate(std::ios::failbit);
         return false;
     }
     value = v;
     return true;
 }
 
-// The double of the fast path rounded to a float is the float of the text,
-// unless the double lies within a unit of its last place of a point halfway
-// between two floats; such numbers, and those outside the normal floats, go
-// to the C library.
+// Digits and a power of ten that a float holds exactly give the correctly
+// rounded float in one float operation, where floats are computed as floats.
+// Otherwise the double of the fast path rounded to a float is the float of
+// the text, unless the double lies within a unit of its last place of a
+// point halfway between two floats; such numbers, and those outside the
+// normal floats, go to the C library.
+static const float floatPowers[11] = {1e0f, 1e1f, 1e2f, 1e3f, 1e4f, 1e5f,
+                                      1e6f, 1e7f, 1e8f, 1e9f, 1e10f};
+
 static bool quickFloat(const Decimal& d, float& f) {
+#if FLT_EVAL_METHOD == 0
+    if (d.exact && d.digits <= (1u << 24) && d.scale >= -10 && d.scale <= 10) {
+        float v = d.scale >= 0 ? (float)d.digits * floatPowers[d.scale]
+                               : (float)d.digits / floatPowers[-d.scale];
+        f = d.negative ? -v : v;
+        return true;
+    }
+#endif
     double v;
     if (!quickDouble(d, v)) return false;
     double a = std::fabs(v);
@@ -419,17 +392,10 @@ static bool quickFloat(const Decimal& d, float& f) {
     return true;
 }
 
-bool OrvScanner::number(float& value) {
-    Decimal d;
-    const char* after = ready() ? quickNumber(*this, true, d) : nullptr;
-    float f;
-    if (after && quickFloat(d, f)) {
-        at = after;
-        value = f;
-        return true;
-    }
+template <class Source>
+static bool takeFloat(Source s, float& value) {
     NumberText t;
-    if (!takeNumber(*this, 128, true, t)) return false;
+    if (!takeNumber(s, 128, true, t)) return false;
     float quick;
     if (quickFloat(t.value, quick)) {
         value = quick;
@@ -438,31 +404,158 @@ bool OrvScanner::number(float& value) {
     errno = 0;
     float v = strtof(t.text, nullptr);
     if (errno == ERANGE && (v > 1 || v < -1)) {
-        state.setstate(std::ios::failbit);
+        s.stream.setstate(std::ios::failbit);
         return false;
     }
     value = v;
     return true;
 }
 
-// The characters of a word, for takeDecimal.
-struct WordSource {
-    const char* p;
-    int current() const { return *p ? (unsigned char)*p : Traits::eof(); }
-    int advance() {
-        if (*p) p++;
-        return current();
+// Values of the smaller types, read as the largest.
+template <class Source, class T>
+static bool takeWhole(Source s, T& value) {
+    if constexpr (std::is_unsigned<T>::value) {
+        unsigned long long v;
+        if (!takeUnsigned(s, std::numeric_limits<T>::max(), v)) return false;
+        value = (T)v;
+    } else {
+        long long v;
+        if (!takeSigned(s, std::numeric_limits<T>::min(), std::numeric_limits<T>::max(), v))
+            return false;
+        value = (T)v;
     }
-};
+    return true;
+}
+
+// The bulk of vertex lists: a number of plain digits (for a float, with a
+// sign, a point and more digits) after blanks, from p on and whole before
+// end, is read at once into d and its end returned. Anything else
+// (exponents, more than 18 digits, the end of the piece) gives null and is
+// left to takeNumber.
+static inline const char* plainNumber(const char* p, const char* end, bool fraction, Decimal& d) {
+    while (p < end && isBlank((unsigned char)*p)) p++;
+    bool negative = false;
+    if (fraction && p < end && (*p == '-' || *p == '+')) negative = *p++ == '-';
+    unsigned long long digits = 0;  // in locals, not through d, to stay in registers
+    long scale = 0;
+    int count = 0;
+    for (; p < end && isDigit(*p); p++, count++) digits = digits * 10 + (unsigned)(*p - '0');
+    if (fraction && p < end && *p == '.')
+        for (p++; p < end && isDigit(*p); p++, count++, scale--)
+            digits = digits * 10 + (unsigned)(*p - '0');
+    if (count == 0 || count > 18 || p == end || *p == 'e' || *p == 'E') return nullptr;
+    d.digits = digits;
+    d.scale = scale;
+    d.negative = negative;
+    return p;
+}
+
+// ---------------------------------------------------------------------------
+// The scanner's readings
+// ---------------------------------------------------------------------------
+
+// A plain scanner reads through the buffer, as the calls alone do; one
+// that reads ahead, through itself.
+template <class Read>
+static auto readWith(OrvScanner& scanner, Read read) {
+    if (scanner.readsAhead()) return read(AheadSource(scanner));
+    return read(BufferSource(scanner.stream));
+}
+
+int OrvScanner::peek() {
+    return readWith(*this, [](auto s) { return peekIn(s); });
+}
+int OrvScanner::get() {
+    return readWith(*this, [](auto s) { return getIn(s); });
+}
+bool OrvScanner::skip() {
+    return readWith(*this, [](auto s) { return skipIn(s); });
+}
+void OrvScanner::nextItem() {
+    readWith(*this, [](auto s) { nextItemIn(s); });
+}
+bool OrvScanner::take(char& c) {
+    return readWith(*this, [&](auto s) { return takeIn(s, c); });
+}
+bool OrvScanner::word(char* out, size_t size) {
+    return readWith(*this, [&](auto s) { return wordIn(s, out, size); });
+}
+bool OrvScanner::number(unsigned short& value) {
+    return readWith(*this, [&](auto s) { return takeWhole(s, value); });
+}
+bool OrvScanner::number(short& value) {
+    return readWith(*this, [&](auto s) { return takeWhole(s, value); });
+}
+bool OrvScanner::number(int& value) {
+    return readWith(*this, [&](auto s) { return takeWhole(s, value); });
+}
+bool OrvScanner::number(unsigned long& value) {
+    return readWith(*this, [&](auto s) { return takeWhole(s, value); });
+}
+bool OrvScanner::number(long& value) {
+    return readWith(*this, [&](auto s) { return takeWhole(s, value); });
+}
+bool OrvScanner::number(double& value) {
+    return readWith(*this, [&](auto s) { return takeDouble(s, value); });
+}
+
+// Index values and floats, the bulk of vertex lists, try the plain number
+// in the piece first.
+bool OrvScanner::number(unsigned int& value) {
+    Decimal d;
+    const char* after = ready() ? plainNumber(at, end, false, d) : nullptr;
+    if (after && d.digits <= UINT_MAX) {
+        at = after;
+        value = (unsigned)d.digits;
+        return true;
+    }
+    return readWith(*this, [&](auto s) { return takeWhole(s, value); });
+}
+bool OrvScanner::number(float& value) {
+    Decimal d;
+    const char* after = ready() ? plainNumber(at, end, true, d) : nullptr;
+    float f;
+    if (after && quickFloat(d, f)) {
+        at = after;
+        value = f;
+        return true;
+    }
+    return readWith(*this, [&](auto s) { return takeFloat(s, value); });
+}
+
+bool OrvScanner::quick(unsigned& value, char separator) {
+    Decimal d;
+    const char* p = state.good() ? plainNumber(at, end, false, d) : nullptr;
+    if (!p || d.digits > UINT_MAX) return false;
+    while (p < end && isBlank((unsigned char)*p)) p++;
+    if (p == end || *p != separator) return false;
+    at = p + 1;
+    value = (unsigned)d.digits;
+    return true;
+}
+
+bool OrvScanner::quick(float* values, unsigned count, char separator) {
+    const char* p = state.good() ? at : nullptr;
+    for (unsigned k = 0; p && k < count; k++) {
+        Decimal d;
+        p = plainNumber(p, end, true, d);
+        if (p && !quickFloat(d, values[k])) p = nullptr;
+    }
+    if (!p) return false;
+    while (p < end && isBlank((unsigned char)*p)) p++;
+    if (p == end || *p != separator) return false;
+    at = p + 1;
+    return true;
+}
 
 bool OrvParseFloat(const char* word, float& value) {
     // A plain decimal number that is the whole word has the quick value;
-    // the rest (hexadecimal, infinities, ranges) is the C library's.
-    WordSource source{word};
-    NumberText t;
+    // the rest (exponents, hexadecimal, infinities) is the C library's. The
+    // word's terminating zero is what ends the number.
+    const char* last = word + strlen(word);
+    Decimal d;
     float quick;
-    if (takeDecimal(source, sizeof t.text, true, t) == Traits::eof() && t.digits &&
-        t.length + 1 < sizeof t.text && quickFloat(t.value, quick)) {
+    if (plainNumber(word, last + 1, true, d) == last && quickFloat(d, quick)) {
         value = quick;
         return true;
     }
@@ -476,41 +569,58 @@ bool OrvParseFloat(const char* word, float& value) {
 // ---------------------------------------------------------------------------
 
 int OrvScanPeek(std::istream& in) {
-    return OrvScanner(in).peek();
+    BufferSource s(in);
+    return peekIn(s);
 }
 int OrvScanGet(std::istream& in) {
-    return OrvScanner(in).get();
+    BufferSource s(in);
+    return getIn(s);
 }
 bool OrvScanSkip(std::istream& in) {
-    return OrvScanner(in).skip();
+    BufferSource s(in);
+    return skipIn(s);
 }
 bool OrvScanChar(std::istream& in, char& c) {
-    return OrvScanner(in).take(c);
+    BufferSource s(in);
+    return takeIn(s, c);
 }
 bool OrvScanWord(std::istream& in, char* buffer, size_t size) {
-    return OrvScanner(in).word(buffer, size);
+    BufferSource s(in);
+    return wordIn(s, buffer, size);
+}
+void OrvScanNextItem(std::istream& in) {
+    BufferSource s(in);
+    nextItemIn(s);
 }
 bool OrvScanNumber(std::istream& in, unsigned short& value) {
-    return OrvScanner(in).number(value);
+    BufferSource s(in);
+    return takeWhole(s, value);
 }
 bool OrvScanNumber(std::istream& in, short& value) {
-    return OrvScanner(in).number(value);
+    BufferSource s(in);
+    return takeWhole(s, value);
 }
 bool OrvScanNumber(std::istream& in, unsigned int& value) {
-    return OrvScanner(in).number(value);
+    BufferSource s(in);
+    return takeWhole(s, value);
 }
 bool OrvScanNumber(std::istream& in, int& value) {
-    return OrvScanner(in).number(value);
+    BufferSource s(in);
+    return takeWhole(s, value);
 }
 bool OrvScanNumber(std::istream& in, unsigned long& value) {
-    return OrvScanner(in).number(value);
+    BufferSource s(in);
+    return takeWhole(s, value);
 }
 bool OrvScanNumber(std::istream& in, long& value) {
-    return OrvScanner(in).number(value);
+    BufferSource s(in);
+    return takeWhole(s, value);
 }
 bool OrvScanNumber(std::istream& in, float& value) {
-    return OrvScanner(in).number(value);
+    BufferSource s(in);
+    return takeFloat(s, value);
 }
 bool OrvScanNumber(std::istream& in, double& value) {
-    return OrvScanner(in).number(value);
+    BufferSource s(in);
+    return takeDouble(s, value);
 }

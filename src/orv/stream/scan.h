@@ -46,18 +46,24 @@ public:
     bool number(long& value);
     bool number(float& value);
     bool number(double& value);
+    // The usual element of a vertex list at once: plain numbers (digits, for
+    // floats a sign, a point and more digits), blanks, and the separator,
+    // all within what the scanner has read ahead. False, with nothing read,
+    // for anything else, which then takes the way above.
+    bool quick(unsigned& value, char separator);
+    bool quick(float* values, unsigned count, char separator);
 
-    // The sentry's test: a stream that is not good fails the extraction.
+    // What the readings are built on: whether the scanner reads ahead, the
+    // sentry's test (a stream that is not good fails the extraction), and
+    // the cursor.
+    bool readsAhead() const { return text != nullptr; }
     bool ready() {
         if (state.good()) return true;
         state.setstate(std::ios::failbit);
         return false;
     }
     // The character under the cursor, as the buffer's sgetc gives it.
-    int current() {
-        if (at < end) return (unsigned char)*at;
-        return text ? fill() : buffer->sgetc();
-    }
+    int current() { return at < end ? (unsigned char)*at : fill(); }
     // Moves past it, as sbumpc; advance also gives the next, as snextc.
     void bump() {
         if (at < end)
@@ -92,6 +98,7 @@ int OrvScanGet(std::istream&);
 bool OrvScanSkip(std::istream&);
 bool OrvScanChar(std::istream&, char& c);
 bool OrvScanWord(std::istream&, char* buffer, size_t size);
+void OrvScanNextItem(std::istream&);
 bool OrvScanNumber(std::istream&, unsigned short& value);
 bool OrvScanNumber(std::istream&, short& value);
 bool OrvScanNumber(std::istream&, unsigned int& value);
