@@ -16,6 +16,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -31,11 +32,22 @@ std::string printed(double v) {
     return out;
 }
 
+// Read alone, and through a scanner that reads ahead: the same value, state
+// and place in the stream.
 template <class T>
 T scanned(const std::string& text, bool* ok = nullptr) {
-    std::istringstream in(text);
-    T v = -12345;
-    bool done = OrvScanNumber(in, v);
+    std::istringstream in(text), again(text);
+    T v = -12345, w = -12345;
+    bool done = OrvScanNumber(in, v), doneAhead;
+    {
+        OrvScanner ahead(again, true);
+        doneAhead = ahead.number(w);
+    }
+    EXPECT_EQ(
+        std::make_tuple(done, in.rdstate(), in.rdbuf()->pubseekoff(0, std::ios::cur)),
+        std::make_tuple(doneAhead, again.rdstate(), again.rdbuf()->pubseekoff(0, std::ios::cur)))
+        << text;
+    EXPECT_EQ(memcmp(&v, &w, sizeof v), 0) << text;
     if (ok) *ok = done;
     return v;
 }
@@ -51,6 +63,13 @@ float randomFloat(std::mt19937& random) {
     return f;
 }
 
+double randomDouble(std::mt19937& random) {
+    uint64_t bits = (uint64_t)random() << 32 | random();
+    double d;
+    memcpy(&d, &bits, sizeof d);
+    return d;
+}
+
 }  // namespace
 
 TEST(StreamNumbers, WrittenAsPrintfWrites) {
@@ -60,17 +79,26 @@ TEST(StreamNumbers, WrittenAsPrintfWrites) {
         INFINITY,        -INFINITY,       (double)0.1f,         (double)(1 / 3.0f)};
     std::istringstream plain(
         "0.0 -0.0 1 -1 0.5 1e-5 0.0001 0.00012345678 100000 999999 999999.5 999999.4 9999995 1e6 "
-        "123456789 0.001953125 1234565 2.5e-7 1e100 1e-300 4.89859e-17");
+        "123456789 0.001953125 1234565 2.5e-7 1e100 1e-300 4.89859e-17 9.999995e-5 "
+        "9.9999949e-5 999999.49999 1.0000051388151001e+28 9.99999e26 5e-324 "
+        "2.2250738585072014e-308");
     for (double v; plain >> v;) fixed.push_back(v);
-    // Every power of two a float has.
+    // Every power of two a float has; powers of ten and the doubles beside them.
     for (int e = -149; e <= 127; e++) fixed.push_back(std::ldexp(1.0, e));
+    for (int e = -30; e <= 30; e++) {
+        double p = std::pow(10.0, e);
+        for (double v : {std::nextafter(p, 0.0), p, std::nextafter(p, INFINITY)})
+            fixed.insert(fixed.end(), {v, (double)(float)v});
+    }
     for (double v : fixed) EXPECT_EQ(quick(v), printed(v)) << v;
-    // Random floats, and values of the kind meshes have.
+    // Random floats and doubles, and values of the kind meshes have.
     std::mt19937 random(20);
     std::uniform_real_distribution<float> near(-10, 10);
     for (int i = 0; i < 600000; i++) {
-        float f = i % 2 ? randomFloat(random) : near(random);
-        ASSERT_EQ(quick(f), printed(f)) << f;
+        double v = i % 3 == 0   ? randomFloat(random)
+                   : i % 3 == 1 ? near(random)
+                                : randomDouble(random);
+        ASSERT_EQ(quick(v), printed(v)) << v;
     }
 }
 
@@ -88,19 +116,38 @@ TEST(StreamNumbers, ReadAsTheCLibraryReads) {
         EXPECT_TRUE(!ok || sameBits(f, c)) << t << " " << f << " " << c;
         EXPECT_TRUE(overflow || scanned<double>(t) == strtod(t.c_str(), nullptr)) << t;
     }
-    // Whatever the writer writes, and seven or eight significant digits near
-    // the halfway points of floats, come back as the C library reads them.
+    // Whatever the writer writes, seven or eight significant digits near the
+    // halfway points of floats, and plain decimals of up to 22 digits, come
+    // back as the C library reads them: one by one, and as one long list read
+    // ahead by scanners that stop every so often, where the next goes on.
     std::mt19937 random(21);
+    std::vector<std::string> all;
     for (int i = 0; i < 600000; i++) {
         char t[40];
         float f = randomFloat(random);
-        if (i % 2 && (std::isnan(f) || std::isinf(f))) continue;
-        if (i % 2)
+        double d = std::ldexp((double)random(), -(int)(random() % 60));
+        if (i % 3 == 0 && (std::isnan(f) || std::isinf(f))) continue;
+        if (i % 3 == 0)
             snprintf(t, sizeof t, "%g", f);
+        else if (i % 3 == 1)
+            snprintf(t, sizeof t, "%.*e", 6 + i % 3, d);
         else
-            snprintf(t, sizeof t, "%.*e", 6 + i % 3,
-                     std::ldexp((double)random(), -(int)(random() % 60)));
-        ASSERT_TRUE(sameBits(scanned<float>(t), strtof(t, nullptr))) << t;
+            snprintf(t, sizeof t, "%s%.*f", i % 4 ? "" : "-", (int)(random() % 16), d);
+        if (i % 10 == 0) {
+            ASSERT_TRUE(sameBits(scanned<float>(t), strtof(t, nullptr))) << t;
+        }
+        all.push_back(t);
+    }
+    std::string joined;
+    for (size_t i = 0; i < all.size(); i++) joined += all[i] + (i % 7 ? " " : "\n\t");
+    std::istringstream list(joined);
+    for (size_t i = 0; i < all.size();) {
+        OrvScanner ahead(list, true);
+        for (size_t stop = i + random() % 2000; i < all.size() && i <= stop; i++) {
+            float f = 0;
+            ASSERT_TRUE(ahead.number(f)) << all[i];
+            ASSERT_TRUE(sameBits(f, strtof(all[i].c_str(), nullptr))) << all[i];
+        }
     }
     // Integers: more digits than the type holds fail; a minus sign wraps.
     bool ok;

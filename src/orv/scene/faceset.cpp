@@ -177,13 +177,20 @@ static const struct {
                       {"textureIndex", "textureFIndex", 4},
                       {"edgeIndex", "edgeFIndex", 3}};
 
-void OrvFaceSet::writeData(OrvOStream& out, unsigned long optimized) const {
-    out.key("faceCardinal") << faceCardinal() << '\n';
+// The counts that open the saved form.
+static void writeCounts(OrvOStream& out, unsigned faceCount, unsigned long optimized,
+                        unsigned long indexCount) {
+    out.key("faceCardinal") << faceCount << '\n';
     out.key("optimized") << (optimized ? "yes" : "no") << '\n';
-    if (!optimized) return;
+    if (optimized) out.key("indexCardinal") << indexCount << '\n';
+}
+
+void OrvFaceSet::writeData(OrvOStream& out, unsigned long optimized) const {
     unsigned long sum = 0;
-    for (OrvLink* l = faces.first; l; l = l->next) sum += ((OrvFace*)l->value)->vertexCardinal();
-    out.key("indexCardinal") << sum << '\n';
+    if (optimized)
+        for (OrvLink* l = faces.first; l; l = l->next)
+            sum += ((OrvFace*)l->value)->vertexCardinal();
+    writeCounts(out, faceCardinal(), optimized, sum);
 }
 
 unsigned long OrvFaceSet::writeOptimizeIndex(OrvOStream& out) const {
@@ -197,35 +204,53 @@ unsigned long OrvFaceSet::writeOptimizeIndex(OrvOStream& out) const {
     std::vector<unsigned> used;  // the present blocks, as rows of compactBlocks
     for (unsigned k = 0; k < 5; k++)
         if ((first->*block[compactBlocks[k].place])()) used.push_back(k);
+    // An index holds its blocks in the order of their places, each as long
+    // as the face has vertices, for the arrays its layout has.
+    const _OrvVertexType_* layout = first->vertex;
+    OrvShare* const shares[6] = {layout->sharedPoints(), layout->sharedPoints4d(),
+                                 layout->sharedColors(), layout->sharedNormals(),
+                                 layout->sharedEdges(),  layout->sharedTextures()};
+    const bool present[5] = {true, shares[2] != nullptr, shares[3] != nullptr, shares[4] != nullptr,
+                             shares[5] != nullptr};
+    unsigned rank[5], blocks = 0;
+    for (unsigned place = 0; place < 5; place++) rank[place] = present[place] ? blocks++ : 0;
     // One pass over the faces gathers what the blocks and items below need:
-    // faces lie all over memory, and a pass each would find each again.
+    // faces lie all over memory, and a pass each would find each again. A
+    // face on the first one's shares has its blocks where the ranks put
+    // them; one on other shares of the same arrays is asked for each block.
     std::vector<unsigned> counts;
     std::vector<std::vector<unsigned>> values(used.size());  // each block of every face
     std::vector<OrvRGB> colors;
     std::vector<Orv3dVector> normals;
     std::vector<unsigned char> has;  // 1 a colour, 2 a normal
+    unsigned long sum = 0;
     for (OrvLink* l = faces.first; l; l = l->next) {
         const OrvFace* f = (const OrvFace*)l->value;
-        if (!f->isIndexed() || !f->vertexSharedIndex() || !f->vertexIndex() ||
-            f->vertexPoints() != first->vertexPoints() ||
-            f->vertexPoints4d() != first->vertexPoints4d() ||
-            f->vertexColors() != first->vertexColors() ||
-            f->vertexNormals() != first->vertexNormals() ||
-            f->vertexTextures() != first->vertexTextures() ||
-            f->vertexEdges() != first->vertexEdges())
+        const _OrvVertexType_* v = f->vertex;
+        const unsigned* index = v ? v->index() : nullptr;
+        if (!index || !v->isIndexed() || !v->sharedIndex()) return 0;
+        bool sameShares = v->sharedPoints() == shares[0] && v->sharedPoints4d() == shares[1] &&
+                          v->sharedColors() == shares[2] && v->sharedNormals() == shares[3] &&
+                          v->sharedEdges() == shares[4] && v->sharedTextures() == shares[5];
+        if (!sameShares &&
+            (v->points() != first->vertexPoints() || v->points4d() != first->vertexPoints4d() ||
+             v->colors() != first->vertexColors() || v->normals() != first->vertexNormals() ||
+             v->textures() != first->vertexTextures() || v->edges() != first->vertexEdges()))
             return 0;
-        unsigned n = f->vertexCardinal();
+        unsigned n = v->cardinal();
         counts.push_back(n);
+        sum += n;
         for (size_t j = 0; j < used.size(); j++) {
-            const unsigned* v = (f->*block[compactBlocks[used[j]].place])();
-            values[j].insert(values[j].end(), v, v + n);
+            unsigned place = compactBlocks[used[j]].place;
+            const unsigned* b = sameShares ? index + rank[place] * n : (f->*block[place])();
+            for (unsigned k = 0; k < n; k++) values[j].push_back(b[k]);
         }
         has.push_back((unsigned char)((f->color() ? 1 : 0) | (f->normal() ? 2 : 0)));
         colors.push_back(f->color() ? *f->color() : OrvRGB());
         normals.push_back(f->normal() ? *f->normal() : Orv3dVector());
     }
     // Same arrays with an index each: the same blocks are present.
-    writeData(out, 1);
+    writeCounts(out, (unsigned)counts.size(), 1, sum);
     _OrvWriteArrays_(out, *first);
     for (const auto& b : compactBlocks)
         out.key(b.present) << ((first->*block[b.place])() ? "yes" : "no") << '\n';
@@ -237,8 +262,10 @@ unsigned long OrvFaceSet::writeOptimizeIndex(OrvOStream& out) const {
         _OrvWriteValues_(out, values[j].data(), (unsigned)values[j].size());
         _OrvLine_(out.stream).add(out.indent()).add("]\n");
     }
+    _OrvLine_ line(out.stream, _OrvLine_::bulkSize);
+    const char* indent = out.indent();
     for (size_t f = 0; f < counts.size(); f++)
-        _OrvWriteFaceItems_(out, has[f] & 1 ? &colors[f] : nullptr,
+        _OrvWriteFaceItems_(line, indent, has[f] & 1 ? &colors[f] : nullptr,
                             has[f] & 2 ? &normals[f] : nullptr);
     return 1;
 }
@@ -299,6 +326,9 @@ static bool readCompact(OrvIStream& in, OrvFaceSet& set, unsigned long faceCount
     const OrvShare* limits[5] = {s[0], s[1], s[2], s[4], s[3]};
     const char* names[5] = {"point", "color", "normal", "edge", "texture"};
     unsigned long at = 0;
+    // The faces' items are read ahead of the stream, which is not used
+    // otherwise until the scanner goes.
+    OrvScanner scanner(in.stream, true);
     for (unsigned n : sizes) {
         // The face joins the set once its box is known, as add takes it.
         OrvFace* face = new OrvFace;
@@ -322,7 +352,7 @@ static bool readCompact(OrvIStream& in, OrvFaceSet& set, unsigned long faceCount
         face->setVertexIndex(new OrvShare(used * n, index, 0, 1));
         set.add(face);
         at += n;
-        if (!_OrvReadFaceItems_(in, *face)) return false;
+        if (!_OrvReadFaceItems_(in, scanner, *face)) return false;
     }
     return true;
 }

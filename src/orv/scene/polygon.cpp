@@ -323,15 +323,13 @@ unsigned long OrvFace::computeNormal() {
     return done;
 }
 
-// "None" or three floats.
-static bool readTriple(OrvIStream& in, bool& none, float v[3]) {
+// "None" or three floats, the first a word that strtof reads whole.
+static bool readTriple(OrvScanner& in, bool& none, float v[3]) {
     char word[1024];
-    in.word(word);
+    in.word(word, sizeof word);
     none = !strcmp(word, "None");
     if (none) return true;
-    char* end = nullptr;
-    v[0] = strtof(word, &end);
-    return word[0] && !*end && OrvScanNumber(in.stream, v[1]) && OrvScanNumber(in.stream, v[2]);
+    return OrvParseFloat(word, v[0]) && in.number(v[1]) && in.number(v[2]);
 }
 
 void _OrvWriteFaceItems_(OrvOStream& out, const OrvFace& face) {
@@ -339,12 +337,18 @@ void _OrvWriteFaceItems_(OrvOStream& out, const OrvFace& face) {
 }
 
 void _OrvWriteFaceItems_(OrvOStream& out, const OrvRGB* color, const Orv3dVector* normal) {
-    if (color)
-        out << *color;
-    else
-        _OrvLine_(out.stream).add(out.indent()).add("faceColor\tNone\n");
     _OrvLine_ line(out.stream);
-    line.add(out.indent()).add("faceNormal\t");
+    _OrvWriteFaceItems_(line, out.indent(), color, normal);
+}
+
+void _OrvWriteFaceItems_(_OrvLine_& line, const char* indent, const OrvRGB* color,
+                         const Orv3dVector* normal) {
+    line.add(indent).add("faceColor\t");
+    if (const OrvRGB* c = color)
+        line.add((double)c->red).add(' ').add((double)c->green).add(' ').add((double)c->blue);
+    else
+        line.add("None");
+    line.add('\n').add(indent).add("faceNormal\t");
     if (const Orv3dVector* n = normal)
         line.add((double)n->x).add(' ').add((double)n->y).add(' ').add((double)n->z);
     else
@@ -352,21 +356,21 @@ void _OrvWriteFaceItems_(OrvOStream& out, const OrvRGB* color, const Orv3dVector
     line.add('\n');
 }
 
-bool _OrvReadFaceItems_(OrvIStream& in, OrvFace& face) {
+bool _OrvReadFaceItems_(OrvIStream& in, OrvScanner& scanner, OrvFace& face) {
     char word[1024];
     bool none;
     float v[3];
-    in.nextItem();
-    in.word(word);
-    if (strcmp(word, "faceColor") || !readTriple(in, none, v))
+    scanner.nextItem();
+    scanner.word(word, sizeof word);
+    if (strcmp(word, "faceColor") || !readTriple(scanner, none, v))
         return in.fault("OrvFace::OrvFace : Not a face color item\n");
     if (!none) {
         OrvRGB c(v[0], v[1], v[2]);
         face.color(&c);
     }
-    in.nextItem();
-    in.word(word);
-    if (strcmp(word, "faceNormal") || !readTriple(in, none, v))
+    scanner.nextItem();
+    scanner.word(word, sizeof word);
+    if (strcmp(word, "faceNormal") || !readTriple(scanner, none, v))
         return in.fault("OrvFace::OrvFace : Not a face normal item\n");
     if (!none) {
         Orv3dVector n(v[0], v[1], v[2]);
@@ -384,7 +388,8 @@ OrvFace::OrvFace(OrvIStream& in) : normal_(nullptr), color_(nullptr) {
         return;
     }
     if (!readVertex(in)) return;
-    bool good = _OrvReadFaceItems_(in, *this);
+    OrvScanner scanner(in.stream);
+    bool good = _OrvReadFaceItems_(in, scanner, *this);
     if (good && !_OrvReadClosing_(in)) good = in.fault("OrvFace::OrvFace : Bad end separator.\n");
     if (!good) {
         delete vertex;

@@ -68,6 +68,9 @@ struct Region {
 struct Kind {
     std::map<uintptr_t, Range> large;
     std::unordered_map<uintptr_t, Region*> regions;
+    // The region asked last: shares made one after the other ask the same.
+    uintptr_t lastNumber = ~(uintptr_t)0;
+    Region* last = nullptr;
 };
 
 struct Ranges {
@@ -79,13 +82,17 @@ struct Ranges {
     // The chain of a grain; null when its region has none and make is false.
     uint32_t* head(Kind& kind, uintptr_t grain, bool make, Region** region = nullptr) {
         uintptr_t number = grain / grainsPerRegion;
-        auto i = kind.regions.find(number);
-        if (i == kind.regions.end()) {
-            if (!make) return nullptr;
-            i = kind.regions.emplace(number, new Region).first;
+        if (number != kind.lastNumber) {
+            auto i = kind.regions.find(number);
+            if (i == kind.regions.end()) {
+                if (!make) return nullptr;
+                i = kind.regions.emplace(number, new Region).first;
+            }
+            kind.lastNumber = number;
+            kind.last = i->second;
         }
-        if (region) *region = i->second;
-        return &i->second->head[grain % grainsPerRegion];
+        if (region) *region = kind.last;
+        return &kind.last->head[grain % grainsPerRegion];
     }
 };
 }  // namespace
@@ -218,6 +225,7 @@ void _OrvForgetShare_(OrvShare* share) {
         all.freed.push_back(place);
         if (--region->used == 0) {
             mine.regions.erase(start >> regionShift);
+            if (mine.last == region) mine.lastNumber = ~(uintptr_t)0;
             delete region;
         }
         return;

@@ -8,6 +8,9 @@
 
 #include <vector>
 
+class _OrvLine_;
+class OrvScanner;
+
 // The three faults of a bracketed list; each may hold one %s for the name.
 struct _OrvListMessages_ {
     const char* begin;
@@ -46,7 +49,12 @@ void _OrvWriteVectors_(OrvOStream& out, const Orv3dVector* values, unsigned coun
 void _OrvWriteFaceItems_(OrvOStream& out, const OrvFace& face);
 // The same items from values; null writes "None".
 void _OrvWriteFaceItems_(OrvOStream& out, const OrvRGB* color, const Orv3dVector* normal);
-bool _OrvReadFaceItems_(OrvIStream& in, OrvFace& face);
+// The same into a line being built, at the indentation given: the faces of a
+// set write theirs into one.
+void _OrvWriteFaceItems_(_OrvLine_& line, const char* indent, const OrvRGB* color,
+                         const Orv3dVector* normal);
+// Read through the scanner given; in takes the messages.
+bool _OrvReadFaceItems_(OrvIStream& in, OrvScanner& scanner, OrvFace& face);
 
 // A closing brace, after what separates items.
 bool _OrvReadClosing_(OrvIStream& in);

@@ -26,52 +26,99 @@ static struct _OrvRegisterVertexCalls_ {
 // Elements
 // ---------------------------------------------------------------------------
 
-static void put(_OrvLine_& l, const Orv3dPoint& p) {
-    l.add((double)p.x).add(' ').add((double)p.y).add(' ').add((double)p.z);
+// The text of an element, written at p, which has room for elementRoom
+// bytes; the end is returned.
+const size_t elementRoom = 4 * 32 + 3;
+
+static char* put(char* p, const float* values, unsigned count) {
+    for (unsigned k = 0; k < count; k++) {
+        if (k) *p++ = ' ';
+        p += OrvFormatG((double)values[k], p);
+    }
+    return p;
 }
-static void put(_OrvLine_& l, const Orv4dPoint& p) {
-    l.add((double)p.x).add(' ').add((double)p.y).add(' ').add((double)p.z);
-    l.add(' ').add((double)p.w);
+static char* put(char* p, const Orv3dPoint& v) {
+    const float values[3] = {v.x, v.y, v.z};
+    return put(p, values, 3);
 }
-static void put(_OrvLine_& l, const OrvRGB& c) {
-    l.add((double)c.red).add(' ').add((double)c.green).add(' ').add((double)c.blue);
+static char* put(char* p, const Orv4dPoint& v) {
+    const float values[4] = {v.x, v.y, v.z, v.w};
+    return put(p, values, 4);
 }
-static void put(_OrvLine_& l, const Orv3dVector& v) {
-    l.add((double)v.x).add(' ').add((double)v.y).add(' ').add((double)v.z);
+static char* put(char* p, const OrvRGB& c) {
+    const float values[3] = {c.red, c.green, c.blue};
+    return put(p, values, 3);
 }
-static void put(_OrvLine_& l, const OrvTextureUV& t) {
-    l.add((double)t.u).add(' ').add((double)t.v);
+static char* put(char* p, const Orv3dVector& v) {
+    const float values[3] = {v.x, v.y, v.z};
+    return put(p, values, 3);
+}
+static char* put(char* p, const OrvTextureUV& t) {
+    const float values[2] = {t.u, t.v};
+    return put(p, values, 2);
 }
 // An edge is its byte: the values 0 and 1 stand in the file as such.
-static void put(_OrvLine_& l, const OrvEdge& e) {
-    l.add((char)e);
+static char* put(char* p, const OrvEdge& e) {
+    *p++ = (char)e;
+    return p;
 }
 
-static bool take(std::istream& in, Orv3dPoint& p) {
-    return OrvScanNumber(in, p.x) && OrvScanNumber(in, p.y) && OrvScanNumber(in, p.z);
+static bool take(OrvScanner& in, Orv3dPoint& p) {
+    return in.number(p.x) && in.number(p.y) && in.number(p.z);
 }
-static bool take(std::istream& in, Orv4dPoint& p) {
-    return OrvScanNumber(in, p.x) && OrvScanNumber(in, p.y) && OrvScanNumber(in, p.z) &&
-           OrvScanNumber(in, p.w);
+static bool take(OrvScanner& in, Orv4dPoint& p) {
+    return in.number(p.x) && in.number(p.y) && in.number(p.z) && in.number(p.w);
 }
-static bool take(std::istream& in, OrvRGB& c) {
-    return OrvScanNumber(in, c.red) && OrvScanNumber(in, c.green) && OrvScanNumber(in, c.blue);
+static bool take(OrvScanner& in, OrvRGB& c) {
+    return in.number(c.red) && in.number(c.green) && in.number(c.blue);
 }
-static bool take(std::istream& in, Orv3dVector& v) {
-    return OrvScanNumber(in, v.x) && OrvScanNumber(in, v.y) && OrvScanNumber(in, v.z);
+static bool take(OrvScanner& in, Orv3dVector& v) {
+    return in.number(v.x) && in.number(v.y) && in.number(v.z);
 }
-static bool take(std::istream& in, OrvTextureUV& t) {
-    return OrvScanNumber(in, t.u) && OrvScanNumber(in, t.v);
+static bool take(OrvScanner& in, OrvTextureUV& t) {
+    return in.number(t.u) && in.number(t.v);
 }
-static bool take(std::istream& in, unsigned& v) {
-    return OrvScanNumber(in, v);
+static bool take(OrvScanner& in, unsigned& v) {
+    return in.number(v);
 }
 // Read by character extraction, which skips blanks: a zero byte is a value.
-static bool take(std::istream& in, OrvEdge& e) {
+static bool take(OrvScanner& in, OrvEdge& e) {
     char c;
-    if (!OrvScanChar(in, c)) return false;
+    if (!in.take(c)) return false;
     e = (OrvEdge)c;
     return true;
+}
+
+// An element of plain numbers and its comma at once, as the scanner can
+// take them most of the time; false leaves both to take.
+template <unsigned width, class T>
+static bool quickFloats(OrvScanner& in, T& value) {
+    static_assert(sizeof(T) == width * sizeof(float), "the element is its floats, in order");
+    float f[width];
+    if (!in.quick(f, width, ',')) return false;
+    memcpy(&value, f, sizeof value);
+    return true;
+}
+static bool quick(OrvScanner& in, Orv3dPoint& p) {
+    return quickFloats<3>(in, p);
+}
+static bool quick(OrvScanner& in, Orv4dPoint& p) {
+    return quickFloats<4>(in, p);
+}
+static bool quick(OrvScanner& in, OrvRGB& c) {
+    return quickFloats<3>(in, c);
+}
+static bool quick(OrvScanner& in, Orv3dVector& v) {
+    return quickFloats<3>(in, v);
+}
+static bool quick(OrvScanner& in, OrvTextureUV& t) {
+    return quickFloats<2>(in, t);
+}
+static bool quick(OrvScanner& in, unsigned& v) {
+    return in.quick(v, ',');
+}
+static bool quick(OrvScanner&, OrvEdge&) {
+    return false;
 }
 
 // One element a line at one more level, a comma after each but the last.
@@ -80,12 +127,15 @@ static void writeElements(OrvOStream& out, const T* values, unsigned count) {
     out.indentation++;
     const char* indent = out.indent();
     out.indentation--;
-    _OrvLine_ line(out.stream);
+    size_t indentLength = strlen(indent);
+    _OrvLine_ line(out.stream, count > 16 ? _OrvLine_::bulkSize : _OrvLine_::lineSize);
     for (unsigned i = 0; i < count; i++) {
-        line.add(indent);
-        put(line, values[i]);
-        if (i + 1 < count) line.add(',');
-        line.add('\n');
+        char* p = line.room(indentLength + elementRoom + 2);
+        memcpy(p, indent, indentLength);
+        p = put(p + indentLength, values[i]);
+        if (i + 1 < count) *p++ = ',';
+        *p++ = '\n';
+        line.commit(p);
     }
 }
 
@@ -93,16 +143,22 @@ void _OrvWriteValues_(OrvOStream& out, const unsigned* values, unsigned count) {
     out.indentation++;
     const char* indent = out.indent();
     out.indentation--;
-    _OrvLine_ line(out.stream);
+    size_t indentLength = strlen(indent);
+    _OrvLine_ line(out.stream, count > 16 ? _OrvLine_::bulkSize : _OrvLine_::lineSize);
     for (unsigned i = 0; i < count; i++) {
-        if (i % 10 == 0) line.add(indent);
-        line.add((unsigned long)values[i]);
-        if (i + 1 == count)
-            line.add('\n');
-        else if (i % 10 == 9)
-            line.add(",\n");
-        else
-            line.add(", ");
+        char* p = line.room(indentLength + 20 + 2);
+        if (i % 10 == 0) {
+            memcpy(p, indent, indentLength);
+            p += indentLength;
+        }
+        p += OrvFormatUnsigned(values[i], p);
+        if (i + 1 == count) {
+            *p++ = '\n';
+        } else {
+            *p++ = ',';
+            *p++ = i % 10 == 9 ? '\n' : ' ';
+        }
+        line.commit(p);
     }
 }
 
@@ -113,21 +169,23 @@ static int listFault(OrvIStream& in, const char* format, const _OrvListMessages_
 template <class T>
 static bool readElements(OrvIStream& in, unsigned count, std::vector<T>& values,
                          const _OrvListMessages_& m, bool upTo = false) {
-    std::istream& s = in.stream;
+    // The list is read ahead of the stream; what is left goes back before
+    // the stream is used again (messages do not read).
+    OrvScanner s(in.stream, true);
     char c = 0;
-    in.nextItem();
-    if (!OrvScanChar(s, c) || c != '[') return listFault(in, m.begin, m);
+    s.nextItem();
+    if (!s.take(c) || c != '[') return listFault(in, m.begin, m);
     values.clear();
     if (upTo) {
-        if (OrvScanSkip(s) && OrvScanPeek(s) == ']') {
-            OrvScanGet(s);
+        if (s.skip() && s.peek() == ']') {
+            s.get();
             return true;
         }
         for (;;) {
             T v{};
             if (values.size() == count || !take(s, v)) return listFault(in, m.end, m);
             values.push_back(v);
-            if (!OrvScanChar(s, c)) return listFault(in, m.end, m);
+            if (!s.take(c)) return listFault(in, m.end, m);
             if (c == ']') return true;
             if (c != ',') return listFault(in, m.comma, m);
         }
@@ -136,11 +194,15 @@ static bool readElements(OrvIStream& in, unsigned count, std::vector<T>& values,
     values.reserve(count < 65536 ? count : 65536);
     for (unsigned i = 0; i < count; i++) {
         T v{};
+        if (i + 1 < count && quick(s, v)) {
+            values.push_back(v);
+            continue;
+        }
         if (!take(s, v)) return listFault(in, i + 1 < count ? m.comma : m.end, m);
         values.push_back(v);
-        if (i + 1 < count && (!OrvScanChar(s, c) || c != ',')) return listFault(in, m.comma, m);
+        if (i + 1 < count && (!s.take(c) || c != ',')) return listFault(in, m.comma, m);
     }
-    if (!OrvScanChar(s, c) || c != ']') return listFault(in, m.end, m);
+    if (!s.take(c) || c != ']') return listFault(in, m.end, m);
     return true;
 }
 
@@ -786,8 +848,9 @@ OrvIStream& OrvIStream::operator>>(OrvShare*& share) {
 OrvOStream& OrvOStream::operator<<(const OrvRGB& color) {
     _OrvLine_ line(stream);
     line.add(indent()).add("faceColor\t");
-    put(line, color);
-    line.add('\n');
+    char* p = put(line.room(elementRoom + 1), color);
+    *p++ = '\n';
+    line.commit(p);
     return *this;
 }
 
@@ -800,7 +863,8 @@ OrvIStream& OrvIStream::operator>>(OrvRGB& color) {
         return *this;
     }
     OrvRGB c;
-    if (take(stream, c)) color = c;
+    OrvScanner scanner(stream);
+    if (take(scanner, c)) color = c;
     return *this;
 }
 

@@ -102,21 +102,7 @@ int OrvIStream::fault(const char* format, ...) {
 }
 
 void OrvIStream::nextItem() {
-    // Comments and separators may alternate any number of times; a loop keeps
-    // a long run of them from deepening the stack. The buffer is walked
-    // directly: this runs over every blank and comment of a file.
-    if (OrvScanPeek(stream) == std::char_traits<char>::eof()) return;
-    std::streambuf* source = stream.rdbuf();
-    const int eof = std::char_traits<char>::eof();
-    int c = source->sgetc();
-    for (;;) {
-        while (c == '%')
-            while (c != '\n' && c != eof) c = source->snextc();
-        if (c != ' ' && c != '\t' && c != '\n') break;
-        while (c == ' ' || c == '\t' || c == '\n') c = source->snextc();
-        if (c != '%') break;
-    }
-    if (c == eof) stream.setstate(std::ios::eofbit);
+    OrvScanNextItem(stream);
 }
 
 void OrvIStream::word(char* buffer) {
