@@ -4,6 +4,8 @@
 #include "orv/scene/crease.h"
 
 #include <cmath>
+#include <cstring>
+#include <random>
 #include <typeinfo>
 
 #include "vertex_samples.h"
@@ -421,7 +423,10 @@ TEST(FaceSet, TexturesRunOnAcrossFaces) {
 
 TEST(FaceSet, TableSearchesAgree) {
     // A bumpy grid with many distinct normals and many equal ones: the
-    // table and every result are the same with either search.
+    // table and every result are the same with either search, and with the
+    // sort that large meshes take.
+    const size_t sortFrom = _OrvNormalTableSortFrom_;
+    _OrvNormalTableSortFrom_ = 0;
     const unsigned n = 12;
     std::vector<Orv3dPoint> pts;
     std::vector<std::vector<unsigned>> quads;
@@ -473,4 +478,37 @@ TEST(FaceSet, TableSearchesAgree) {
         EXPECT_EQ(table.vectors.size(), 6u);
     }
     _OrvNormalTableLinearSearch_ = 0;
+
+    // Many at once agree with one after the other: vectors crowded round
+    // cell borders (within 1e-6 of several cells) and round cell centres,
+    // repeated and chained within 1e-6 of each other, and off the grid.
+    std::mt19937 random(7);
+    std::uniform_int_distribution<int> cellOf(-3, 3), step(-12, 12);
+    std::vector<Orv3dVector> crowd;
+    for (int i = 0; i < 20000; i++) {
+        float c[3];
+        for (float& x : c)
+            x = i % 2 ? (cellOf(random) + 10.5f) / 4096.0f + step(random) / 4 * 2.5e-7f
+                      : cellOf(random) / 4096.0f + step(random) * 2.5e-7f;
+        crowd.push_back(Orv3dVector(c[0], c[1], c[2]));
+    }
+    crowd.insert(crowd.begin() + 100, {Orv3dVector(NAN, 0, 0), Orv3dVector(1e30f, 0, 0),
+                                       Orv3dVector(1e30f, 0, 0), Orv3dVector(NAN, 0, 0)});
+    std::vector<unsigned> one, all;
+    _OrvNormalTableLinearSearch_ = 1;
+    _OrvNormalTable_ sequential;
+    for (const Orv3dVector& v : crowd) one.push_back(sequential.find(v));
+    _OrvNormalTableLinearSearch_ = 0;
+    _OrvNormalTable_ batch;
+    batch.findAll(crowd, all);
+    EXPECT_EQ(one, all);
+    ASSERT_EQ(sequential.vectors.size(), batch.vectors.size());
+    EXPECT_LT(batch.vectors.size(), crowd.size() * 9 / 10);
+    EXPECT_EQ(0, memcmp(sequential.vectors.data(), batch.vectors.data(),
+                        batch.vectors.size() * sizeof(Orv3dVector)));
+    // The table goes on finding after it.
+    for (size_t i : {0, 1, 2, 3, 501, 19999}) EXPECT_EQ(batch.find(crowd[i]), one[i]) << i;
+    size_t distinct = batch.vectors.size();
+    EXPECT_EQ(batch.find(Orv3dVector(0.5f, 0.5f, 0.5f)), distinct);
+    _OrvNormalTableSortFrom_ = sortFrom;
 }

@@ -2,10 +2,12 @@
 // and the rebuilding of vertex layouts with new normals or textures.
 #include "crease.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
 int _OrvNormalTableLinearSearch_ = 0;
+size_t _OrvNormalTableSortFrom_ = (size_t)1 << 17;
 
 // ---------------------------------------------------------------------------
 // The table of distinct normals
@@ -56,8 +58,23 @@ static inline uint64_t homeKey(const Orv3dVector& v) {
                    floorOf((double)v.z * cellScale));
 }
 
+// The cell of a gridded vector, and whether it is alone there: far enough
+// from each border that every vector within 1e-6 of it is in the same cell.
+// Two vectors near each other in different cells are thus never alone.
+static inline bool homeCell(const Orv3dVector& v, int64_t home[3]) {
+    const float c[3] = {v.x, v.y, v.z};
+    bool alone = true;
+    for (int k = 0; k < 3; k++) {
+        double t = (double)c[k] * cellScale;  // exact: the scale is a power of two
+        home[k] = floorOf(t);
+        alone = alone && t - (double)home[k] > cellMargin && t - (double)home[k] < 1 - cellMargin;
+    }
+    return alone;
+}
+
 _OrvNormalTable_::_OrvNormalTable_(size_t expected)
-    : entries(64, Entry{0, none}), cells(0), linear(_OrvNormalTableLinearSearch_ != 0) {
+    : entries(64, Entry{0, none}), cells(0), linear(_OrvNormalTableLinearSearch_ != 0),
+      stale(false) {
     size_t room = 64;
     while (room < 2 * expected && room < ((size_t)1 << 24)) room *= 2;
     entries.assign(room, Entry{0, none});
@@ -95,20 +112,14 @@ unsigned* _OrvNormalTable_::cell(uint64_t key, bool make) {
 }
 
 unsigned _OrvNormalTable_::find(const Orv3dVector& v) {
+    if (stale) remakeCells();
     unsigned found = none;
     bool grid = !linear && gridded(v);
     int64_t lo[3], hi[3];
     if (grid) {
         const float c[3] = {v.x, v.y, v.z};
         int64_t home[3];
-        bool alone = true;
-        for (int k = 0; k < 3; k++) {
-            double t = (double)c[k] * cellScale;  // exact: the scale is a power of two
-            home[k] = floorOf(t);
-            alone =
-                alone && t - (double)home[k] > cellMargin && t - (double)home[k] < 1 - cellMargin;
-        }
-        if (alone) {
+        if (homeCell(v, home)) {
             // All candidates are in the vector's own cell, the usual case:
             // one visit finds them and makes room for the vector if it is new.
             unsigned* head = cell(cellKey(home[0], home[1], home[2]), true);
@@ -149,6 +160,124 @@ unsigned _OrvNormalTable_::find(const Orv3dVector& v) {
         *head = place;
     }
     return place;
+}
+
+void _OrvNormalTable_::remakeCells() {
+    stale = false;
+    size_t room = 64;
+    while (room < 2 * vectors.size()) room *= 2;
+    entries.assign(room, Entry{0, none});
+    cells = 0;
+    next.assign(vectors.size(), none);
+    for (unsigned p = 0; p < vectors.size(); p++) {
+        if (!gridded(vectors[p])) continue;
+        unsigned* head = cell(homeKey(vectors[p]), true);
+        next[p] = *head;
+        *head = p;
+    }
+}
+
+void _OrvNormalTable_::findAll(const std::vector<Orv3dVector>& sought,
+                               std::vector<unsigned>& places) {
+    size_t m = sought.size();
+    places.resize(m);
+    const uint64_t roughBit = (uint64_t)1 << 31, indexBits = roughBit - 1;
+    // Fewer vectors keep their cells in the cache, where a visit each is
+    // cheaper than the sort.
+    if (linear || !vectors.empty() || m < _OrvNormalTableSortFrom_ || m > indexBits) {
+        for (size_t i = 0; i < m; i++) places[i] = find(sought[i]);
+        return;
+    }
+    // Each vector as the short key of its home cell, whether it may meet
+    // vectors of other cells (not alone, or off the grid), and its place in
+    // the list; sorted by key, in list order within a key (three stable
+    // passes over 11, 11 and 10 bits).
+    std::vector<uint64_t> order(m), spare(m);
+    for (size_t i = 0; i < m; i++) {
+        int64_t home[3];
+        uint64_t key = 0, rough = roughBit;
+        if (gridded(sought[i])) {
+            if (homeCell(sought[i], home)) rough = 0;
+            key = shortKey(cellKey(home[0], home[1], home[2]));
+        }
+        order[i] = key << 32 | rough | i;
+    }
+    std::vector<size_t> count(3 * 2048, 0);
+    for (uint64_t o : order)
+        for (int pass = 0; pass < 3; pass++)
+            count[pass * 2048 + ((o >> (32 + 11 * pass)) & 2047)]++;
+    for (int pass = 0; pass < 3; pass++) {
+        size_t* start = &count[pass * 2048];
+        size_t sum = 0;
+        for (int b = 0; b < 2048; b++) {
+            size_t here = start[b];
+            start[b] = sum;
+            sum += here;
+        }
+        int shift = 32 + 11 * pass;
+        for (uint64_t o : order) spare[start[(o >> shift) & 2047]++] = o;
+        order.swap(spare);
+    }
+
+    // Until the end, places holds the vector each one takes the place of:
+    // itself when it is new. Within a key whose vectors are all alone, only
+    // vectors of the same key can be near; a key with one that is not goes,
+    // whole, the way of find below.
+    std::vector<unsigned>& match = places;
+    for (size_t i = 0; i < m; i++) match[i] = (unsigned)i;
+    std::vector<unsigned> firsts;
+    // The vectors of keys held by more than one are read: they lie all over
+    // the list, so each is asked for some way ahead.
+    auto shared = [&](size_t k) {
+        return (k + 1 < m && order[k + 1] >> 32 == order[k] >> 32) ||
+               (k > 0 && order[k - 1] >> 32 == order[k] >> 32);
+    };
+    size_t asked = 0;
+    for (size_t a = 0; a < m;) {
+        for (; asked < m && asked < a + 32; asked++)
+            if (shared(asked)) __builtin_prefetch(&sought[order[asked] & indexBits]);
+        size_t b = a + 1;
+        uint64_t rough = order[a] & roughBit;
+        for (; b < m && order[b] >> 32 == order[a] >> 32; b++) rough |= order[b] & roughBit;
+        if (rough) {
+            for (size_t k = a; k < b; k++) match[order[k] & indexBits] = none;
+        } else if (b - a > 1) {
+            firsts.clear();
+            for (size_t k = a; k < b; k++) {
+                unsigned i = (unsigned)(order[k] & indexBits);
+                for (unsigned f : firsts)
+                    if (near(sought[f], sought[i])) {
+                        match[i] = f;
+                        break;
+                    }
+                if (match[i] == i) firsts.push_back(i);
+            }
+        }
+        a = b;
+    }
+    // Vectors that may meet other cells only meet each other there, or
+    // vectors of their own key: they are found in list order in a table of
+    // their own.
+    _OrvNormalTable_ own;
+    firsts.clear();
+    for (unsigned i = 0; i < m; i++) {
+        if (match[i] != none) continue;
+        unsigned p = own.find(sought[i]);
+        if (p == firsts.size()) firsts.push_back(i);
+        match[i] = firsts[p];
+    }
+
+    // An earlier vector already holds its place.
+    vectors.reserve(m);
+    for (size_t i = 0; i < m; i++) {
+        if (match[i] != i) {
+            places[i] = places[match[i]];
+            continue;
+        }
+        places[i] = (unsigned)vectors.size();
+        vectors.push_back(sought[i]);
+    }
+    stale = true;
 }
 
 // ---------------------------------------------------------------------------
@@ -271,8 +400,8 @@ void _OrvCreaseNormals_(const _OrvCreaseMesh_& mesh, double creaseAngle,
     }
 
     // The table, in that order.
-    std::vector<unsigned> place(sought.size());
-    for (size_t i = 0; i < sought.size(); i++) place[i] = table.find(sought[i]);
+    std::vector<unsigned> place;
+    table.findAll(sought, place);
     for (unsigned& r : result)
         if (r != none) r = place[r];
 }

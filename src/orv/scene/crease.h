@@ -19,6 +19,10 @@ public:
     // Room made at once for about that many vectors.
     explicit _OrvNormalTable_(size_t expected = 0);
     unsigned find(const Orv3dVector& v);
+    // The places of many vectors, as find gives them one after the other.
+    // On an empty table the vectors are sorted by cell instead, so that a
+    // million of them do not each wait on memory for a cell of their own.
+    void findAll(const std::vector<Orv3dVector>& sought, std::vector<unsigned>& places);
 
 private:
     // An open-addressed table of cells: 32 bits of the cell's key and the
@@ -33,13 +37,17 @@ private:
     std::vector<unsigned> next;
     size_t cells;  // in use
     bool linear;
+    bool stale;  // the cells are made again from the vectors before the next find
 
     unsigned* cell(uint64_t key, bool make);
+    void remakeCells();
 };
 
 // Non-zero makes every table search from its start, and the smoothing walk
 // the faces round every point, as the tests do to compare the two ways.
 extern int _OrvNormalTableLinearSearch_;
+// findAll sorts from this many vectors on; the tests lower it.
+extern size_t _OrvNormalTableSortFrom_;
 
 // Faces over slots over points. A slot is where a vertex normal goes: one a
 // face vertex for face sets, one a vertex for series, where faces share them.
