@@ -245,12 +245,14 @@ void _OrvNormalTable_::findAll(const std::vector<Orv3dVector>& sought,
             firsts.clear();
             for (size_t k = a; k < b; k++) {
                 unsigned i = (unsigned)(order[k] & indexBits);
+                bool met = false;
                 for (unsigned f : firsts)
                     if (near(sought[f], sought[i])) {
                         match[i] = f;
+                        met = true;
                         break;
                     }
-                if (match[i] == i) firsts.push_back(i);
+                if (!met) firsts.push_back(i);
             }
         }
         a = b;
