@@ -2,7 +2,6 @@
 // and the rebuilding of vertex layouts with new normals or textures.
 #include "crease.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 
