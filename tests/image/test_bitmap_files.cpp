@@ -363,10 +363,7 @@ TEST_P(BitmapFiles, FailuresWithTheirMessages) {
         {"short.gif", "GIF8", gif + "not a GIF file"},
         {"trailer.gif", head + ";", gif + "no image data found in GIF file"},
         {"header.gif", head, gif + "no image data found in GIF file"},
-        {"comment.gif",
-         head + bytesOf("!\xFE\x03"
-                        "abc\x00;"),
-         gif + "no image data found in GIF file"},
+        {"comment.gif", head + bytesOf("!\xFE\3abc\0;"), gif + "no image data found in GIF file"},
         {"block.gif", head + "\x7F", gif + "Unknown block type found in file."},
         // Clear, then code 7 where only 6 could come next.
         {"range.gif", head + image + bytesOf("\x02\xC4\x01\x00;"), gif + "LZW code out of range"},

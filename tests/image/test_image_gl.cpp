@@ -10,29 +10,22 @@
 
 namespace {
 
-class ImageGL : public testing::Test {
+class ImageGL : public OrvScreenTest {
 protected:
-    OrvDirector* d = nullptr;
     OrvView* v = nullptr;
-    Display* dpy = nullptr;
     GLuint texture = 0;
     TempDir dir;
 
     void SetUp() override {
-        const char* name = getenv("DISPLAY");
-        if (!name || !*name) GTEST_SKIP() << "no DISPLAY";
-        static Display* keeper = XOpenDisplay(name);
-        (void)keeper;
-        d = new OrvDirector("imagegl", name, 0, nullptr);
-        dpy = (Display*)d->display;
-        if (d->rootContext) v = new OrvView(d, Orv2dRect(10, 10, 64, 64), "gl", OrvViewGL);
+        OrvScreenTest::SetUp();
+        if (d && d->rootContext) v = new OrvView(d, Orv2dRect(10, 10, 64, 64), "gl", OrvViewGL);
         if (!v || !v->glContext) GTEST_SKIP() << "no GL on this screen";
         ASSERT_TRUE(OrvTestWaitViewable(dpy, v->window()));
     }
     void TearDown() override {
         if (dpy) glXMakeCurrent(dpy, None, nullptr);
         delete v;
-        delete d;
+        OrvScreenTest::TearDown();
     }
 
     OrvImage* make(const char* name, OrvImageType type, unsigned w, unsigned h,
@@ -63,8 +56,9 @@ protected:
         return w;
     }
 };
+INSTANTIATE_TEST_SUITE_P(Screen, ImageGL, testing::Values("DISPLAY"));
 
-TEST_F(ImageGL, OneListForEveryGLCanvasLoadingThePicture) {
+TEST_P(ImageGL, OneListForEveryGLCanvasLoadingThePicture) {
     // Four by two, bottom row first as GL takes it.
     const unsigned char px[24] = {255, 0,   0,   0,   255, 0,   0,  0,  255, 255, 255, 0,
                                   0,   255, 255, 255, 0,   255, 10, 20, 30,  200, 100, 50};
@@ -81,7 +75,7 @@ TEST_F(ImageGL, OneListForEveryGLCanvasLoadingThePicture) {
     delete flat;
 }
 
-TEST_F(ImageGL, PowerOfTwoSizesMipLevelsAndBits) {
+TEST_P(ImageGL, PowerOfTwoSizesMipLevelsAndBits) {
     // Sizes go to the nearest power of two, ties upward: 3 and 6 to 4 and 8, 5 to 4.
     struct Case {
         unsigned w, h;
@@ -114,7 +108,7 @@ TEST_F(ImageGL, PowerOfTwoSizesMipLevelsAndBits) {
               std::vector<int>({255, 255, 0, 0, 0, 255, 255, 0}));
 }
 
-TEST_F(ImageGL, DuringASceneTheImageGoesStraightToGL) {
+TEST_P(ImageGL, DuringASceneTheImageGoesStraightToGL) {
     const unsigned char px[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
     OrvImage* im = make("straight", OrvImageRGB, 2, 2, px);
     glXMakeCurrent(dpy, (GLXDrawable)v->window(), (GLXContext)v->glContext);
