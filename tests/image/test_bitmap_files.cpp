@@ -59,7 +59,7 @@ std::string decodeMismatch(const OrvGifFile& gif, const Picture& p) {
 }
 
 // The GIF decoder on its own: every code width, as two tools write it.
-TEST(GifDecoder, EveryCodeWidthInterlacedOrNotFromTwoTools) {
+TEST(GifDecoder, EveryCodeWidthInterlacedOrNotFromTwoToolsAndLocalColourMaps) {
     TempDir dir;
     struct Tool {
         const char* command;  // from src.ppm to out.gif
@@ -90,12 +90,8 @@ TEST(GifDecoder, EveryCodeWidthInterlacedOrNotFromTwoTools) {
                 delete gif;
             }
         }
-}
-
-// Local colour maps: the tool's global map moved into the image descriptor, and a wrong global
-// map left in place that the local one must override.
-TEST(GifDecoder, LocalColourMapsTakePrecedence) {
-    TempDir dir;
+    // Local colour maps: the tool's global map moved into the image descriptor, and a wrong global
+    // map left in place that the local one must override.
     Picture p = makePicture(dir / "src.ppm", 21, 17, 12);
     ASSERT_TRUE(run("cd '" + dir.path + "' && pamtogif src.ppm > g.gif"));
     std::string g = readFile(dir / "g.gif");
@@ -340,7 +336,7 @@ TEST_P(BitmapFiles, Xpm2WrittenAndReadBackByImageMagick) {
     delete m;
 }
 
-TEST_P(BitmapFiles, FailuresWithTheirMessages) {
+TEST_P(BitmapFiles, FailuresWithTheirMessagesAndEveryCut) {
     makePicture(dir / "src.ppm", 6, 3, 4);
     ASSERT_TRUE(tool("ppmtobmp -bpp 8 src.ppm > p8.bmp && ppmtobmp -bpp 24 src.ppm > t24.bmp && "
                      "convert src.ppm -type Palette -compress RLE BMP3:rle.bmp"));
@@ -430,9 +426,7 @@ TEST_P(BitmapFiles, FailuresWithTheirMessages) {
     // The smallest good file, for contrast: clear, 0, 1, end.
     writeFile(dir / "good.gif", head + image + bytesOf("\x02\x44\x0A\x00;"));
     delete read("good.gif");
-}
-
-TEST_P(BitmapFiles, EveryCutOfAGifOrDibOrXpm2Fails) {
+    // Every cut of a good file fails, with the message of its reader.
     makePicture(dir / "src.ppm", 11, 5, 6);
     ASSERT_TRUE(tool("convert src.ppm -interlace GIF a.gif && ppmtobmp -bpp 4 src.ppm > a.bmp && "
                      "{ echo '! XPM2'; convert src.ppm xpm:- | " +

@@ -279,7 +279,7 @@ TEST_P(ImageFiles, TheDefaultImageAndTheFailuresThatGiveItWithTheirMessage) {
     EXPECT_EQ(im, fallback);
 }
 
-TEST_P(ImageFiles, WriteImageOfImagesMadeInMemory) {
+TEST_P(ImageFiles, WriteImageOfImagesMadeInMemoryAndMipLevelFiles) {
     // Images made in memory: luminance goes out grey, alpha is lost, rows come out top first
     // unless told that they are already.
     const unsigned char bytes[4][8] = {
@@ -309,39 +309,7 @@ TEST_P(ImageFiles, WriteImageOfImagesMadeInMemory) {
               "OrvDirector::writeImage : Couldn't open file /nonexistent-dir/a.\n");
     EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(d->writeImage("x", nullptr), 0u); }),
               "OrvDirector::writeImage : No image.\n");
-}
-
-TEST(ImageScale, BoxFilterInTheMannerOfTheUtilityLibrary) {
-    const std::vector<int> four = {0,   10,  20, 30, 1,   11,  21,  31,
-                                   100, 100, 0,  0,  101, 100, 255, 254};
-    struct Case {
-        unsigned long channels, width, height, newWidth, newHeight;  // the type is the channels
-        std::vector<int> in, out;
-    } cases[] = {
-        {1, 4, 4, 2, 2, four, {6, 26, 100, 127}},  // halving: each square of four, rounded
-        // The same size is the same picture; channels stay apart.
-        {3, 2, 1, 2, 1, {1, 2, 3, 250, 251, 252}, {1, 2, 3, 250, 251, 252}},
-        {3, 2, 1, 1, 1, {1, 2, 3, 250, 251, 252}, {126, 127, 128}},
-        // Enlarging: a box of one source pixel around each centre, cut at the edges.
-        {1, 2, 1, 4, 1, {0, 200}, {0, 50, 150, 200}},
-        // Three to two: each output covers one and a half inputs.
-        {1, 3, 1, 2, 1, {0, 90, 180}, {30, 150}},
-    };
-    for (const Case& c : cases) {
-        std::vector<unsigned char> in(c.in.begin(), c.in.end()), out(c.out.size());
-        ASSERT_EQ(OrvScaleImage((OrvImageType)c.channels, c.channels, c.newWidth, c.newHeight,
-                                out.data(), c.width, c.height, in.data()),
-                  1);
-        EXPECT_EQ(std::vector<int>(out.begin(), out.end()), c.out) << &c - cases;
-    }
-    unsigned char in[1] = {0}, out[1];
-    EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(OrvScaleImage(5, 5, 1, 1, out, 1, 1, in), 0); }),
-              "OrvScaleImage : Bad image type (5, 5 channels).\n");
-    EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(OrvScaleImage(1, 1, 0, 1, out, 1, 1, in), 0); }),
-              "OrvScaleImage : Bad image size.\n");
-}
-
-TEST_P(ImageFiles, MipLevelFilesDownToOnePixel) {
+    // Mip-level files, down to one pixel.
     OrvImage* src = load("src.ppm");
     ASSERT_NE(src, nullptr);
     std::string prefix = dir / "mip";
@@ -385,6 +353,36 @@ TEST_P(ImageFiles, MipLevelFilesDownToOnePixel) {
     for (const Case& c : cases)
         EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(OrvWriteMipmapsPPM(c.image, c.prefix), 0); }),
                   c.message);
+}
+
+TEST(ImageScale, BoxFilterInTheMannerOfTheUtilityLibrary) {
+    const std::vector<int> four = {0,   10,  20, 30, 1,   11,  21,  31,
+                                   100, 100, 0,  0,  101, 100, 255, 254};
+    struct Case {
+        unsigned long channels, width, height, newWidth, newHeight;  // the type is the channels
+        std::vector<int> in, out;
+    } cases[] = {
+        {1, 4, 4, 2, 2, four, {6, 26, 100, 127}},  // halving: each square of four, rounded
+        // The same size is the same picture; channels stay apart.
+        {3, 2, 1, 2, 1, {1, 2, 3, 250, 251, 252}, {1, 2, 3, 250, 251, 252}},
+        {3, 2, 1, 1, 1, {1, 2, 3, 250, 251, 252}, {126, 127, 128}},
+        // Enlarging: a box of one source pixel around each centre, cut at the edges.
+        {1, 2, 1, 4, 1, {0, 200}, {0, 50, 150, 200}},
+        // Three to two: each output covers one and a half inputs.
+        {1, 3, 1, 2, 1, {0, 90, 180}, {30, 150}},
+    };
+    for (const Case& c : cases) {
+        std::vector<unsigned char> in(c.in.begin(), c.in.end()), out(c.out.size());
+        ASSERT_EQ(OrvScaleImage((OrvImageType)c.channels, c.channels, c.newWidth, c.newHeight,
+                                out.data(), c.width, c.height, in.data()),
+                  1);
+        EXPECT_EQ(std::vector<int>(out.begin(), out.end()), c.out) << &c - cases;
+    }
+    unsigned char in[1] = {0}, out[1];
+    EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(OrvScaleImage(5, 5, 1, 1, out, 1, 1, in), 0); }),
+              "OrvScaleImage : Bad image type (5, 5 channels).\n");
+    EXPECT_EQ(OrvTestOutput([&] { EXPECT_EQ(OrvScaleImage(1, 1, 0, 1, out, 1, 1, in), 0); }),
+              "OrvScaleImage : Bad image size.\n");
 }
 
 }  // namespace

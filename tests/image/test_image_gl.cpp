@@ -75,7 +75,7 @@ TEST_P(ImageGL, OneListForEveryGLCanvasLoadingThePicture) {
     delete flat;
 }
 
-TEST_P(ImageGL, PowerOfTwoSizesMipLevelsAndBits) {
+TEST_P(ImageGL, PowerOfTwoSizesMipLevelsBitsAndNoListDuringAScene) {
     // Sizes go to the nearest power of two, ties upward: 3 and 6 to 4 and 8, 5 to 4.
     struct Case {
         unsigned w, h;
@@ -106,20 +106,18 @@ TEST_P(ImageGL, PowerOfTwoSizesMipLevelsAndBits) {
     ASSERT_EQ(bits->type, OrvImageLuminance);
     EXPECT_EQ(texels(bits->internal(v), GL_LUMINANCE),
               std::vector<int>({255, 255, 0, 0, 0, 255, 255, 0}));
-}
-
-TEST_P(ImageGL, DuringASceneTheImageGoesStraightToGL) {
-    const unsigned char px[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-    OrvImage* im = make("straight", OrvImageRGB, 2, 2, px);
+    // During a scene the image goes straight to GL, in the current context.
+    const unsigned char small[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    OrvImage* straight = make("straight", OrvImageRGB, 2, 2, small);
     glXMakeCurrent(dpy, (GLXDrawable)v->window(), (GLXContext)v->glContext);
     glTexImage2D(GL_TEXTURE_2D, 0, 3, 8, 8, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
     ASSERT_EQ(levelWidth(0), 8);
     // Only whether a scene renders matters here, not which.
     d->currentScene = reinterpret_cast<OrvScene*>(d);
-    EXPECT_EQ(im->internal(nullptr), 0u);
+    EXPECT_EQ(straight->internal(nullptr), 0u);
     d->currentScene = nullptr;
     EXPECT_EQ(levelWidth(0), 2) << "sent at once, without a list";
-    EXPECT_EQ(im->internals.first, nullptr);
+    EXPECT_EQ(straight->internals.first, nullptr);
     EXPECT_EQ(glXGetCurrentContext(), (GLXContext)v->glContext) << "the scene's context stays";
 }
 
