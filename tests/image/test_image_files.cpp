@@ -320,8 +320,7 @@ TEST_P(ImageFiles, WriteImageOfImagesMadeInMemoryAndMipLevelFiles) {
         EXPECT_EQ(readFile(f).substr(0, 3), "P3\n") << f;
         levels.push_back(parsePlain(f));
     }
-    EXPECT_EQ(levels[1].width, 3u);
-    EXPECT_EQ(levels[1].height, 2u);
+    EXPECT_EQ(std::make_pair(levels[1].width, levels[1].height), std::make_pair(3u, 2u));
     EXPECT_EQ(levels[2].width + levels[2].height, 2u);
     EXPECT_FALSE(OrvFileExists((prefix + "3.ppm").c_str()));
     // Level 0 is the picture itself, top row first; level 2 is the mean of level 1.

@@ -117,14 +117,8 @@ TEST_F(StreamObjects, ActorKeysAndSharedMakeUps) {
               std::vector<OrvMakeUp*>({back[0]->makeUp, back[1]->makeUp}));
 }
 
-namespace {
-OrvEngine* makeBlinker() {
-    return new OrvInverterEngine();
-}
-}  // namespace
-
 TEST_F(StreamObjects, EngineKeyNamesTheClassOrStandsAlone) {
-    OrvRegisterEngine("Inverter", makeBlinker);
+    OrvRegisterEngine("Inverter", []() -> OrvEngine* { return new OrvInverterEngine(); });
     TestBox* withEngine = box(0, 0, 5, 5, red);
     withEngine->setEngine(new OrvInverterEngine(withEngine));
     TestBox* dropped = box(1, 1, 5, 5, red);
