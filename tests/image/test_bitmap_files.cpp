@@ -25,10 +25,7 @@ struct Picture {
 
 Picture makePicture(const std::string& file, unsigned w, unsigned h, unsigned colors,
                     bool noisy = false) {
-    Picture p;
-    p.width = w;
-    p.height = h;
-    p.rgb.resize((size_t)w * h * 3);
+    Picture p{w, h, std::vector<unsigned char>((size_t)w * h * 3)};
     unsigned seed = 12345;
     for (unsigned i = 0; i < w * h; i++) {
         if (noisy) seed = seed * 1103515245 + 12345;
