@@ -96,7 +96,7 @@ TEST(OrvMemoryManager, RemainderOfSixteenGoesToClassOne) {
     pool->release(rest, 16);
 }
 
-TEST(OrvMemoryManager, AssertsOnNullCursor) {
+TEST(OrvMemoryManager, AssertsOnNullCursorAndMisalignedRemainder) {
     OrvMemoryManager* pool = freshPool();
     // The free list is tried first: a pooled block is served even so.
     void* block = pool->alloc(8);
@@ -110,14 +110,10 @@ TEST(OrvMemoryManager, AssertsOnNullCursor) {
     pool->release(big, 100);
     pool->release(block, 8);
     pool->location = saved;
-}
-
-TEST(OrvMemoryManager, AssertsOnMisalignedRemainder) {
-    OrvMemoryManager* pool = freshPool();
-    char* saved = pool->end;
+    char* end = pool->end;
     pool->end = pool->location + 12;
     EXPECT_DEATH(pool->alloc(16), "Assertion `!\\(left%ORV_MLK_ALIGNMENT\\)' failed");
-    pool->end = saved;
+    pool->end = end;
 }
 
 TEST(OrvMemoryManager, GlobalPoolIsMadeOnce) {

@@ -40,14 +40,9 @@ inline std::string readFile(const std::string& path) {
 // Runs a shell command; true when it exits with 0. Its diagnostics go to a log that a
 // failing test shows.
 inline bool run(const std::string& command) {
-    std::string full = "(" + command + ") 2>/tmp/orv-images-tool.log";
-    int status = system(full.c_str());
-    if (status != 0) {
-        ADD_FAILURE() << "command failed: " << command << "\n"
-                      << readFile("/tmp/orv-images-tool.log");
-        return false;
-    }
-    return true;
+    if (system(("(" + command + ") 2>/tmp/orv-images-tool.log").c_str()) == 0) return true;
+    ADD_FAILURE() << "command failed: " << command << "\n" << readFile("/tmp/orv-images-tool.log");
+    return false;
 }
 
 // A portable map in numbers: each sample of each pixel, rows top first.

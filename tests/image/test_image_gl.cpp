@@ -10,29 +10,22 @@
 
 namespace {
 
-class ImageGL : public testing::Test {
+class ImageGL : public OrvScreenTest {
 protected:
-    OrvDirector* d = nullptr;
     OrvView* v = nullptr;
-    Display* dpy = nullptr;
     GLuint texture = 0;
     TempDir dir;
 
     void SetUp() override {
-        const char* name = getenv("DISPLAY");
-        if (!name || !*name) GTEST_SKIP() << "no DISPLAY";
-        static Display* keeper = XOpenDisplay(name);
-        (void)keeper;
-        d = new OrvDirector("imagegl", name, 0, nullptr);
-        dpy = (Display*)d->display;
-        if (d->rootContext) v = new OrvView(d, Orv2dRect(10, 10, 64, 64), "gl", OrvViewGL);
+        OrvScreenTest::SetUp();
+        if (d && d->rootContext) v = new OrvView(d, Orv2dRect(10, 10, 64, 64), "gl", OrvViewGL);
         if (!v || !v->glContext) GTEST_SKIP() << "no GL on this screen";
         ASSERT_TRUE(OrvTestWaitViewable(dpy, v->window()));
     }
     void TearDown() override {
         if (dpy) glXMakeCurrent(dpy, None, nullptr);
         delete v;
-        delete d;
+        OrvScreenTest::TearDown();
     }
 
     OrvImage* make(const char* name, OrvImageType type, unsigned w, unsigned h,
@@ -63,8 +56,9 @@ protected:
         return w;
     }
 };
+INSTANTIATE_TEST_SUITE_P(Screen, ImageGL, testing::Values("DISPLAY"));
 
-TEST_F(ImageGL, OneListForEveryGLCanvasLoadingThePicture) {
+TEST_P(ImageGL, OneListForEveryGLCanvasLoadingThePicture) {
     // Four by two, bottom row first as GL takes it.
     const unsigned char px[24] = {255, 0,   0,   0,   255, 0,   0,  0,  255, 255, 255, 0,
                                   0,   255, 255, 255, 0,   255, 10, 20, 30,  200, 100, 50};
@@ -81,7 +75,7 @@ TEST_F(ImageGL, OneListForEveryGLCanvasLoadingThePicture) {
     delete flat;
 }
 
-TEST_F(ImageGL, PowerOfTwoSizesMipLevelsAndBits) {
+TEST_P(ImageGL, PowerOfTwoSizesMipLevelsBitsAndNoListDuringAScene) {
     // Sizes go to the nearest power of two, ties upward: 3 and 6 to 4 and 8, 5 to 4.
     struct Case {
         unsigned w, h;
@@ -112,20 +106,18 @@ TEST_F(ImageGL, PowerOfTwoSizesMipLevelsAndBits) {
     ASSERT_EQ(bits->type, OrvImageLuminance);
     EXPECT_EQ(texels(bits->internal(v), GL_LUMINANCE),
               std::vector<int>({255, 255, 0, 0, 0, 255, 255, 0}));
-}
-
-TEST_F(ImageGL, DuringASceneTheImageGoesStraightToGL) {
-    const unsigned char px[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-    OrvImage* im = make("straight", OrvImageRGB, 2, 2, px);
+    // During a scene the image goes straight to GL, in the current context.
+    const unsigned char small[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    OrvImage* straight = make("straight", OrvImageRGB, 2, 2, small);
     glXMakeCurrent(dpy, (GLXDrawable)v->window(), (GLXContext)v->glContext);
     glTexImage2D(GL_TEXTURE_2D, 0, 3, 8, 8, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
     ASSERT_EQ(levelWidth(0), 8);
     // Only whether a scene renders matters here, not which.
     d->currentScene = reinterpret_cast<OrvScene*>(d);
-    EXPECT_EQ(im->internal(nullptr), 0u);
+    EXPECT_EQ(straight->internal(nullptr), 0u);
     d->currentScene = nullptr;
     EXPECT_EQ(levelWidth(0), 2) << "sent at once, without a list";
-    EXPECT_EQ(im->internals.first, nullptr);
+    EXPECT_EQ(straight->internals.first, nullptr);
     EXPECT_EQ(glXGetCurrentContext(), (GLXContext)v->glContext) << "the scene's context stays";
 }
 

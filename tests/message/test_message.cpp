@@ -187,6 +187,7 @@ protected:
 };
 
 TEST_F(DirectorMessages, LanguageAndFileFromTheEnvironment) {
+    const std::string absolute = dir + "/menus.dbm";
     struct Case {
         const char *lang, *db;    // null: unset
         const char *file, *edit;  // expected for "File" and "Edit"
@@ -197,11 +198,14 @@ TEST_F(DirectorMessages, LanguageAndFileFromTheEnvironment) {
         {"german", "menus.dbm", "File", "Edit", "german"},  // a language the file lacks
         {"french", nullptr, "File", "Edit", "french"},      // no orv.dbm on the path
         {"french", "absent.dbm", "File", "Edit", "french"},
+        {"french", absolute.c_str(), "Fichier", "\\303\\251dition", "french"},  // not on the path
     };
     setenv("ORVPATH", dir.c_str(), 1);
     for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.lang ? c.lang : "-") + " " + (c.db ? c.db : "-"));
         c.lang ? setenv("ORVLANG", c.lang, 1) : unsetenv("ORVLANG");
         c.db ? setenv("ORVDB", c.db, 1) : unsetenv("ORVDB");
+        if (c.db == absolute.c_str()) unsetenv("ORVPATH");
         OrvDirector* d = nullptr;
         std::string said =
             OrvTestOutput([&] { d = new OrvDirector("msgtest", nullptr, 0, nullptr); });
@@ -209,23 +213,17 @@ TEST_F(DirectorMessages, LanguageAndFileFromTheEnvironment) {
         ASSERT_NE(d->database, nullptr);
         EXPECT_EQ(d->database->size, 11u);
         EXPECT_EQ(d->language, OrvGetKey(c.language, 0));
-        EXPECT_STREQ(OrvGetMessage(d, "File"), c.file) << (c.lang ? c.lang : "-");
-        EXPECT_STREQ(OrvGetMessage(d, "Edit"), c.edit) << (c.lang ? c.lang : "-");
+        EXPECT_STREQ(OrvGetMessage(d, "File"), c.file);
+        EXPECT_STREQ(OrvGetMessage(d, "Edit"), c.edit);
         const char* name = "Nothing";
         EXPECT_EQ(OrvGetMessage(d, name), name) << "the name itself";
+        // close deletes the database first.
+        d->close();
+        EXPECT_EQ(d->database, nullptr);
+        EXPECT_STREQ(OrvGetMessage(d, "Edit"), "Edit");
         delete d;
     }
     EXPECT_STREQ(OrvGetMessage(nullptr, "File"), "File");
-    // An absolute name ignores the path; close deletes the database first.
-    setenv("ORVDB", (dir + "/menus.dbm").c_str(), 1);
-    unsetenv("ORVPATH");
-    OrvDirector* d = new OrvDirector("msgtest", nullptr, 0, nullptr);
-    ASSERT_NE(d->database, nullptr);
-    EXPECT_EQ(d->database->cardinal, 2u);
-    d->close();
-    EXPECT_EQ(d->database, nullptr);
-    EXPECT_STREQ(OrvGetMessage(d, "File"), "File");
-    delete d;
 }
 
 }  // namespace

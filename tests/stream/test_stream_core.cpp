@@ -4,9 +4,9 @@
 
 namespace {
 
-std::string written(const char* text, unsigned length = 0) {
+std::string written(const char* text, unsigned length = 0, unsigned long terminate = 0) {
     std::ostringstream out;
-    OrvWriteString(out, text, length);
+    OrvWriteString(out, text, length, terminate);
     return out.str();
 }
 
@@ -19,45 +19,35 @@ std::string readBack(const std::string& text, bool* ok = nullptr) {
 
 }  // namespace
 
-TEST(StreamStrings, EscapesAndRoundTrip) {
+TEST(StreamStrings, WrittenAndReadBack) {
     // Backslash, quote, newline, return and 027 are escaped; a tab and other control characters
-    // pass as they are; an explicit length stops early.
+    // pass as they are; an explicit length stops early; a terminator may follow.
     EXPECT_EQ(
         std::vector<std::string>({"\"\"", "\"\"", "\"a\\\\b\"", "\"say \\\"hi\\\"\"",
-                                  "\"l1\\nl2\\r\"", "\"m\\027x\"", "\"a\tb\001\"", "\"abc\""}),
+                                  "\"l1\\nl2\\r\"", "\"m\\027x\"", "\"a\tb\001\"", "\"abc\"",
+                                  std::string("\"ab\"\0", 5)}),
         std::vector<std::string>({written(nullptr), written(""), written("a\\b"),
                                   written("say \"hi\""), written("l1\nl2\r"), written("m\027x"),
-                                  written("a\tb\001"), written("abcdef", 3)}));
-    {
-        std::ostringstream out;
-        OrvWriteString(out, "ab", 0, 1);
-        EXPECT_EQ(out.str(), std::string("\"ab\"\0", 5));
-    }
+                                  written("a\tb\001"), written("abcdef", 3), written("ab", 0, 1)}));
     const char* hard = "new\nline \"quote\" back\\slash \027 tab\t end\r";
     bool ok = false;
     EXPECT_EQ(readBack(written(hard), &ok), hard);
     EXPECT_TRUE(ok);
-    EXPECT_EQ(readBack(written("")), "");
-}
-
-TEST(StreamStrings, ReaderRules) {
-    // Blanks and newlines before the string are skipped; any opening
-    // character is taken as the quote.
-    EXPECT_EQ(readBack("  \n 'abc\" rest"), "abc");
-    // Unknown escapes keep their backslash; a partial \027 keeps what it took.
-    EXPECT_EQ(readBack("\"a\\tb\""), "a\\tb");
-    EXPECT_EQ(readBack("\"\\0x\""), "\\x");
-    EXPECT_EQ(readBack("\"\\02x\""), "\\x");
-    EXPECT_EQ(readBack("\"\\027\""), "\027");
-    // The result lives in one growing buffer: a long string is whole.
-    std::string big(10000, 'z');
-    EXPECT_EQ(readBack("\"" + big + "\""), big);
+    // Blanks and newlines before the string are skipped; any opening character is taken as the
+    // quote; unknown escapes keep their backslash, a partial \027 keeps what it took; a long
+    // string is whole.
+    const std::string big(10000, 'z');
+    const std::pair<std::string, std::string> reads[] = {
+        {written(""), ""},        {"  \n 'abc\" rest", "abc"},    {"\"a\\tb\"", "a\\tb"},
+        {"\"\\0x\"", "\\x"},      {"\"\\02x\"", "\\x"},           {"\"\\027\"", "\027"},
+        {"\"" + big + "\"", big}, {"\"unfinished", "unfinished"},
+    };
+    for (const auto& r : reads) EXPECT_EQ(readBack(r.first), r.second) << r.first;
     // A string cut by the end of the stream leaves the stream failed.
-    bool ok[3] = {true, true, true};
-    EXPECT_EQ(readBack("\"unfinished", &ok[0]), "unfinished");
-    readBack("", &ok[1]);
-    readBack("\"ends in escape\\", &ok[2]);
-    EXPECT_FALSE(ok[0] || ok[1] || ok[2]);
+    for (const char* cut : {"\"unfinished", "", "\"ends in escape\\"}) {
+        readBack(cut, &ok);
+        EXPECT_FALSE(ok) << cut;
+    }
 }
 
 // What a writer prints.
@@ -224,14 +214,13 @@ TEST(StreamItems, ReadItemFamilyAndComments) {
     for (int i = 0; i < 200000; i++) many += "%c\n";
     std::istringstream in4(many + "end" + std::string(3000, 'w'));
     OrvIStream s4(nullptr, in4);
-    std::vector<std::string> words;
+    std::string words;
     for (int i = 0; i < 3; i++) {
         s4.nextItem();
         s4.word(buffer);
-        words.push_back(buffer);
+        words += (i ? " " : "") + std::string(buffer);
     }
-    EXPECT_EQ(words[0] + " " + words[1], "word last");
-    EXPECT_EQ(words[2], "end" + std::string(1020, 'w'));
+    EXPECT_EQ(words, "word last end" + std::string(1020, 'w'));
 }
 
 TEST(StreamFile, HeaderEofAndEmptyFile) {
@@ -261,60 +250,47 @@ TEST(StreamFile, HeaderEofAndEmptyFile) {
 }
 
 TEST(StreamFile, HeaderAndCountDiagnostics) {
-    struct Case {
-        const char* text;
+    const std::string v2 = "% Orvis 1 date\nOrvStream 2d\n", v3 = "% Orvis 1 date\nOrvStream 3d\n",
+                      size = v2 + "defaultSize = 1 2 3 4\n";
+    const struct {
+        std::string text;
         unsigned long is2d;
-        const char* message;
+        std::string message;
         bool array;
-    };
-    const Case cases[] = {
-        {"% Orvis 1 date\nOrvStream 3d\ncardinal = 0\n", 1,
-         "## OrvIStream : Bad file definition. (2d 3d)\n  ## 2d file expected ...\n", false},
-        {"% Orvis 1 date\nOrvStream 2d\ncardinal = 0\n", 0,
-         "## OrvIStream : Bad file definition. (3d 2d)\n  ## 3d file expected ...\n", false},
-        {"# Orvis 1 date\nOrvStream 2d\ndefaultSize = 1 2 3 4\ncardinal = 0\n", 1,
-         "OrvIStream : header error\n", true},
-        {"% Orvis 1 date\nOrvStream 2d\ndefaultSize : 1 2 3 4\ncardinal = 0\n", 1,
-         "## OrvIStream : size error\n", false},
-        {"% Orvis 1 date\nOrvStream 2d\nsize = 1 2 3 4\ncardinal = 0\n", 1,
-         "## OrvIStream : size error (defaultSize size)\n", false},
-        {"% Orvis 1 date\nOrvStream 2d\ndefaultSize = 1 2 3 4\ncardinal 0\n", 1,
-         "## OrvIStream : cardinal error\n", false},
-        {"% Orvis 1 date\nOrvStream 2d\ndefaultSize = 1 2 3 4\ncount = 0\n", 1,
-         "## OrvIStream : cardinal error (cardinal count)\n", false},
-        {"% Orvis 1 date\nOrvStream 3d\ncardinal = 0\n", 0, "", true},
+        unsigned count;
+    } cases[] = {
+        {v3 + "cardinal = 0\n", 1,
+         "## OrvIStream : Bad file definition. (2d 3d)\n  ## 2d file expected ...\n", false, 0},
+        {v2 + "cardinal = 0\n", 0,
+         "## OrvIStream : Bad file definition. (3d 2d)\n  ## 3d file expected ...\n", false, 0},
+        {"#" + size.substr(1) + "cardinal = 0\n", 1, "OrvIStream : header error\n", true, 0},
+        {v2 + "defaultSize : 1 2 3 4\ncardinal = 0\n", 1, "## OrvIStream : size error\n", false, 0},
+        {v2 + "size = 1 2 3 4\ncardinal = 0\n", 1,
+         "## OrvIStream : size error (defaultSize size)\n", false, 0},
+        {size + "cardinal 0\n", 1, "## OrvIStream : cardinal error\n", false, 0},
+        {size + "count = 0\n", 1, "## OrvIStream : cardinal error (cardinal count)\n", false, 0},
+        {v3 + "cardinal = 0\n", 0, "", true, 0},
         {"", 1,
          "OrvIStream : header error\n## OrvIStream : Bad file definition. (2d )\n  ## 2d file "
          "expected ...\n",
-         false},
+         false, 0},
+        // An unknown class stops the reading; the huge count is not lowered.
+        {size + "cardinal = 4000000000\n% a comment between objects\n"
+                "NoSuchClass  1  {\n\tlayer\t\t0\n}\n",
+         1,
+         "OrvIStream : Class NoSuchClass not found ...\n## OrvIStream : Bad format in object 0\n",
+         true, 4000000000u},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         std::istringstream in(c.text);
         OrvIStream is(nullptr, in);
         unsigned count = 5;
         OrvActor** actors = nullptr;
         EXPECT_EQ(c.message, OrvTestOutput([&] { actors = is.read(count, c.is2d); })) << c.text;
         EXPECT_EQ(actors != nullptr, c.array) << c.text;
-        EXPECT_EQ(count, 0u);
+        EXPECT_EQ(count, c.count) << c.text;
+        EXPECT_EQ(actors && count ? actors[0] : nullptr, nullptr) << c.text;
+        EXPECT_EQ(is.objects, nullptr) << "the table does not outlive the reading";
         delete[] actors;
     }
-}
-
-TEST(StreamFile, UnknownClassAndHugeCount) {
-    std::istringstream in(
-        "% Orvis 1 Mon Nov 23 08:00:00 2026\nOrvStream 2d\ndefaultSize = 0 0 10 10\n"
-        "cardinal = 4000000000\n"
-        "% a comment between objects\n"
-        "NoSuchClass  1  {\n\tlayer\t\t0\n}\n");
-    OrvIStream is(nullptr, in);
-    unsigned count = 0;
-    OrvActor** actors = nullptr;
-    EXPECT_EQ(
-        "OrvIStream : Class NoSuchClass not found ...\n## OrvIStream : Bad format in object 0\n",
-        OrvTestOutput([&] { actors = is.read(count, 1); }));
-    ASSERT_NE(actors, nullptr);
-    EXPECT_EQ(count, 4000000000u);  // the count is not lowered
-    EXPECT_EQ(actors[0], nullptr);
-    delete[] actors;
-    EXPECT_EQ(is.objects, nullptr);  // the table does not outlive the reading
 }

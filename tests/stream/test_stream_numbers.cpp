@@ -56,18 +56,13 @@ bool sameBits(float a, float b) {
     return memcmp(&a, &b, sizeof a) == 0;
 }
 
-float randomFloat(std::mt19937& random) {
-    uint32_t bits = (uint32_t)random();
-    float f;
-    memcpy(&f, &bits, sizeof f);
-    return f;
-}
-
-double randomDouble(std::mt19937& random) {
+// Any bit pattern of a float or a double, NaNs and infinities included.
+template <class T>
+T randomBits(std::mt19937& random) {
     uint64_t bits = (uint64_t)random() << 32 | random();
-    double d;
-    memcpy(&d, &bits, sizeof d);
-    return d;
+    T v;
+    memcpy(&v, &bits, sizeof v);
+    return v;
 }
 
 }  // namespace
@@ -95,9 +90,9 @@ TEST(StreamNumbers, WrittenAsPrintfWrites) {
     std::mt19937 random(20);
     std::uniform_real_distribution<float> near(-10, 10);
     for (int i = 0; i < 600000; i++) {
-        double v = i % 3 == 0   ? randomFloat(random)
+        double v = i % 3 == 0   ? randomBits<float>(random)
                    : i % 3 == 1 ? near(random)
-                                : randomDouble(random);
+                                : randomBits<double>(random);
         ASSERT_EQ(quick(v), printed(v)) << v;
     }
 }
@@ -124,7 +119,7 @@ TEST(StreamNumbers, ReadAsTheCLibraryReads) {
     std::vector<std::string> all;
     for (int i = 0; i < 600000; i++) {
         char t[40];
-        float f = randomFloat(random);
+        float f = randomBits<float>(random);
         double d = std::ldexp((double)random(), -(int)(random() % 60));
         if (i % 3 == 0 && (std::isnan(f) || std::isinf(f))) continue;
         if (i % 3 == 0)
