@@ -2,7 +2,7 @@
 // copying, destruction, and the 2D geometry of handles and focus.
 #include "orv_fixtures.h"
 
-TEST(Actor, DefaultFlagsAndTheBitVocabulary) {
+TEST(Actor, DefaultFlagsBitsUserPropertiesNamesAndCallbacks) {
     OrvActor a(nullptr);
     EXPECT_EQ(a.flags, 0x0318007Au);
     EXPECT_EQ(std::vector<unsigned long>({1, 0, 1, 1, 1, 1, 0, 1, 1, 1, 1, 0}),
@@ -17,10 +17,6 @@ TEST(Actor, DefaultFlagsAndTheBitVocabulary) {
     EXPECT_FALSE(a.isSelectable());
     a.setProperty(7);
     EXPECT_EQ(a.getProperty(39), 1u);
-}
-
-TEST(Actor, UserPropertiesNamesAndCallbacks) {
-    OrvActor a(nullptr);
     OrvKey *k1 = OrvGetKey("test_actor_k1", 1), *k2 = OrvGetKey("test_actor_k2", 1);
     EXPECT_EQ(a.getUserProperty(k1), nullptr);
     EXPECT_NE(a.userProperties, nullptr);  // a read makes the table
@@ -192,11 +188,10 @@ TEST(ActorGeometry, FocusRegionAndRegionTests) {
     EXPECT_TRUE(a.intersects2d(near, nullptr) && !a.inside2d(around, nullptr));
 }
 
-TEST_F(StageTest, ChangeProtocolOnStage) {
+TEST_F(StageTest, ChangeProtocolAndMakeUpSettersOnStage) {
     Log log;
-    RecordingHook* hook = new RecordingHook;
+    RecordingHook* hook = installHook();
     hook->log = &log;
-    stage->install(hook);
     TestBox* a = box(10, 10, 20, 20);
     a->log = &log;
     log.clear();
@@ -229,15 +224,9 @@ TEST_F(StageTest, ChangeProtocolOnStage) {
     EXPECT_EQ(log, (Log{"begin 0", "invalidate", "flush 0", "invalidate", "drawAll"}));
     EXPECT_TRUE(stage->layer(0)->position(a) == -1 && stage->getLayer(a) == stage->layer(2));
     hook->log = nullptr;
-    // Deleting the actor removes it from the stage and its selections.
-    delete a;
-    EXPECT_TRUE(stage->cardinal() == 0u && !stage->selection(0));
-}
 
-TEST_F(StageTest, MakeUpSettersSwapSharedMakeUps) {
-    Log log;
-    TestBox* a = box(10, 10, 20, 20);
-    a->log = &log;
+    // Make-up setters swap shared make-ups.
+    log.clear();
     int redCount = red->count;
     a->setForeground(director->color("blue"));
     a->setForeground(director->color("blue"));  // no change, no call
@@ -259,4 +248,7 @@ TEST_F(StageTest, MakeUpSettersSwapSharedMakeUps) {
     EXPECT_TRUE(a->isInverted() && a->makeUp->foreground() == red->background() &&
                 a->makeUp->background() == red->foreground());
     a->log = nullptr;
+    // Deleting the actor removes it from the stage and its selections.
+    delete a;
+    EXPECT_TRUE(stage->cardinal() == 0u && !stage->selection(0));
 }
