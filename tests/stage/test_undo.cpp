@@ -5,10 +5,7 @@
 #include "orv_fixtures.h"
 
 #include "orv/link.h"
-#include "orv/shapes.h"
 #include "orv/undo.h"
-
-#include <sstream>
 
 class UndoTest : public RouteTest {
 protected:
@@ -101,15 +98,11 @@ TEST_F(UndoTest, EveryKindOfEditUndoneAndRedoneByKeysToTheByte) {
 }
 
 TEST_F(UndoTest, AHundredEditsUndoneAndRedoneGiveTheSameText) {
-    for (int i = 0; i < 4; i++) rect(20 + 70 * i, 20, 40, 30);
+    std::vector<OrvActor*> boxes;
+    for (int i = 0; i < 4; i++) boxes.push_back(rect(20 + 70 * i, 20, 40, 30));
     std::string start = saved();
     // Moves of each box in turn, up and down, with a duplicate and the
     // deletion of the copy now and then.
-    std::vector<OrvActor*> boxes;
-    unsigned n = 0;
-    OrvActor** all = stage->objects(n);
-    boxes.assign(all, all + n);
-    delete[] all;
     int down[4] = {0, 0, 0, 0};
     for (int i = 0; i < 100; i++) {
         int b = i % 4, x = 40 + 70 * b, y = 35 + 40 * down[b];
