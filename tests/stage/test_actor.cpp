@@ -2,7 +2,7 @@
 // copying, destruction, and the 2D geometry of handles and focus.
 #include "orv_fixtures.h"
 
-TEST(Actor, DefaultFlagsAndTheBitVocabulary) {
+TEST(Actor, DefaultFlagsBitsUserPropertiesNamesAndCallbacks) {
     OrvActor a(nullptr);
     EXPECT_EQ(a.flags, 0x0318007Au);
     EXPECT_EQ(std::vector<unsigned long>({1, 0, 1, 1, 1, 1, 0, 1, 1, 1, 1, 0}),
@@ -17,10 +17,6 @@ TEST(Actor, DefaultFlagsAndTheBitVocabulary) {
     EXPECT_FALSE(a.isSelectable());
     a.setProperty(7);
     EXPECT_EQ(a.getProperty(39), 1u);
-}
-
-TEST(Actor, UserPropertiesNamesAndCallbacks) {
-    OrvActor a(nullptr);
     OrvKey *k1 = OrvGetKey("test_actor_k1", 1), *k2 = OrvGetKey("test_actor_k2", 1);
     EXPECT_EQ(a.getUserProperty(k1), nullptr);
     EXPECT_NE(a.userProperties, nullptr);  // a read makes the table
@@ -131,7 +127,7 @@ TEST(Actor, CopyTakesLookAndPermissionsOnly) {
     delete c;
 }
 
-TEST(ActorGeometry, HandlesAndDragger) {
+TEST(ActorGeometry, HandlesDraggerFocusRingAndRegionTests) {
     TestBox a(nullptr, nullptr, Orv2dRect(10, 20, 31, 41));
     unsigned int count = 0;
     Orv2dPoint* h = a.draggerVertex2d(count, nullptr);
@@ -171,32 +167,29 @@ TEST(ActorGeometry, HandlesAndDragger) {
     Orv2dRegion region(Orv2dRect(500, 500, 5, 5));
     a.draggerRegions2d(region, nullptr);
     EXPECT_EQ(region.bbox, Orv2dRect(6, 16, 39, 49));
-}
-
-TEST(ActorGeometry, FocusRegionAndRegionTests) {
-    TestBox a(nullptr, nullptr, Orv2dRect(10, 20, 30, 8));
-    Orv2dRegion region(25);
-    a.computeFocusRegion2d(region, nullptr);
-    ASSERT_EQ(region.count, 4);
+    // The focus ring, and the region tests.
+    TestBox f(nullptr, nullptr, Orv2dRect(10, 20, 30, 8));
+    Orv2dRegion focus(25);
+    f.computeFocusRegion2d(focus, nullptr);
+    ASSERT_EQ(focus.count, 4);
     const Orv2dRect ring[4] = {{9, 19, 32, 2}, {9, 28, 32, 2}, {9, 22, 2, 5}, {40, 22, 2, 5}};
-    for (int i = 0; i < 4; i++) EXPECT_EQ(region.rectangle(i), ring[i]) << i;
+    for (int i = 0; i < 4; i++) EXPECT_EQ(focus.rectangle(i), ring[i]) << i;
     // Below a height of 8 the box alone, without the outer ring.
     TestBox low(nullptr, nullptr, Orv2dRect(10, 20, 30, 7));
-    Orv2dRegion box(25);
-    low.computeFocusRegion2d(box, nullptr);
-    EXPECT_TRUE(box.count == 1 && box.rectangle(0) == Orv2dRect(10, 20, 30, 7));
+    Orv2dRegion whole(25);
+    low.computeFocusRegion2d(whole, nullptr);
+    EXPECT_TRUE(whole.count == 1 && whole.rectangle(0) == Orv2dRect(10, 20, 30, 7));
     // intersects2d and inside2d use the enlarged box of a selected actor.
     Orv2dRegion near(Orv2dRect(0, 0, 8, 100)), around(Orv2dRect(7, 17, 36, 14));
-    EXPECT_TRUE(!a.intersects2d(near, nullptr) && a.inside2d(around, nullptr));
-    a.setSelected(1);
-    EXPECT_TRUE(a.intersects2d(near, nullptr) && !a.inside2d(around, nullptr));
+    EXPECT_TRUE(!f.intersects2d(near, nullptr) && f.inside2d(around, nullptr));
+    f.setSelected(1);
+    EXPECT_TRUE(f.intersects2d(near, nullptr) && !f.inside2d(around, nullptr));
 }
 
-TEST_F(StageTest, ChangeProtocolOnStage) {
+TEST_F(StageTest, ChangeProtocolAndMakeUpSettersOnStage) {
     Log log;
-    RecordingHook* hook = new RecordingHook;
+    RecordingHook* hook = installHook();
     hook->log = &log;
-    stage->install(hook);
     TestBox* a = box(10, 10, 20, 20);
     a->log = &log;
     log.clear();
@@ -229,15 +222,9 @@ TEST_F(StageTest, ChangeProtocolOnStage) {
     EXPECT_EQ(log, (Log{"begin 0", "invalidate", "flush 0", "invalidate", "drawAll"}));
     EXPECT_TRUE(stage->layer(0)->position(a) == -1 && stage->getLayer(a) == stage->layer(2));
     hook->log = nullptr;
-    // Deleting the actor removes it from the stage and its selections.
-    delete a;
-    EXPECT_TRUE(stage->cardinal() == 0u && !stage->selection(0));
-}
 
-TEST_F(StageTest, MakeUpSettersSwapSharedMakeUps) {
-    Log log;
-    TestBox* a = box(10, 10, 20, 20);
-    a->log = &log;
+    // Make-up setters swap shared make-ups.
+    log.clear();
     int redCount = red->count;
     a->setForeground(director->color("blue"));
     a->setForeground(director->color("blue"));  // no change, no call
@@ -259,4 +246,7 @@ TEST_F(StageTest, MakeUpSettersSwapSharedMakeUps) {
     EXPECT_TRUE(a->isInverted() && a->makeUp->foreground() == red->background() &&
                 a->makeUp->background() == red->foreground());
     a->log = nullptr;
+    // Deleting the actor removes it from the stage and its selections.
+    delete a;
+    EXPECT_TRUE(stage->cardinal() == 0u && !stage->selection(0));
 }

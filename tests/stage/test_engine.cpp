@@ -4,8 +4,6 @@
 
 #include "orv/engine.h"
 
-namespace {
-
 // A box that turns: its apply2d maps the box under the change protocol.
 class TurningBox : public TestBox {
 public:
@@ -28,9 +26,7 @@ public:
     void activate3d() override { activations3d++; }
 };
 
-}  // namespace
-
-TEST_F(StageTest, EnginesInvertShowAndTurnTheirTarget) {
+TEST_F(StageTest, EnginesInvertShowTurnForwardAndBelongToTheirTarget) {
     TestBox* b = box(20, 20, 40, 30);
     unsigned long shown = rgb(30, 30);
     OrvInverterEngine inverter(b);
@@ -57,23 +53,21 @@ TEST_F(StageTest, EnginesInvertShowAndTurnTheirTarget) {
     stage->append(t, 0);
     OrvRotateEngine turn(t, 90);
     turn.activate();
-    EXPECT_NEAR(t->box.w, 20, 1);
-    EXPECT_NEAR(t->box.h, 40, 1);
-    EXPECT_NEAR(t->box.x, 110, 1);
-    EXPECT_NEAR(t->box.y, 30, 1);
+    const long want[4] = {110, 30, 20, 40},
+               got[4] = {t->box.x, t->box.y, (long)t->box.w, (long)t->box.h};
+    for (int i = 0; i < 4; i++) EXPECT_NEAR(got[i], want[i], 1) << i;
     EXPECT_EQ(rgb(120, 32), 0x0000fful) << "repainted by the target's apply2d";
-}
 
-TEST_F(StageTest, EngineSetsForwardAndActorsOwnTheirEngine) {
-    TestBox* b = box(20, 20, 40, 30);
+    // Sets forward to their engines, and the actor owns its engine.
+    TestBox* owner = box(20, 80, 40, 30);
     int deletedA = 0, deletedB = 0;
     OrvSetOfEngine* set = new OrvSetOfEngine();
     CountingEngine* a = new CountingEngine(nullptr, &deletedA);
     CountingEngine* c = new CountingEngine(nullptr, &deletedB);
     set->add(a);
     set->add(c);
-    set->setTarget(b);
-    EXPECT_TRUE(!set->target && a->target == b) << "the set's own target stays unset";
+    set->setTarget(owner);
+    EXPECT_TRUE(!set->target && a->target == owner) << "the set's own target stays unset";
     EXPECT_EQ(c->director, director) << "the timer moves to the target's director";
     set->run(0, 40);
     EXPECT_TRUE(a->isRunning() && c->isRunning());
@@ -85,11 +79,11 @@ TEST_F(StageTest, EngineSetsForwardAndActorsOwnTheirEngine) {
     EXPECT_FALSE(a->isRunning() || c->isRunning());
 
     // The actor owns its engine; a copy takes none.
-    b->setEngine(set);
-    OrvActor* copy = b->copy();
+    owner->setEngine(set);
+    OrvActor* copy = owner->copy();
     EXPECT_EQ(copy->getEngine(), nullptr);
     delete copy;
-    delete b;
+    delete owner;
     EXPECT_EQ(Orv2dPoint(1, 1), Orv2dPoint(deletedA, deletedB));
 }
 

@@ -5,15 +5,6 @@
 #include "orv_fixtures.h"
 
 #include "orv/link.h"
-#include "orv/shapes.h"
-#include "orv/stream.h"
-
-#include <sstream>
-
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStdout;
-
-namespace {
 
 struct PathCase {
     const char* name;
@@ -22,13 +13,13 @@ struct PathCase {
     std::vector<Orv2dPoint> points;  // the path, then the head for two bends
 };
 
-std::vector<Orv2dPoint> pathOf(const OrvLinkImage& link, const Orv2dMatrix* m) {
+static std::vector<Orv2dPoint> pathOf(const OrvLinkImage& link, const Orv2dMatrix* m) {
     unsigned n = 0;
     Orv2dPoint* p = link.getLink2dPoints(n, m);
     return std::vector<Orv2dPoint>(p, p + n);
 }
 
-OrvLinkImage* makeLink(OrvDirector* d, int kind, OrvActor* f, OrvActor* t) {
+static OrvLinkImage* makeLink(OrvDirector* d, int kind, OrvActor* f, OrvActor* t) {
     if (kind == 0) return new OrvLinkImage(d, f, t, 1, 1.0f, nullptr);
     if (kind == 3) return new OrvDoubleLinkImage(d, f, t, 1, 1.0f, nullptr);
     OrvOneLinkImage* one = new OrvOneLinkImage(d, f, t, 1, 1.0f, nullptr);
@@ -36,16 +27,13 @@ OrvLinkImage* makeLink(OrvDirector* d, int kind, OrvActor* f, OrvActor* t) {
     return one;
 }
 
-}  // namespace
-
-class LinkTest : public RouteTest {
-protected:
-    std::string saved(OrvStage* s) {
-        std::ostringstream out;
-        s->save(out);
-        return out.str().substr(out.str().find('\n'));
-    }
-};
+// A saved stage without its first line, which holds the date.
+static std::string saved(OrvStage* s) {
+    std::ostringstream out;
+    s->save(out);
+    return out.str().substr(out.str().find('\n'));
+}
+typedef RouteTest LinkTest;
 
 TEST_F(LinkTest, PathsForEachKindAndPlaceUnderTransformers) {
     const Orv2dRect a(10, 10, 40, 20), right(100, 50, 30, 20), low(10, 100, 40, 20),
@@ -209,9 +197,8 @@ TEST_F(LinkTest, LargeGraphsSaveAndReadBackWholeAndMissingEndsAreLeftOut) {
     small.replace(at, end - at, "fromTo\t\t 99999  1 ");
     OrvStage* partial = newStage(Orv2dRect(0, 0, 300, 200));
     std::istringstream bad(small);
-    CaptureStdout();
-    EXPECT_TRUE(partial->read(bad, size, -1));
-    EXPECT_EQ(GetCapturedStdout(), "OrvLinkImage : an end is missing, the link is left out\n");
+    EXPECT_EQ("OrvLinkImage : an end is missing, the link is left out\n",
+              OrvTestOutput([&] { EXPECT_TRUE(partial->read(bad, size, -1)); }));
     EXPECT_EQ(partial->cardinal(), 2999u);
     delete partial;
 }

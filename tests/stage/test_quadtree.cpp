@@ -1,12 +1,9 @@
 // The quadtree: split rule, the 6-pixel floor, child boxes, growth, messages, the optimize mode,
 // and queries checked against a brute-force walk.
-#include <algorithm>
 #include <random>
 #include <set>
 
 #include "orv_fixtures.h"
-
-namespace {
 
 struct Owned {
     std::vector<TestBox*> boxes;
@@ -19,34 +16,25 @@ struct Owned {
     }
 };
 
-void collect(OrvActor* a, void* data) {
+static void collect(OrvActor* a, void* data) {
     ((std::vector<OrvActor*>*)data)->push_back(a);
 }
 
-std::set<OrvActor*> all(OrvQuadtree& t) {
+static std::set<OrvActor*> all(OrvQuadtree& t) {
     std::vector<OrvActor*> v;
     t.apply(collect, &v);
     return std::set<OrvActor*>(v.begin(), v.end());
 }
 
-unsigned depth(const OrvQuadtree* t) {
-    unsigned d = 0;
-    for (const OrvQuadtree* c : {t->topLeft, t->topRight, t->bottomLeft, t->bottomRight})
-        if (c) d = std::max(d, depth(c));
-    return d + 1;
-}
-
-unsigned listLength(const OrvQuadtree* t) {
+static unsigned listLength(const OrvQuadtree* t) {
     unsigned n = 0;
     for (OrvLink* l = t->head; l; l = l->next) n++;
     return n;
 }
 
-OrvActor* at(OrvQuadtree& t, int x, int y) {
+static OrvActor* at(OrvQuadtree& t, int x, int y) {
     return t.contains(Orv2dPoint(x, y), Orv2dPoint(x, y), nullptr);
 }
-
-}  // namespace
 
 TEST(Quadtree, DefaultsAndChildBoxes) {
     EXPECT_TRUE(OrvDefaultQuadtreeMax == 40u && !OrvGetOptimizeMode());
@@ -72,7 +60,7 @@ TEST(Quadtree, DefaultsAndChildBoxes) {
     EXPECT_EQ(OrvQuadtree(4, &thin).findPos(Orv2dRect(0, 0, 1, 1)), 65535u);
 }
 
-TEST(Quadtree, SplitsWhenTheCountReachesMax) {
+TEST(Quadtree, SplitsWhenTheCountReachesMaxAndAboveTheSixPixelFloor) {
     Owned own;
     Orv2dRect area(0, 0, 1000, 1000);
     OrvQuadtree t(OrvDefaultQuadtreeMax, &area);
@@ -95,27 +83,25 @@ TEST(Quadtree, SplitsWhenTheCountReachesMax) {
     for (unsigned i = 0; i < 39; i++) EXPECT_EQ(t.remove(own.boxes[i]), 1);
     // A node back to leaf may keep a list.
     EXPECT_TRUE(!t.topLeft && t.internal == 0u && listLength(&t) == 1u);
-}
-
-TEST(Quadtree, SixPixelFloorKeepsLeavesWhole) {
-    Owned own;
+    // Under 6 pixels on the short side a leaf never splits.
     Orv2dRect narrow(0, 0, 5, 1000);
-    OrvQuadtree t(4, &narrow);
-    for (int i = 0; i < 50; i++) t.add(own.make(1, i * 10, 2, 2));
-    EXPECT_TRUE(t.internal == 0u && listLength(&t) == 50u);
+    OrvQuadtree n(4, &narrow);
+    for (int i = 0; i < 50; i++) n.add(own.make(1, i * 10, 2, 2));
+    EXPECT_TRUE(n.internal == 0u && listLength(&n) == 50u);
     // A deep pile on one point stops splitting when boxes get under 6: 1024 halves to 4 in 8
     // steps, so 9 levels at most.
-    Orv2dRect area(0, 0, 1024, 1024);
-    OrvQuadtree p(4, &area);
+    Orv2dRect square(0, 0, 1024, 1024);
+    OrvQuadtree p(4, &square);
     for (int i = 0; i < 100; i++) p.add(own.make(1, 1, 1, 1));
-    EXPECT_LE(depth(&p), 9u);
     const OrvQuadtree* leaf = &p;
-    while (leaf->topLeft) leaf = leaf->topLeft;
+    unsigned levels = 1;
+    for (; leaf->topLeft; levels++) leaf = leaf->topLeft;
+    EXPECT_LE(levels, 9u);
     EXPECT_LT(std::min(leaf->box.w, leaf->box.h), 6u);
     EXPECT_EQ(all(p).size(), 100u);
 }
 
-TEST(Quadtree, GrowthOfLeafAndInternalRoots) {
+TEST(Quadtree, GrowthMessagesAndOptimizeMode) {
     Owned own;
     Orv2dRect area(0, 0, 100, 100);
     OrvQuadtree leaf(4, &area);
@@ -142,11 +128,7 @@ TEST(Quadtree, GrowthOfLeafAndInternalRoots) {
     TestBox* far = own.make(1000, 1000, 10, 10);
     r.add(far);
     EXPECT_TRUE(r.box == Orv2dRect(-100, -100, 1600, 1600) && r.insideP(far));
-}
-
-TEST(Quadtree, MessagesAndOptimizeMode) {
-    Owned own;
-    Orv2dRect area(0, 0, 100, 100);
+    // Messages for a double add and an unknown removal.
     OrvQuadtree t(4, &area);
     TestBox* b = own.make(1, 2, 3, 4);
     TestBox* stranger = own.make(5, 6, 7, 8);

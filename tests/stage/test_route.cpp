@@ -7,9 +7,19 @@ static void RecordInput(OrvView*, const OrvEvent& e, void* data) {
     OrvTestNote((OfferLog*)data, "callback", e);
 }
 
-TEST_F(RouteTest, CallbacksFirstThenRoleUnderPointerAndTheFirstTrueAnswerEnds) {
+TEST_F(RouteTest, DoubleClickCallbacksFirstThenProducerOrRoleAndTheFirstTrueAnswerEnds) {
     RecordingRole role(&log, "role");
     TestBox* a = actor(20, 20, &role);
+    // A double click goes to the role under the pointer.
+    director->setDoubleClickPeriod(400);
+    moveTo(30, 30);
+    for (int i = 0; i < 2; i++) {
+        OrvTestButton(dpy, 1, true, 10);
+        OrvTestButton(dpy, 1, false, 10);
+    }
+    settle(100);
+    EXPECT_EQ("role:down role:double", offered({OrvButtonDown, OrvDoubleClick}));
+    director->setDoubleClickPeriod(0);
     stage->onInput(RecordInput, &log);
     stage->add(new RecordingAccelerator(&log, OrvButtonDown, 1, OrvAnyModifiers));
     log.clear();
@@ -28,13 +38,9 @@ TEST_F(RouteTest, CallbacksFirstThenRoleUnderPointerAndTheFirstTrueAnswerEnds) {
     EXPECT_EQ("callback:down accelerator:down", offered({OrvButtonDown}));
     release();
     stage->removeInput(RecordInput);
-}
-
-TEST_F(RouteTest, ProducerTakesEverythingActorsSeeNothingAcceleratorsOnlyWhenDeclined) {
-    RecordingRole role(&log, "role");
-    actor(20, 20, &role);
+    // A producer takes everything, the actors see nothing, the accelerators only what it declines.
+    role.answer = 1;
     stage->add(new RecordingAccelerator(&log, OrvKeyDown, 'q', 0));
-    stage->add(new RecordingAccelerator(&log, OrvButtonDown, 1, OrvAnyModifiers));
     RecordingProducer* p = new RecordingProducer(stage, &log);
     stage->setProducer(p);
     EXPECT_EQ(1, p->inits);
@@ -53,7 +59,7 @@ TEST_F(RouteTest, ProducerTakesEverythingActorsSeeNothingAcceleratorsOnlyWhenDec
     EXPECT_EQ("role:down", offered({OrvButtonDown}));
 }
 
-TEST_F(RouteTest, EnterAndLeaveActorComeFromPointerMotion) {
+TEST_F(RouteTest, EnterLeaveAndHighlightComeFromPointerMotion) {
     RecordingRole ra(&log, "a"), rb(&log, "b");
     rb.answer = 0;
     TestBox *a = actor(20, 20, &ra), *b = actor(150, 20, &rb);
@@ -75,22 +81,19 @@ TEST_F(RouteTest, EnterAndLeaveActorComeFromPointerMotion) {
     a->setSensitive(0);
     moveTo(30, 30);
     EXPECT_TRUE(offered().empty() && !stage->pointerActor);
-}
-
-TEST_F(RouteTest, HighlightFollowsThePointerAndLeavesWithTheWindow) {
-    RecordingRole ra(&log, "a");
-    TestBox* a = actor(20, 20, &ra);
-    TestBox* plain = box(150, 20, 60, 40);  // no role: not hit by the role test
+    // Highlight follows the pointer and leaves with the window.
+    a->setSensitive(1);
+    TestBox* plain = box(150, 100, 60, 40);  // no role: not hit by the role test
     a->allowHighlight(1);
     plain->allowHighlight(1);
     moveTo(5, 150);
     moveTo(30, 30);
     EXPECT_TRUE(a->isHighlighted() && stage->getHighlighted() == a);
-    moveTo(160, 30);
+    moveTo(160, 110);
     EXPECT_FALSE(a->isHighlighted() || plain->isHighlighted() || stage->getHighlighted());
     // Under a producer, highlight counts all actors, with or without a role.
     stage->setProducer(new RecordingProducer(stage, &log));
-    moveTo(165, 35);
+    moveTo(165, 115);
     EXPECT_TRUE(plain->isHighlighted());
     // Leaving the window clears it.
     OrvTestMoveRoot(dpy, 1000, 900);
@@ -98,11 +101,11 @@ TEST_F(RouteTest, HighlightFollowsThePointerAndLeavesWithTheWindow) {
     EXPECT_FALSE(plain->isHighlighted() || stage->getHighlighted());
     // A stage with highlight off highlights nothing.
     stage->highlightEnabled = 0;
-    moveTo(165, 35);
+    moveTo(165, 115);
     EXPECT_FALSE(plain->isHighlighted());
 }
 
-TEST_F(RouteTest, PressMovesTheFocusAndLaterDragsAndReleaseGoToIt) {
+TEST_F(RouteTest, PressMovesTheFocusLaterDragsAndReleaseGoToItAndItsRingIsRepainted) {
     RecordingRole ra(&log, "a"), rb(&log, "b");
     TestBox *a = actor(20, 20, &ra), *b = actor(150, 20, &rb);
     box(20, 120, 60, 40);  // no role
@@ -138,6 +141,15 @@ TEST_F(RouteTest, PressMovesTheFocusAndLaterDragsAndReleaseGoToIt) {
     log.clear();
     click(30, 30);
     EXPECT_TRUE(!stage->getFocus() && offered({OrvButtonDown}).empty());
+    // The focus ring is two pixels wide: on the box's edge and one pixel outside it; inside is
+    // untouched.
+    stage->setFocus(b);
+    EXPECT_NE(background, rgb(149, 40));
+    EXPECT_NE(0xff0000ul, rgb(150, 40));
+    EXPECT_NE(background, rgb(180, 19));
+    expectPixels({148, 40, background, 170, 40, 0xff0000});
+    stage->setFocus(nullptr);
+    expectPixels({149, 40, background, 150, 40, 0xff0000, 180, 19, background});
 }
 
 TEST_F(RouteTest, TabOnReleaseWalksTheFocusInReadingOrder) {
@@ -179,22 +191,7 @@ TEST_F(RouteTest, TabOnReleaseWalksTheFocusInReadingOrder) {
     EXPECT_EQ(nullptr, stage->getFocus());
 }
 
-TEST_F(RouteTest, FocusChangeRepaintsTheRing) {
-    RecordingRole role(&log, "r");
-    TestBox* a = box(40, 40, 60, 40, blue);
-    a->setRole(&role);
-    // The ring is two pixels wide: on the box's edge and one pixel outside it; inside is
-    // untouched.
-    stage->setFocus(a);
-    EXPECT_NE(background, rgb(39, 60));
-    EXPECT_NE(0x0000fful, rgb(40, 60));
-    EXPECT_NE(background, rgb(70, 39));
-    expectPixels({38, 60, background, 60, 60, 0x0000ff});
-    stage->setFocus(nullptr);
-    expectPixels({39, 60, background, 40, 60, 0x0000ff, 70, 39, background});
-}
-
-TEST_F(RouteTest, GrabbingActorTakesEveryEvent) {
+TEST_F(RouteTest, GrabbingActorTakesEveryEventAndWithoutFocusThePressedOneDoes) {
     RecordingRole ra(&log, "a"), rb(&log, "b");
     ra.answer = 0;  // declined, yet nothing else sees the event
     TestBox* a = actor(20, 20, &ra);
@@ -207,40 +204,22 @@ TEST_F(RouteTest, GrabbingActorTakesEveryEvent) {
     EXPECT_EQ("a:down a:key", offered({OrvButtonDown, OrvKeyDown}));
     EXPECT_EQ(nullptr, stage->getFocus());
     stage->grabActor = nullptr;
-}
-
-TEST_F(RouteTest, WithoutFocusHandlingPressesGoToThePressedActor) {
-    RecordingRole ra(&log, "a");
-    TestBox* a = actor(20, 20, &ra);
-    TestBox* plain = box(150, 20, 60, 40);
+    // Without focus handling presses go to the pressed actor. No role: the press gives 0 and
+    // still sets the pressed actor.
+    ra.answer = 1;
+    TestBox* plain = box(150, 100, 60, 40);
     stage->focusEnabled = 0;
-    // No role: the press gives 0 and still sets the pressed actor.
-    stage->add(new RecordingAccelerator(&log, OrvButtonDown, 1, OrvAnyModifiers));
     log.clear();
-    press(160, 30);
+    press(160, 110);
     EXPECT_EQ(plain, stage->pressedActor);
     release();
     EXPECT_EQ("accelerator:down", offered({OrvButtonDown}));
     press(30, 30);
     EXPECT_EQ(a, stage->pressedActor);
-    moveTo(170, 35);
+    moveTo(170, 115);
     release();
     EXPECT_EQ("a:down a:drag a:up", offered({OrvButtonDown, OrvButtonDragged, OrvButtonUp}));
     EXPECT_EQ(nullptr, stage->getFocus());
-}
-
-TEST_F(RouteTest, DoubleClickGoesToTheRoleUnderThePointer) {
-    RecordingRole ra(&log, "a");
-    actor(20, 20, &ra);
-    director->setDoubleClickPeriod(400);
-    moveTo(30, 30);
-    log.clear();
-    for (int i = 0; i < 2; i++) {
-        OrvTestButton(dpy, 1, true, 10);
-        OrvTestButton(dpy, 1, false, 10);
-    }
-    settle(100);
-    EXPECT_EQ("a:down a:double", offered({OrvButtonDown, OrvDoubleClick}));
 }
 
 TEST_F(RouteTest, AcceleratorMatchingAndTheStagesList) {
@@ -286,7 +265,7 @@ TEST_F(RouteTest, AcceleratorMatchingAndTheStagesList) {
     EXPECT_EQ("accelerator:key", offered());
 }
 
-TEST_F(RouteTest, StageCallbacksShadowAndCallCallbackPrefersTheNamedOne) {
+TEST_F(RouteTest, StageCallbacksShadowCallCallbackPrefersTheNamedOneAndQuitRunsTheExit) {
     int stageCalls = 0, ownCalls = 0, laterCalls = 0;
     OrvActor* last = nullptr;
     TestBox* a = box(20, 20, 60, 40);
@@ -308,9 +287,7 @@ TEST_F(RouteTest, StageCallbacksShadowAndCallCallbackPrefersTheNamedOne) {
     a->setCallbackName(OrvGetKey("elsewhere", 1));
     stage->callCallback(a);
     EXPECT_EQ(2, ownCalls);
-}
-
-TEST_F(RouteTest, QuitRunsTheExitCallback) {
+    // Quit runs the exit callback.
     struct CountingExit : OrvExitCallback {
         int calls = 0;
         void exit(OrvStage*) override { calls++; }

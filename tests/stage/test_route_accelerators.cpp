@@ -2,12 +2,34 @@
 // and the clipboard's behaviour on an empty cut buffer.
 #include "orv_fixtures.h"
 
-TEST_F(RouteTest, SelectAllDeselectDeleteAndDuplicateByKeys) {
+TEST_F(RouteTest, CountPasteSelectAllDeselectDeleteAndDuplicateByKeys) {
     stage->installAccelerators(0);
     EXPECT_EQ(17u, stage->accelerators.length());
     TestBox* a = box(20, 20, 40, 30);
     TestBox* b = box(150, 100, 40, 30, blue);
     moveTo(250, 180);
+    // Control-N reports the actors first.
+    std::string out = OrvTestOutput([&] { type(XK_n, XK_Control_L); });
+    EXPECT_EQ(0u, out.find("Found 2 objects in stage ...\nMakeUp's hash table report : ")) << out;
+    EXPECT_NE(std::string::npos, out.find("Number of color entries : "));
+    EXPECT_NE(std::string::npos, out.find("   Equivalent colors array : \n"));
+    // Paste with an empty clipboard does nothing and paints nothing.
+    XStoreBytes(dpy, "", 0);
+    XSync(dpy, False);
+    RecordingHook* hook = installHook();
+    type(XK_v, XK_Control_L);
+    stage->paste(Orv2dPoint(10, 10), 1);
+    EXPECT_TRUE(stage->cardinal() == 2u && hook->before == 0);
+    // Copy and cut without a selection leave the cut buffer alone.
+    XStoreBytes(dpy, "keep", 4);
+    XSync(dpy, False);
+    stage->copy();
+    stage->cut();
+    int n = 0;
+    char* bytes = XFetchBytes(dpy, &n);
+    EXPECT_EQ("keep", std::string(bytes, n));
+    XFree(bytes);
+
     type(XK_a, XK_Control_L);
     EXPECT_TRUE(a->isSelected() && b->isSelected());
     type(XK_b, XK_Control_L);
@@ -66,38 +88,6 @@ TEST_F(RouteTest, ViewAcceleratorsMoveZoomRotateAndResetTheTransformer) {
     // Control-F fits the contents to the window.
     type(XK_f, XK_Control_L);
     EXPECT_TRUE(stage->transformer && rgb(150, 100) == 0xff0000ul);
-}
-
-TEST_F(RouteTest, CountReportsTheActorsFirst) {
-    stage->installAccelerators(0);
-    box(20, 20, 40, 30);
-    box(120, 20, 40, 30);
-    moveTo(250, 180);
-    std::string out = OrvTestOutput([&] { type(XK_n, XK_Control_L); });
-    EXPECT_EQ(0u, out.find("Found 2 objects in stage ...\nMakeUp's hash table report : ")) << out;
-    EXPECT_NE(std::string::npos, out.find("Number of color entries : "));
-    EXPECT_NE(std::string::npos, out.find("   Equivalent colors array : \n"));
-}
-
-TEST_F(RouteTest, PasteWithAnEmptyClipboardDoesNothingAndPaintsNothing) {
-    stage->installAccelerators(0);
-    box(20, 20, 40, 30);
-    XStoreBytes(dpy, "", 0);
-    XSync(dpy, False);
-    RecordingHook* hook = installHook();
-    moveTo(200, 150);
-    type(XK_v, XK_Control_L);
-    stage->paste(Orv2dPoint(10, 10), 1);
-    EXPECT_TRUE(stage->cardinal() == 1u && hook->before == 0);
-    // Copy and cut without a selection leave the cut buffer alone.
-    XStoreBytes(dpy, "keep", 4);
-    XSync(dpy, False);
-    stage->copy();
-    stage->cut();
-    int n = 0;
-    char* bytes = XFetchBytes(dpy, &n);
-    EXPECT_EQ("keep", std::string(bytes, n));
-    XFree(bytes);
 }
 
 // Control-C in one stage, control-V in another of the same director and in a

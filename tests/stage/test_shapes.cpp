@@ -1,16 +1,12 @@
 // The basic shapes: exact hit tests under an identity, a scaling and a rotating transformer,
 // boxes, handles of polylines, copies, and their pixels on a real stage.
-#include <cstring>
-
 #include "orv_fixtures.h"
 
-namespace {
-
-const Orv2dMatrix kScale2(2, 2);
-const Orv2dMatrix kQuarter(Orv2dPoint(0, 0), 90);  // (x, y) goes to about (-y, x)
+static const Orv2dMatrix kScale2(2, 2);
+static const Orv2dMatrix kQuarter(Orv2dPoint(0, 0), 90);  // (x, y) goes to about (-y, x)
 
 // Points given as x, y, and 1 for a hit or 0 for a miss, under one matrix.
-void expectHits(OrvActor& a, const Orv2dMatrix* m, std::initializer_list<int> points) {
+static void expectHits(OrvActor& a, const Orv2dMatrix* m, std::initializer_list<int> points) {
     for (const int* p = points.begin(); p + 2 < points.end(); p += 3)
         EXPECT_EQ(p[2], (int)a.contains2d(Orv2dPoint(p[0], p[1]), m))
             << a.className() << " at " << p[0] << "," << p[1]
@@ -19,9 +15,7 @@ void expectHits(OrvActor& a, const Orv2dMatrix* m, std::initializer_list<int> po
                               : "");
 }
 
-}  // namespace
-
-TEST(Shapes, RectangleHitTests) {
+TEST(Shapes, RectangleEllipseAndArcHitTests) {
     // Edges belong to it; rotated, the quadrilateral counts, not the box of two corners.
     OrvFilledRectangle filled(nullptr, Orv2dRect(0, 0, 100, 50));
     expectHits(filled, nullptr, {50, 25, 1, 100, 50, 1, 101, 25, 0});
@@ -37,9 +31,23 @@ TEST(Shapes, RectangleHitTests) {
     EXPECT_EQ(filled.bbox2d(&kScale2), Orv2dRect(0, 0, 200, 100));
     Orv2dRect turned = filled.bbox2d(&kQuarter);
     EXPECT_TRUE(abs(turned.x + 50) <= 1 && abs((int)turned.h - 100) <= 1);
+    OrvEllipse e(nullptr, Orv2dRect(0, 0, 100, 50));
+    expectHits(e, nullptr, {100, 25, 1, 50, 0, 1, 50, 25, 0});
+    expectHits(e, &kScale2, {200, 50, 1, 100, 50, 0});
+    expectHits(e, &kQuarter, {-25, 100, 1, -25, 50, 0});
+    OrvFilledEllipse f(nullptr, Orv2dRect(0, 0, 100, 50));
+    expectHits(f, nullptr, {50, 25, 1, 99, 49, 0});
+    expectHits(f, &kScale2, {100, 50, 1});
+    expectHits(f, &kQuarter, {-25, 50, 1, 25, 50, 0});
+    OrvArc arc(nullptr, Orv2dRect(0, 0, 100, 100), 0, 90);
+    expectHits(arc, nullptr, {100, 50, 1, 85, 15, 1, 0, 50, 0, 15, 85, 0});
+    expectHits(arc, &kScale2, {170, 30, 1});
+    EXPECT_EQ(arc.bbox2d(nullptr), Orv2dRect(50, 0, 50, 50));  // the box of a quarter
+    arc.setAngles(0, 360);
+    expectHits(arc, nullptr, {0, 50, 1});
 }
 
-TEST(Shapes, LinesArrowsPolylinesAndPolygons) {
+TEST(Shapes, LinesArrowsPolylinesWithTheirHandlesAndPolygons) {
     OrvLine line(nullptr, Orv2dPoint(0, 0), Orv2dPoint(100, 0));
     expectHits(line, nullptr, {50, 2, 1, 50, 4, 0, 94, 3, 0});
     expectHits(line, &kScale2, {100, 2, 1, 100, 20, 0});
@@ -70,11 +78,7 @@ TEST(Shapes, LinesArrowsPolylinesAndPolygons) {
     expectHits(filled, &kQuarter, {-25, 75, 1, 75, 25, 0});
     Orv2dPolygon open(nullptr, 3, pts, 0);
     expectHits(open, nullptr, {50, 50, 1, 75, 25, 0});  // on the closing edge, not inside
-}
-
-TEST(Shapes, PolylineHandlesAreItsVertices) {
-    Orv2dPoint pts[3] = {{0, 0}, {100, 0}, {100, 100}};
-    Orv2dPolyline poly(nullptr, 3, pts);
+    // The handles of a polyline are its vertices.
     unsigned int n = 0;
     Orv2dPoint* v = poly.draggerVertex2d(n, &kScale2);
     ASSERT_TRUE(n == 3u && v[2] == Orv2dPoint(200, 200));
@@ -88,23 +92,6 @@ TEST(Shapes, PolylineHandlesAreItsVertices) {
     poly.draggerRegions2d(squares, nullptr);
     poly.setPoint(1, Orv2dPoint(50, 0));
     EXPECT_TRUE(squares.count == 3 && poly.points[1] == Orv2dPoint(50, 0));
-}
-
-TEST(Shapes, EllipsesAndArcs) {
-    OrvEllipse e(nullptr, Orv2dRect(0, 0, 100, 50));
-    expectHits(e, nullptr, {100, 25, 1, 50, 0, 1, 50, 25, 0});
-    expectHits(e, &kScale2, {200, 50, 1, 100, 50, 0});
-    expectHits(e, &kQuarter, {-25, 100, 1, -25, 50, 0});
-    OrvFilledEllipse f(nullptr, Orv2dRect(0, 0, 100, 50));
-    expectHits(f, nullptr, {50, 25, 1, 99, 49, 0});
-    expectHits(f, &kScale2, {100, 50, 1});
-    expectHits(f, &kQuarter, {-25, 50, 1, 25, 50, 0});
-    OrvArc arc(nullptr, Orv2dRect(0, 0, 100, 100), 0, 90);
-    expectHits(arc, nullptr, {100, 50, 1, 85, 15, 1, 0, 50, 0, 15, 85, 0});
-    expectHits(arc, &kScale2, {170, 30, 1});
-    EXPECT_EQ(arc.bbox2d(nullptr), Orv2dRect(50, 0, 50, 50));  // the box of a quarter
-    arc.setAngles(0, 360);
-    expectHits(arc, nullptr, {0, 50, 1});
 }
 
 TEST(Shapes, CopiesKeepGeometryAndClass) {

@@ -33,7 +33,7 @@ INSTANTIATE_TEST_SUITE_P(Buffering, StageChangeTest, testing::Values(false, true
 
 // A move repaints the union of the old and new boxes: actors there are drawn again, actors
 // elsewhere are not, and the pixels follow.
-TEST_P(StageChangeTest, MoveRepaintsOldAndNewBoxesOnly) {
+TEST_P(StageChangeTest, MoveHideShowRaiseRemoveRepaintTheirBoxesOnly) {
     TestBox* mover = box(10, 10, 20, 20);
     TestBox* neighbour = box(70, 15, 20, 20, blue);
     TestBox* far = box(150, 100, 20, 20, blue);
@@ -43,13 +43,10 @@ TEST_P(StageChangeTest, MoveRepaintsOldAndNewBoxesOnly) {
     expectDraws({mover, neighbour, far}, {1, 1, 0});
     expectPixels({15, 15, background, 65, 15, R, 75, 20, B});  // the neighbour stays on top
     EXPECT_EQ(2, stage->invalidated.count);
-}
-
-TEST_P(StageChangeTest, HideShowRaiseRemove) {
+    // Hide, show, raise and remove.
     TestBox* a = box(10, 10, 40, 40);
     TestBox* b = box(30, 30, 40, 40, blue);
-    TestBox* far = box(150, 100, 20, 20, blue);
-    for (TestBox* x : {a, b, far}) x->canvases = &canvases;
+    for (TestBox* x : {a, b}) x->canvases = &canvases;
     resetCounts({a, b, far});
     a->setVisible(0);
     expectDraws({a, b, far}, {0, 1, 0}, 15, background);
@@ -63,7 +60,7 @@ TEST_P(StageChangeTest, HideShowRaiseRemove) {
     expectDraws({far}, {0}, 40, background);
 }
 
-TEST_F(StageTest, NestedSettersRepaintOnce) {
+TEST_F(StageTest, NestedSettersRepaintOnceUnnestedFlushReportsAndRegionsCollapse) {
     TestBox* a = box(10, 10, 20, 20);
     TestBox* b = box(10, 60, 20, 20);
     TestBox* far = box(150, 100, 20, 20, blue);
@@ -87,15 +84,11 @@ TEST_F(StageTest, NestedSettersRepaintOnce) {
     EXPECT_EQ(0, far->draws);
     stage->flushDrawing(1);
     EXPECT_EQ(Orv2dPoint(1, 0), Orv2dPoint(far->draws, a->draws));
-}
-
-TEST_F(StageTest, FlushWithoutNestReportsAndAbortForgets) {
+    // A flush without a nest reports, and an abort forgets.
     const std::string unnested =
         "OrvStage::flushDrawing : 'beginDrawing' must be call before'flushDrawing'.\n";
-    TestBox* a = box(10, 10, 20, 20);
-    TestBox* far = box(150, 100, 20, 20, blue);
     stage->beginDrawing();
-    stage->invalidate(Orv2dRect(5, 5, 10, 10));
+    stage->invalidate(Orv2dRect(35, 5, 10, 10));
     stage->flushDrawing(1);
     resetCounts({a, far});
     EXPECT_EQ(unnested, OrvTestOutput([&] { stage->flushDrawing(1); }));
@@ -107,15 +100,13 @@ TEST_F(StageTest, FlushWithoutNestReportsAndAbortForgets) {
     a->moveTo(100, 100);
     stage->abortDrawing();
     // Nothing painted: the old picture stays.
-    EXPECT_TRUE(!stage->nesting && !stage->invalidated.count && rgb(15, 15) == R);
+    EXPECT_TRUE(!stage->nesting && !stage->invalidated.count && rgb(45, 15) == R);
     EXPECT_EQ(unnested + unnested, OrvTestOutput([&] {
                   stage->flushDrawing(1);
                   stage->flushDrawing(1);
               }));
     EXPECT_EQ(0, stage->drawAlls);
-}
-
-TEST_F(StageTest, RegionCollapsesAtThirtyThree) {
+    // The region collapses at thirty-three rectangles.
     stage->beginDrawing();
     for (int i = 0; i < 32; i++) stage->invalidate(Orv2dRect(i * 5, 2, 2, 2));
     EXPECT_EQ(32, stage->invalidated.count);
@@ -134,7 +125,7 @@ TEST_F(StageTest, RegionCollapsesAtThirtyThree) {
     EXPECT_EQ(0, stage->drawAlls);
 }
 
-TEST_F(StageTest, HooksSeeTheCycle) {
+TEST_F(StageTest, HooksSeeTheCycleAndOutliveTheStageUnlessOwned) {
     RecordingHook* hook = installHook();
     EXPECT_EQ("", OrvTestOutput([&] { stage->install(hook); }));  // silent: already here
     TestBox* a = box(10, 10, 20, 20);
@@ -160,7 +151,37 @@ TEST_F(StageTest, HooksSeeTheCycle) {
               OrvTestOutput([&] { other.install(hook); }));
     delete hook;  // unlinks itself
     EXPECT_EQ(nullptr, stage->hooks.first);
+    // A hook the stage does not own outlives it, told by its cleared stage; an owned one dies
+    // with it (the sanitizers watch that). Nothing paints while the stage goes.
+    RecordingHook kept;
+    kept.owned = false;
+    stage->install(&kept);
+    stage->install(new RecordingHook);
+    // Contents changes are told only while both switches are on.
+    kept.contentsCalls = kept.before = 0;
+    OrvAllowCallContentsChanged = 0;
+    stage->contentsChanged();
+    OrvAllowCallContentsChanged = 1;
+    EXPECT_EQ(0, kept.contentsCalls);
+    stage->contentsChanged();
+    EXPECT_EQ(1, kept.contentsCalls);
+    delete stage;
+    stage = nullptr;
+    EXPECT_TRUE(!kept.stage && !kept.before);
 }
+
+// Reads the window at 15, 15 after drawing and after copying.
+class WindowWatch : public RecordingHook {
+public:
+    std::vector<unsigned long> seen;  // after drawing, after copying
+    void afterDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override { look(); }
+    void afterCopy(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override { look(); }
+    void look() {
+        Display* dpy = (Display*)stage->director->display;
+        XSync(dpy, False);
+        seen.push_back(OrvTestRGB(dpy, stage->window(), 15, 15));
+    }
+};
 
 // A producer whose ghost is a rectangle drawn by exclusive or.
 class GhostProducer : public OrvProducer {
@@ -174,12 +195,19 @@ public:
     }
 };
 
-TEST_F(StageTest, GhostStaysOnTheWindowAfterADoubleBufferedRepaint) {
-    TestBox* a = box(90, 10, 60, 60);
+// No flicker: while the bitmap is painted, the window still shows the old picture; the new one
+// arrives by copy alone. A ghost stays on the window after such a repaint.
+TEST_F(StageTest, DoubleBufferedRepaintReachesTheWindowOnlyAsCopiesAndKeepsTheGhost) {
+    TestBox* a = box(10, 10, 20, 20);
+    TestBox* g = box(90, 10, 60, 60);
     stage->useDoubleBuffer(1);
+    WindowWatch* watch = new WindowWatch;
+    stage->install(watch);
+    a->moveTo(60, 60);
+    EXPECT_EQ(std::vector<unsigned long>({R, background}), watch->seen);
     GhostProducer ghost(stage);
     stage->producer = &ghost;
-    a->moveTo(92, 10);
+    g->moveTo(92, 10);
     EXPECT_TRUE(ghost.exposes == 1 && rgb(110, 30) != R);  // the ghost is on the window
     stage->producer = nullptr;  // but not in the bitmap, so a copy takes it away
     stage->handleExpose(nullptr);
@@ -205,9 +233,9 @@ TEST_F(StageTest, GridDotsUnderTheLayers) {
     EXPECT_EQ(13, stage->snapToGrid(Orv2dPoint(13, 14)).x);  // snapping off
 }
 
-TEST_F(StageTest, FitToContentsAndSelections) {
+TEST_F(StageTest, FitToContentsSelectionsAndEmptying) {
     TestBox* a = box(20, 10, 30, 20);
-    TestBox* b = box(100, 60, 50, 40, blue);
+    TestBox* b = box(100, 60, 50, 40, blue, 2);
     stage->fitTransformerToContents();
     EXPECT_TRUE(stage->toStage() && rgb(198, 148) == B);  // b now reaches the far corner
     stage->toStage(nullptr);
@@ -220,6 +248,15 @@ TEST_F(StageTest, FitToContentsAndSelections) {
     a->setSelected(1);
     b->setSelected(1);
     EXPECT_EQ(Orv2dRect(16, 6, 138, 98), stage->bboxSelections(nullptr));
+    // The contents' box spans the layers and follows the transformer; emptying tells the hooks.
+    stage->deSelect();
+    EXPECT_EQ(Orv2dRect(20, 10, 130, 90), stage->contentsBBox(nullptr));
+    stage->zoom(Orv2dPoint(0, 0), 0.5f, 0.5f);
+    EXPECT_EQ(Orv2dRect(10, 5, 65, 45), stage->contentsBBox(stage->toStage()));
+    RecordingHook* hook = installHook();
+    stage->empty(1);
+    EXPECT_EQ(3, hook->contentsCalls);  // each actor's removal, then the emptied stage once more
+    EXPECT_TRUE(rgb(55, 30) == background && !stage->contentsBBox(nullptr).w);
 }
 
 // A hook that asks for a buffered repaint while one is under way.
@@ -233,86 +270,15 @@ public:
     }
 };
 
-TEST_F(StageTest, BufferedDrawRefusesToNest) {
-    box(10, 10, 20, 20);
+TEST_F(StageTest, BufferedDrawRefusesToNestAndPaintsThroughTheScreenBuffer) {
+    TestBox* a = box(10, 10, 20, 20);
+    TestBox* far = box(150, 100, 20, 20, blue);
     stage->install(new ReentrantHook);
     EXPECT_EQ("OrvStage::bufferedDraw : Internal error (1).\n"
               "OrvStage::bufferedDraw : Internal error (2).\n",
               OrvTestOutput([&] { stage->bufferedDraw(Orv2dRect(0, 0, 50, 50)); }));
     EXPECT_EQ("", OrvTestOutput([&] { stage->bufferedDraw(Orv2dRect(500, 500, 50, 50)); }));
-    // The flag was cleared: a later call paints.
-    XClearArea(dpy, stage->window(), 0, 0, 200, 150, False);
-    stage->bufferedDraw(Orv2dRect(0, 0, 50, 50));
-    EXPECT_EQ(R, rgb(15, 15));
-}
-
-// A hook the stage does not own outlives it, told by its cleared stage; an owned one dies with
-// it (the sanitizers watch that). Nothing paints while the stage goes.
-TEST_F(StageTest, DestructorLetsHooksGoAndPaintsNothing) {
-    RecordingHook kept;
-    kept.owned = false;
-    stage->install(&kept);
-    stage->install(new RecordingHook);
-    box(10, 10, 20, 20);
-    // Contents changes are told only while both switches are on.
-    kept.contentsCalls = kept.before = 0;
-    OrvAllowCallContentsChanged = 0;
-    stage->contentsChanged();
-    OrvAllowCallContentsChanged = 1;
-    EXPECT_EQ(0, kept.contentsCalls);
-    stage->contentsChanged();
-    EXPECT_EQ(1, kept.contentsCalls);
-    delete stage;
-    stage = nullptr;
-    EXPECT_TRUE(!kept.stage && !kept.before);
-}
-
-TEST_F(StageTest, ExposeCopiesTheBitmapOrRepaintsTheExposedPart) {
-    TestBox* a = box(10, 10, 40, 40);
-    TestBox* b = box(120, 80, 40, 40, blue);
-    RecordingHook* hook = installHook();
-    resetCounts({a, b});
-    XClearArea(dpy, stage->window(), 0, 0, 60, 60, True);  // cleared, with an Expose
-    ASSERT_TRUE(OrvTestRunUntil([&] { return a->draws > 0; }));
-    OrvTestRunFor(20);
-    EXPECT_TRUE(b->draws == 0 && rgb(20, 20) == R);
-    // Double buffered: a copy alone.
-    stage->useDoubleBuffer(1);
-    resetCounts({a, b});
-    hook->before = hook->copies = 0;
-    XClearArea(dpy, stage->window(), 0, 0, 160, 140, True);
-    ASSERT_TRUE(OrvTestRunUntil([&] { return hook->copies > 0; }));
-    EXPECT_EQ(std::vector<int>({0, 0, 0, 0}),
-              std::vector<int>({a->draws, b->draws, stage->drawAlls, hook->before}));
-    EXPECT_TRUE(hook->copyCanvas == stage->hasDoubleBuffer() && rgb(130, 90) == B);
-}
-
-// No flicker: while the bitmap is painted, the window still shows the old picture; the new one
-// arrives by copy alone.
-class WindowWatch : public RecordingHook {
-public:
-    std::vector<unsigned long> seen;  // after drawing, after copying
-    void afterDraw(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override { look(); }
-    void afterCopy(const OrvCanvas*, const Orv2dMatrix*, const Orv2dRegion*) override { look(); }
-    void look() {
-        Display* dpy = (Display*)stage->director->display;
-        XSync(dpy, False);
-        seen.push_back(OrvTestRGB(dpy, stage->window(), 15, 15));
-    }
-};
-
-TEST_F(StageTest, DoubleBufferedRepaintReachesTheWindowOnlyAsCopies) {
-    TestBox* a = box(10, 10, 20, 20);
-    stage->useDoubleBuffer(1);
-    WindowWatch* watch = new WindowWatch;
-    stage->install(watch);
-    a->moveTo(60, 60);
-    EXPECT_EQ(std::vector<unsigned long>({R, background}), watch->seen);
-}
-
-TEST_F(StageTest, BufferedDrawPaintsThroughTheScreenBuffer) {
-    TestBox* a = box(10, 10, 20, 20);
-    TestBox* far = box(150, 100, 20, 20, blue);
+    // The flag was cleared: a later call paints, through the screen buffer.
     resetCounts({a, far});
     XClearArea(dpy, stage->window(), 0, 0, 200, 150, False);  // no expose
     stage->bufferedDraw(Orv2dRect(5, 5, 30, 30));
@@ -355,15 +321,31 @@ TEST_F(StageTest, TransformerMapsPicturesAndHits) {
     EXPECT_TRUE(stage->toStage() && stage->toStage()->isBad());
 }
 
-TEST_F(StageTest, ResizeRepaintsWhatItMust) {
+TEST_F(StageTest, ExposeAndResizeRepaintWhatTheyMust) {
     TestBox* a = box(10, 10, 20, 20);
+    TestBox* b = box(120, 80, 40, 40, blue);
     TestBox* right = box(230, 20, 30, 30, blue);
     RecordingHook* hook = installHook();
     XResizeWindow(dpy, stage->window(), 300, 200);
     ASSERT_TRUE(OrvTestRunUntil([&] { return stage->width == 300 && right->draws > 0; }));
+    OrvTestRunFor(20);
     EXPECT_TRUE(hook->resized == 1 && rgb(240, 30) == B);
-    // A double-buffered stage gets a new bitmap and one full repaint.
+    // An expose repaints the exposed part.
+    resetCounts({a, b});
+    XClearArea(dpy, stage->window(), 0, 0, 60, 60, True);  // cleared, with an Expose
+    ASSERT_TRUE(OrvTestRunUntil([&] { return a->draws > 0; }));
+    OrvTestRunFor(20);
+    EXPECT_TRUE(b->draws == 0 && rgb(20, 20) == R);
+    // Double buffered: a copy alone.
     stage->useDoubleBuffer(1);
+    resetCounts({a, b});
+    hook->before = hook->copies = 0;
+    XClearArea(dpy, stage->window(), 0, 0, 160, 140, True);
+    ASSERT_TRUE(OrvTestRunUntil([&] { return hook->copies > 0; }));
+    EXPECT_EQ(std::vector<int>({0, 0, 0, 0}),
+              std::vector<int>({a->draws, b->draws, stage->drawAlls, hook->before}));
+    EXPECT_TRUE(hook->copyCanvas == stage->hasDoubleBuffer() && rgb(130, 90) == B);
+    // A double-buffered stage gets a new bitmap and one full repaint on a resize.
     resetCounts({a, right});
     XResizeWindow(dpy, stage->window(), 320, 220);
     ASSERT_TRUE(OrvTestRunUntil([&] { return stage->width == 320; }));
@@ -376,16 +358,4 @@ TEST_F(StageTest, ResizeRepaintsWhatItMust) {
     hook->resized = stage->drawAlls = 0;
     stage->handleResize(Orv2dRect(0, 0, 320, 220), Orv2dRect(5, 5, 320, 220));
     EXPECT_EQ(0, hook->resized + stage->drawAlls + stage->x);
-}
-
-TEST_F(StageTest, EmptyAndContentsBoxes) {
-    box(10, 10, 20, 20);
-    box(100, 50, 40, 30, blue, 2);
-    EXPECT_EQ(Orv2dRect(10, 10, 130, 70), stage->contentsBBox(nullptr));
-    stage->zoom(Orv2dPoint(0, 0), 0.5f, 0.5f);
-    EXPECT_EQ(Orv2dRect(5, 5, 65, 35), stage->contentsBBox(stage->toStage()));
-    RecordingHook* hook = installHook();
-    stage->empty(1);
-    EXPECT_EQ(3, hook->contentsCalls);  // each actor's removal, then the emptied stage once more
-    EXPECT_TRUE(rgb(55, 30) == background && !stage->contentsBBox(nullptr).w);
 }

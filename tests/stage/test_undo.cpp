@@ -5,10 +5,7 @@
 #include "orv_fixtures.h"
 
 #include "orv/link.h"
-#include "orv/shapes.h"
 #include "orv/undo.h"
-
-#include <sstream>
 
 class UndoTest : public RouteTest {
 protected:
@@ -101,15 +98,11 @@ TEST_F(UndoTest, EveryKindOfEditUndoneAndRedoneByKeysToTheByte) {
 }
 
 TEST_F(UndoTest, AHundredEditsUndoneAndRedoneGiveTheSameText) {
-    for (int i = 0; i < 4; i++) rect(20 + 70 * i, 20, 40, 30);
+    std::vector<OrvActor*> boxes;
+    for (int i = 0; i < 4; i++) boxes.push_back(rect(20 + 70 * i, 20, 40, 30));
     std::string start = saved();
     // Moves of each box in turn, up and down, with a duplicate and the
     // deletion of the copy now and then.
-    std::vector<OrvActor*> boxes;
-    unsigned n = 0;
-    OrvActor** all = stage->objects(n);
-    boxes.assign(all, all + n);
-    delete[] all;
     int down[4] = {0, 0, 0, 0};
     for (int i = 0; i < 100; i++) {
         int b = i % 4, x = 40 + 70 * b, y = 35 + 40 * down[b];
@@ -132,7 +125,7 @@ TEST_F(UndoTest, AHundredEditsUndoneAndRedoneGiveTheSameText) {
     EXPECT_EQ(saved(), end);
 }
 
-TEST_F(UndoTest, DeletingRestoresLinksLayersAndExactPlaces) {
+TEST_F(UndoTest, DeletingAndShrinkingRestoreLinksLayersAndExactPlacesAndPoints) {
     OrvActor* a = rect(20, 20, 40, 30);
     OrvActor* b = rect(150, 100, 40, 30, 1);
     OrvActor* c = rect(150, 20, 40, 30);
@@ -156,6 +149,26 @@ TEST_F(UndoTest, DeletingRestoresLinksLayersAndExactPlaces) {
     ASSERT_TRUE(history->redo());
     history->clear();
     EXPECT_EQ(stage->cardinal(), 2u);
+    // A shape shrunk and restored keeps every point.
+    Orv2dPoint pts[5] = {{200, 120}, {263, 181}, {211, 170}, {237, 133}, {201, 166}};
+    Orv2dPolygon* p = new Orv2dPolygon(director, 5, pts, 1, blue);
+    stage->append(p);
+    std::string whole = saved();
+    OrvActor* edited[1] = {p};
+    // Down to 3 by 3 pixels: the points run together and only the kept shape
+    // can bring them back.
+    OrvEditBeginGeometry(stage, edited, 1);
+    p->beginDrawing(1);
+    p->apply2d(OrvCompute2dMatrix(p->bbox2d(nullptr), Orv2dRect(10, 10, 3, 3)));
+    p->flushDrawing(1);
+    OrvEditEndGeometry(stage, "Reshape");
+    std::string shrunk = saved();
+    EXPECT_NE(shrunk, whole);
+    history->undo();
+    EXPECT_EQ(saved(), whole);
+    for (int i = 0; i < 5; i++) EXPECT_EQ(p->points[i], pts[i]);
+    history->redo();
+    EXPECT_EQ(saved(), shrunk);
 }
 
 TEST_F(UndoTest, DragsMergeLimitsTrimAndTheSignalCounts) {
@@ -193,28 +206,6 @@ TEST_F(UndoTest, DragsMergeLimitsTrimAndTheSignalCounts) {
     // Undo with nothing to undo rings and does nothing.
     int now = changes;
     EXPECT_TRUE(!history->undo() && changes == now);
-}
-
-TEST_F(UndoTest, AShapeShrunkAndRestoredKeepsEveryPoint) {
-    Orv2dPoint pts[5] = {{200, 120}, {263, 181}, {211, 170}, {237, 133}, {201, 166}};
-    Orv2dPolygon* p = new Orv2dPolygon(director, 5, pts, 1, blue);
-    stage->append(p);
-    std::string before = saved();
-    OrvActor* edited[1] = {p};
-    // Down to 3 by 3 pixels: the points run together and only the kept shape
-    // can bring them back.
-    OrvEditBeginGeometry(stage, edited, 1);
-    p->beginDrawing(1);
-    p->apply2d(OrvCompute2dMatrix(p->bbox2d(nullptr), Orv2dRect(10, 10, 3, 3)));
-    p->flushDrawing(1);
-    OrvEditEndGeometry(stage, "Reshape");
-    std::string shrunk = saved();
-    EXPECT_NE(shrunk, before);
-    history->undo();
-    EXPECT_EQ(saved(), before);
-    for (int i = 0; i < 5; i++) EXPECT_EQ(p->points[i], pts[i]);
-    history->redo();
-    EXPECT_EQ(saved(), shrunk);
 }
 
 TEST_F(UndoTest, AStackSharedByTwoStagesAndTheirEnds) {
